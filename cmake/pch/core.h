@@ -1,0 +1,3 @@
+#pragma once
+#include <QtCore/QtCore>
+#include <QtSql/QtSql>

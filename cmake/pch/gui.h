@@ -1,0 +1,5 @@
+#pragma once
+#include <QtCore/QtCore>
+#include <QtGui/QtGui>
+#include <QtSql/QtSql>
+#include <QtWidgets/QtWidgets>
