@@ -1,0 +1,482 @@
+#include "store/databasetextconverter.h"
+
+#include "store/metadatablob.h"
+#include "store/objectdatabase_p.h"
+#include "store/projecttext.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
+#include <QSaveFile>
+#include <QSqlRecord>
+
+#include <algorithm>
+
+namespace {
+
+using namespace ProjectText;
+
+constexpr qint64 largestFile = qint64(1) << 30;
+constexpr qsizetype flushSize = 1 << 20;
+constexpr qsizetype batchSize = 1 << 15; ///< characters of one insert statement
+
+/// Up to the values.
+QString insertStatement(const QString &table, const QList<Column> &columns)
+{
+    QStringList names;
+    for (const Column &column : columns)
+        names.append(column.name);
+    return QStringLiteral("INSERT OR REPLACE INTO %1 (%2) VALUES ").arg(table, names.join(u','));
+}
+
+/// What identifies a row in a statement, in the order of the layout's keys.
+QString rowCondition(const Layout &layout, const Row &row)
+{
+    QStringList terms;
+    for (int i = 0; i < layout.keyCount(); ++i)
+        terms.append(
+            QStringLiteral("%1 = %2").arg(QLatin1String(layout.keys[i].column)).arg(row.keys[i]));
+    return terms.join(QLatin1String(" and "));
+}
+
+/// Writes rows of a project text into the database.
+class RowImporter
+{
+public:
+    RowImporter(StatementRunner &runner, StringTable &strings)
+        : m_runner(runner), m_strings(strings)
+    {
+    }
+
+    void beginGroup(const Group &group, const QList<Column> &columns)
+    {
+        flush();
+        m_insert = insertStatement(group.table, columns);
+        // A new line brings services of its own, which the text need not have.
+        if (group.table.startsWith(QLatin1String("UDSSettings")))
+            m_runner.exec(QLatin1String("delete from ") + group.table, Q_FUNC_INFO);
+        // The text says which program made the project, also if that is none that left its name.
+        if (group.table == QLatin1String("MiscSettings"))
+            m_runner.exec(
+                QStringLiteral("delete from MiscSettings where item <> 'DatabaseVersion'"),
+                Q_FUNC_INFO);
+    }
+
+    void row(const Group &group, const QList<Column> &columns, const Row &row)
+    {
+        if (group.isNodes())
+            run(updateStatement(group, columns, row), row.line);
+        else
+            addToBatch(rowValues(columns, row), row.line);
+        if (!row.metadata.isEmpty()) {
+            flush();
+            writeMetaData(group, row);
+        }
+    }
+
+    /// Many rows in one statement take a third of the time. If one of them is refused, the others
+    /// go in one by one.
+    void flush()
+    {
+        if (m_batch.isEmpty())
+            return;
+        QStringList rows;
+        for (const auto &[values, line] : m_batch)
+            rows.append(values);
+        if (!m_runner.exec(m_insert + rows.join(u','))) {
+            for (const auto &[values, line] : m_batch)
+                run(m_insert + values, line);
+        }
+        m_batch.clear();
+        m_batchSize = 0;
+    }
+
+private:
+    [[nodiscard]] QString literal(const Column &column, const QString &value)
+    {
+        switch (column.kind) {
+        case Kind::Integer:
+            return value;
+        case Kind::Text:
+            return SqlText::quoted(value);
+        case Kind::StringId:
+            return QString::number(m_strings.intern(value));
+        case Kind::MetaData:
+            break;
+        }
+        return QStringLiteral("0");
+    }
+
+    [[nodiscard]] QString rowValues(const QList<Column> &columns, const Row &row)
+    {
+        QString values(u'(');
+        for (int i = 0; i < columns.size(); ++i) {
+            values += literal(columns.at(i), row.value(columns, i));
+            values += i + 1 < columns.size() ? u',' : u')';
+        }
+        return values;
+    }
+
+    void addToBatch(const QString &values, int line)
+    {
+        m_batch.append({values, line});
+        m_batchSize += values.size();
+        if (m_batchSize > batchSize)
+            flush();
+    }
+
+    /// Lines are there already, with the defaults of the columns that the text lacks.
+    [[nodiscard]] QString updateStatement(const Group &group, const QList<Column> &columns,
+                                          const Row &row)
+    {
+        QStringList terms;
+        for (int i = 0; i < columns.size(); ++i) {
+            if (!row.values.at(i).isNull())
+                terms.append(columns.at(i).name + u'=' + literal(columns.at(i), row.values.at(i)));
+        }
+        return QStringLiteral("update %1 set ").arg(group.table) + terms.join(u',') +
+               QLatin1String(" where ") + rowCondition(*group.layout, row);
+    }
+
+    void writeMetaData(const Group &group, const Row &row)
+    {
+        const QString statement =
+            QStringLiteral("update %1 SET metadata = :metadata where ").arg(group.table) +
+            rowCondition(*group.layout, row);
+        if (!m_runner.execBound(
+                statement, {{QStringLiteral(":metadata"), MetaDataBlob::toBlob(row.metadata)}}))
+            report(row.line, statement);
+    }
+
+    void run(const QString &statement, int line)
+    {
+        if (!m_runner.exec(statement))
+            report(line, statement);
+    }
+
+    void report(int line, const QString &statement) const
+    {
+        qDebug() << Q_FUNC_INFO << "Line:" << line << "failed:" << statement
+                 << m_runner.lastError();
+    }
+
+    StatementRunner &m_runner;
+    StringTable &m_strings;
+    QString m_insert;
+    QList<std::pair<QString, int>> m_batch; ///< values of a row, its line in the file
+    qsizetype m_batchSize = 0;
+};
+
+} // namespace
+
+DatabaseTextConverter::DatabaseTextConverter(ObjectDataBase &store, const QString &path,
+                                             QObject *parent)
+    : QObject(parent), m_store(store), m_path(path)
+{
+}
+
+bool DatabaseTextConverter::fail(const QString &what)
+{
+    m_errorText = m_path + QLatin1String(": ") + what;
+    return false;
+}
+
+// --- Writing --------------------------------------------------------------------------------
+
+/// On a full disk a part of the text may be written, without an error of the file.
+bool DatabaseTextConverter::put(const QByteArray &text, QIODevice &out)
+{
+    return out.write(text) == text.size() ||
+           fail(QStringLiteral("can't be written completely, the disk may be full"));
+}
+
+QStringList DatabaseTextConverter::allTables()
+{
+    QStringList tables;
+    m_store.d->runner.forEachRow(
+        QStringLiteral("SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
+        [&](const QSqlQuery &row) { tables.append(row.value(0).toString()); });
+    return tables;
+}
+
+/// Sets the NULLs of a table to 0 or the empty text, with one statement for all of its rows. Rows
+/// that a constraint keeps from changing stay as they are.
+void DatabaseTextConverter::normaliseNulls(const QString &table)
+{
+    QStringList assignments;
+    QStringList conditions;
+    m_store.d->runner.forEachRow(
+        QStringLiteral("SELECT name,type FROM PRAGMA_TABLE_INFO('%1') ORDER BY name")
+            .arg(SqlText::escaped(table)),
+        [&](const QSqlQuery &row) {
+            const QString name = u'"' + row.value(0).toString() + u'"';
+            const QString type = row.value(1).toString().toLower();
+            if (type != QLatin1String("integer") && type != QLatin1String("text"))
+                return;
+            const QLatin1String empty(type == QLatin1String("integer") ? "0" : "''");
+            assignments.append(QStringLiteral("%1=ifnull(%1,%2)").arg(name, empty));
+            conditions.append(name + QLatin1String(" is null"));
+        });
+    if (assignments.isEmpty())
+        return;
+    // Looked for first, since an update that changes nothing still counts as a write.
+    const QString where = QLatin1String(" where ") + conditions.join(QLatin1String(" or "));
+    if (m_store.d->runner.hasRow(QStringLiteral("select 1 from \"%1\"").arg(table) + where +
+                                 QLatin1String(" limit 1")))
+        m_store.d->runner.exec(QStringLiteral("update or ignore \"%1\" set ").arg(table) +
+                                   assignments.join(u',') + where,
+                               Q_FUNC_INFO);
+}
+
+bool DatabaseTextConverter::convertSqlToText()
+{
+    m_errorText.clear();
+    const QFileInfo info(m_path);
+    if (info.exists() && !info.isFile())
+        return fail(info.isDir() ? QStringLiteral("is a folder") : QStringLiteral("is no file"));
+    // For some users every file is writable, whatever its permissions say.
+    constexpr QFile::Permissions writeBits =
+        QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
+    if (info.exists() && (!info.isWritable() || !(info.permissions() & writeBits)))
+        return fail(QStringLiteral("the file is read-only"));
+    QSaveFile file(m_path);
+    if (!file.open(QIODevice::WriteOnly))
+        return fail(QStringLiteral("can't be written: ") + file.errorString());
+    bool written = false;
+    m_store.d->runner.exclusive([&] {
+        const QStringList tables = allTables();
+        for (const QString &table : tables)
+            normaliseNulls(table);
+        written = !tables.isEmpty() &&
+                  std::all_of(tables.begin(), tables.end(),
+                              [&](const QString &table) { return writeTable(table, file); });
+    });
+    if (!written) {
+        file.cancelWriting();
+        return !m_errorText.isEmpty()
+                   ? false
+                   : fail(QStringLiteral("not written, the project can't be read: ") +
+                          m_store.d->runner.lastError());
+    }
+    // What is still in the buffer has to be on its way before the old file is replaced.
+    if (!file.flush() || file.error() != QFile::NoError || !file.commit())
+        return fail(QStringLiteral("can't be written: ") + file.errorString());
+    return true;
+}
+
+bool DatabaseTextConverter::writeTable(const QString &table, QIODevice &out)
+{
+    static const QRegularExpression trailingDigits(QStringLiteral("(\\d+)$"));
+    const QRegularExpressionMatch match = trailingDigits.match(table);
+    const QString base = table.left(match.hasMatch() ? match.capturedStart() : table.size());
+    if (contains(leftOutTables, table) || contains(leftOutTables, base))
+        return true;
+    Group group;
+    if (parseGroup(table, group)) {
+        if (!group.layout)
+            return writeSettings(table, out);
+        if (group.isNodes() || m_store.lineExists(group.line))
+            return writeRows(*group.layout, table, out);
+        qDebug() << "Ignored table " << table;
+        return true;
+    }
+    bool ok = true;
+    if (match.hasMatch())
+        match.captured(1).toUShort(&ok);
+    if (!ok)
+        qDebug() << "Could not convert captured digits:" << match.captured(1);
+    // Scratch lines, and what the database keeps for itself.
+    const bool expected = group.isLineTable() || table.startsWith(QLatin1String("sqlite_"));
+    qDebug() << (expected ? "Ignored table " : "unhandled table") << table;
+    return true;
+}
+
+bool DatabaseTextConverter::writeSettings(const QString &table, QIODevice &out)
+{
+    QByteArray text = (out.pos() > 0 ? "\n[" : "[") + IniText::encodeKey(table) + "]\n";
+    const bool read = m_store.d->runner.forEachRow(
+        QStringLiteral("SELECT * FROM %1 ORDER BY item").arg(table),
+        [&](const QSqlQuery &row) {
+            if (row.isNull(0)) { // can't be asked for
+                qDebug() << "Ignored row of" << table;
+                return;
+            }
+            text += IniText::encodeKey(row.value(0).toString()) + '=';
+            IniText::encodeValue(row.value(1).toString(), text);
+            text += '\n';
+        },
+        Q_FUNC_INFO);
+    return read && put(text, out);
+}
+
+bool DatabaseTextConverter::writeRows(const Layout &layout, const QString &table, QIODevice &out)
+{
+    QByteArray text = (out.pos() > 0 ? "\n[" : "[") + IniText::encodeKey(table) + "]\n";
+    const QList<Column> columns = columnsOf(layout);
+    QList<QByteArray> keys;
+    for (const Column &column : columns)
+        keys.append(IniText::separator + IniText::encodeKey(column.name) + '=');
+    QList<int> places; // of the columns in the table, which may have grown in another order
+    QHash<QByteArray, int> paths; // how often each is taken
+    bool written = true;
+    const auto integer = [](const QVariant &value) { return value.toLongLong(); };
+
+    const auto writeRow = [&](const QSqlQuery &row) {
+        if (places.isEmpty()) {
+            const QSqlRecord record = row.record();
+            for (const Column &column : columns)
+                places.append(record.indexOf(column.name));
+        }
+        std::array<quint64, maximumKeys> rowKeys{};
+        for (int i = 0; i < layout.keyCount(); ++i) {
+            const QVariant value = row.value(QLatin1String(layout.keys[i].column));
+            rowKeys[i] = quint64(integer(value));
+            if (rowKeys[i] > layout.keys[i].maximum) {
+                qDebug() << "Ignored row of" << table << layout.keys[i].column << value;
+                return;
+            }
+        }
+        const QByteArray firstPath = rowPath(layout, rowKeys);
+        const int repetition = paths[firstPath]++;
+        const QByteArray path = repetition ? rowPath(layout, rowKeys, repetition) : firstPath;
+        for (int i = 0; i < columns.size(); ++i) {
+            const QVariant value = places.at(i) < 0 ? QVariant() : row.value(places.at(i));
+            if (columns.at(i).kind == Kind::MetaData) {
+                const auto map = MetaDataBlob::fromValue(value);
+                for (auto it = map.cbegin(); it != map.cend(); ++it) {
+                    text += path + keys.at(i).chopped(1) + IniText::separator +
+                            IniText::encodeKey(it.key()) + '=';
+                    IniText::encodeValue(it.value(), text);
+                    text += '\n';
+                }
+                continue;
+            }
+            text += path;
+            text += keys.at(i);
+            if (columns.at(i).kind == Kind::Integer)
+                text += QByteArray::number(integer(value));
+            else if (columns.at(i).kind == Kind::Text)
+                IniText::encodeValue(value.toString(), text);
+            else
+                IniText::encodeValue(m_store.d->text(value), text);
+            text += '\n';
+        }
+        if (text.size() > flushSize) {
+            written = written && put(text, out);
+            text.clear();
+        }
+    };
+    const bool read = m_store.d->runner.forEachRow(
+        QStringLiteral("SELECT * FROM %1 ORDER by %2").arg(table, QLatin1String(layout.order)),
+        writeRow, Q_FUNC_INFO);
+    return read && written && put(text, out);
+}
+
+// --- Reading --------------------------------------------------------------------------------
+
+bool DatabaseTextConverter::readFile(QByteArray &content)
+{
+    const QFileInfo info(m_path);
+    if (info.isDir())
+        return fail(QStringLiteral("is a folder"));
+    // Pipes and devices may never end.
+    if (info.exists() && !info.isFile())
+        return fail(QStringLiteral("is no file"));
+    if (info.size() > largestFile)
+        return fail(QStringLiteral("is too large for a project"));
+    QFile file(m_path);
+    if (!file.open(QIODevice::ReadOnly))
+        return fail(QStringLiteral("can't be read: ") + file.errorString());
+    content = file.readAll();
+    if (file.error() != QFile::NoError)
+        return fail(QStringLiteral("can't be read: ") + file.errorString());
+    if (content.isEmpty())
+        return fail(QStringLiteral("is empty"));
+    if (content.contains('\0'))
+        return fail(QStringLiteral("is no text"));
+    return true;
+}
+
+/// A file that was cut off at the end of a line is still good INI text. What this tool writes ends
+/// with a line end and has a group for each table, even for an empty one.
+bool DatabaseTextConverter::checkComplete(const Summary &summary, const QByteArray &content)
+{
+    if (summary.groups.isEmpty())
+        return fail(QStringLiteral("holds no project"));
+    if (!summary.hasFileHash)
+        return true;
+    if (!content.endsWith('\n') && !content.endsWith('\r'))
+        return fail(QStringLiteral("ends in the middle of a line"));
+    for (const quint8 line : summary.lines) {
+        const QString last = SqlText::lineTable("UDSSettings", line);
+        if (!summary.groups.contains(last))
+            return fail(QStringLiteral("is not complete, the group \"%1\" is missing").arg(last));
+    }
+    return true;
+}
+
+bool DatabaseTextConverter::convertTextToSql()
+{
+    m_errorText.clear();
+    if (m_store.d->refusesWrites())
+        return fail(QStringLiteral("the project is in use by a running job"));
+    QByteArray content;
+    if (!readFile(content))
+        return false;
+    Reader reader(content);
+    if (!reader.read({}))
+        return fail(reader.error());
+    const Summary summary = reader.summary();
+    if (!checkComplete(summary, content))
+        return false;
+    createLines(summary);
+    importContent(reader);
+    return true;
+}
+
+void DatabaseTextConverter::createLines(const Summary &summary)
+{
+    QList<quint8> lines = summary.lines.values();
+    if (lines.isEmpty())
+        return;
+    std::sort(lines.begin(), lines.end());
+    if (!lines.contains(0))
+        m_store.deleteNode(0); // which a new store has
+    for (const quint8 line : lines)
+        m_store.addNode(line, ObjectDataBase::NODE_DATA_T());
+    if (summary.hasFileHash)
+        m_store.d->runner.exec(QStringLiteral("delete from DescriptionSettings"), Q_FUNC_INFO);
+}
+
+void DatabaseTextConverter::importContent(Reader &reader)
+{
+    RowImporter importer(m_store.d->runner, m_store.d->strings);
+    using Setter = bool (ObjectDataBase::*)(const QString &, const QString &);
+    const QHash<QString, Setter> setters = {
+        {QStringLiteral("DescriptionSettings"), &ObjectDataBase::setDescriptionSetting},
+        {QStringLiteral("GeneralSettings"), &ObjectDataBase::setGeneralSetting},
+        {QStringLiteral("J1939Settings"), &ObjectDataBase::setJ1939Setting},
+        {QStringLiteral("MiscSettings"), &ObjectDataBase::setMiscSetting},
+    };
+    Reader::Visitor visitor;
+    visitor.group = [&](const Group &group, const QList<Column> &columns) {
+        importer.beginGroup(group, columns);
+    };
+    visitor.setting = [&](const Group &group, const QString &item, const QString &value) {
+        const Setter setter = setters.value(group.table);
+        (m_store.*setter)(item, value);
+    };
+    visitor.row = [&](const Group &group, const QList<Column> &columns, const Row &row) {
+        importer.row(group, columns, row);
+    };
+    // Items of the text carry the line already.
+    const quint8 descriptionLine = m_store.descriptionLine();
+    m_store.setDescriptionLine(0);
+    m_store.d->runner.transaction([&] {
+        reader.read(visitor);
+        importer.flush();
+    });
+    m_store.setDescriptionLine(descriptionLine);
+    m_store.d->clearCaches();
+}

@@ -1,0 +1,381 @@
+#include "store/objectdatabase_p.h"
+
+#include "store/schema.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QFileInfo>
+
+// Bringing an older project up to this version's schema and content, in the working copy only.
+// The steps run on every open: a file of any version, or one that another tool has touched, comes
+// out complete.
+
+namespace {
+
+const quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
+
+constexpr const char *createFirst[] = {
+    "GeneralSettings", "DescriptionSettings", "VirtualNodes",  "SignalGroups", "Signals",
+    "Groups",          "EnergyBusSettings",   "J1939Settings", "MiscSettings"};
+
+constexpr const char *createWithMiscSettings[] = {
+    "Connections", "LockedMappings", "LockedPDOs", "PGNs0", "SPNs0", "CANIDs0", "DataElements0"};
+
+constexpr Schema::Addition additionsOfProject[] = {
+    {"Nodes", "dcfpath,tpdocnt,rpdocnt,ismaster,issyncproducer,issyncconsumer,ishbconsumer,"
+              "isemergencyproducer,isemergencyconsumer,ismpdosupported,iscanopengateway,"
+              "allpdosstatic,excludegeneration,generatedcf,prefix,outputpath,iconpath,"
+              "isbootupmanager,isconfigmanager,excludepdolinking,multilinedata,lssslave"},
+    {"Signals", "transmittype,transmittrigger,eventtimer,syncvalue,syncstartvalue,routing"},
+};
+
+constexpr const char *additionsOfSubObjects =
+    "writedefaulttoeds,cyclicread,dcfcomponent,changedbyuser,wizardsource,denotation,sharedlines,"
+    "managedbytsk,signalid,nvstorage,metadata";
+
+constexpr Schema::Addition additionsOfLine[] = {
+    {"Objects", "fwsupported,device_class,metadata"},
+    {"SubObjects", additionsOfSubObjects},
+    {"SPNs", "pos,bitsize,direction,slot_df,bitposition"},
+};
+
+constexpr const char *additionsOfPGNs = "issafe,srvt_ms,FD_TrailerFormat,FD_AssuranceType,"
+                                        "FD_AssuranceDataSize,multisourceaddress";
+
+/// "add column" statements for columns of a table, typed as the schema types them.
+QStringList additionStatements(const char *table, const QString &suffix, const char *columns)
+{
+    QStringList statements;
+    const QStringList wanted = QString::fromLatin1(columns).split(u',');
+    for (const Schema::Column &column :
+         Schema::columns(Schema::table(QString::fromLatin1(table)))) {
+        if (!wanted.contains(column.name))
+            continue;
+        // The untyped last column of Nodes grows as an integer.
+        const QString type = column.type.isEmpty() ? QStringLiteral("integer") : column.type;
+        statements.append(QStringLiteral("alter table %1%2 add %3 %4")
+                              .arg(QLatin1String(table), suffix, column.name, type));
+    }
+    return statements;
+}
+
+QString createIfMissing(const char *nameWithLine)
+{
+    QString name = QString::fromLatin1(nameWithLine);
+    QString suffix;
+    if (name.endsWith(u'0')) {
+        name.chop(1);
+        suffix = QStringLiteral("0");
+    }
+    return Schema::createStatement(Schema::table(name), suffix, true);
+}
+
+/// Statements that differ in existing files from those of new ones, for the sake of the files
+/// that are about.
+QString createIfMissingInOldFile(const char *name)
+{
+    if (qstrcmp(name, "Groups") == 0)
+        return QStringLiteral("create table if not exists Groups (groupid integer primary key, "
+                              "name text, nodeidlist text)");
+    QString statement = createIfMissing(name);
+    if (qstrcmp(name, "SPNs0") == 0)
+        statement.replace(QLatin1String("bitposition integer"),
+                          QLatin1String("bitpostion integer"));
+    return statement;
+}
+
+class Migration
+{
+public:
+    Migration(ObjectDataBase &store, StatementRunner &runner)
+        : m_store(store), m_runner(runner),
+          m_version(store.getMiscSetting(QStringLiteral("DatabaseVersion")).toInt())
+    {
+    }
+
+    void runSchemaSteps();
+
+private:
+    void addColumns(const char *table, const QString &suffix, const char *columns)
+    {
+        for (const QString &statement : additionStatements(table, suffix, columns))
+            m_runner.migrationExec(statement);
+    }
+    void migrateLine(quint8 line);
+    void rebuildSubObjects(quint8 line);
+    [[nodiscard]] QStringList columnsOf(const QString &table);
+
+    ObjectDataBase &m_store;
+    StatementRunner &m_runner;
+    int m_version;
+};
+
+void Migration::runSchemaSteps()
+{
+    bool miscCreated = false;
+    for (const char *name : createFirst)
+        miscCreated = m_runner.exec(createIfMissingInOldFile(name));
+    for (const QString &statement :
+         additionStatements("SubObjects", QStringLiteral("0"), additionsOfSubObjects))
+        m_runner.exec(statement);
+    for (const Schema::Addition &addition : additionsOfProject)
+        for (const QString &statement :
+             additionStatements(addition.table, QString(), addition.columns))
+            m_runner.exec(statement);
+    QList<quint8> lines = m_store.getLines();
+    std::sort(lines.begin(), lines.end());
+    for (const quint8 line : std::as_const(lines))
+        migrateLine(line);
+    addColumns("Connections", QString(), "priority");
+    if (!miscCreated)
+        return;
+    for (const char *name : createWithMiscSettings)
+        m_runner.migrationExec(createIfMissingInOldFile(name));
+    // A table that was just made has the misspelled column only.
+    addColumns("SPNs", QStringLiteral("0"), "bitposition");
+}
+
+void Migration::migrateLine(quint8 line)
+{
+    const QString suffix = QString::number(line);
+    for (const Schema::Addition &addition : additionsOfLine)
+        addColumns(addition.table, suffix, addition.columns);
+    if (m_version < 101)
+        rebuildSubObjects(line);
+    if (m_version < 105)
+        addColumns("DataElements", suffix, "bitpos");
+    if (m_version < 107)
+        m_runner.exec(
+            QStringLiteral("alter table UDSSettings%0 add authentication text").arg(line));
+    addColumns("PGNs", suffix, additionsOfPGNs);
+    if (m_version < 106)
+        addColumns("PGNs", suffix, "safetytype,FD_DataId");
+}
+
+QStringList Migration::columnsOf(const QString &table)
+{
+    QStringList names;
+    m_runner.forEachRow(
+        QStringLiteral("SELECT name FROM pragma_table_info(%1)").arg(SqlText::quoted(table)),
+        [&](const QSqlQuery &row) { names.append(row.value(0).toString()); });
+    return names;
+}
+
+/// Gives the table its uniqueness and its text limits. Columns are copied by name, since older
+/// files have them in other orders.
+void Migration::rebuildSubObjects(quint8 line)
+{
+    const QString name = SqlText::lineTable("SubObjects", line);
+    const QString old = name + QLatin1String("_old");
+    m_runner.exec(QLatin1String("DROP TABLE ") + old);
+    if (!m_runner.exec(QStringLiteral("ALTER TABLE %1 RENAME TO %2").arg(name, old), Q_FUNC_INFO))
+        return;
+    const Schema::Table &table = Schema::table(QStringLiteral("SubObjects"));
+    if (!m_runner.exec(Schema::createStatement(table, QString::number(line), true), Q_FUNC_INFO))
+        return;
+    const QStringList present = columnsOf(old);
+    QStringList common;
+    for (const QString &column : Schema::columnNames(table)) {
+        if (present.contains(column, Qt::CaseInsensitive))
+            common.append(column);
+    }
+    const QString list = common.join(u',');
+    if (!m_runner.exec(
+            QStringLiteral("INSERT OR REPLACE INTO %1 (%2) SELECT %2 FROM %3").arg(name, list, old),
+            Q_FUNC_INFO))
+        return;
+    m_runner.exec(QLatin1String("DROP TABLE ") + old, Q_FUNC_INFO);
+}
+
+} // namespace
+
+void ObjectDataBase::runSchemaSteps()
+{
+    Migration(*this, d->runner).runSchemaSteps();
+}
+
+bool ObjectDataBase::editionAllowed()
+{
+    const QString edition = QCoreApplication::applicationName();
+    const QString saved = getMiscSetting(QStringLiteral("SaveToolType"));
+    if (saved.isEmpty() || saved == edition || edition == QLatin1String("CAN Quillforge"))
+        return true;
+    bool hasCANopen = false;
+    bool hasJ1939 = false;
+    for (const quint8 line : getLines()) {
+        const int type = getLineType(line);
+        const bool both = type == 4 || type == 5;
+        hasCANopen |= type == 1 || both;
+        hasJ1939 |= type == 2 || both;
+    }
+    if (edition.contains(QLatin1String("CANopen")))
+        return !hasJ1939;
+    if (edition.contains(QLatin1String("J1939")))
+        return !hasCANopen;
+    return true;
+}
+
+void ObjectDataBase::runContentSteps()
+{
+    const int version = getMiscSetting(QStringLiteral("DatabaseVersion")).toInt();
+    const QList<quint8> lines = getLines();
+    for (const quint8 line : lines) {
+        fillLineType(line);
+        completeUDSSettings(line);
+    }
+    if (version < 100)
+        repairSPNDirections(lines);
+    if (d->projectPath.endsWith(QLatin1String("vxep"), Qt::CaseInsensitive))
+        makeNodePathsAbsolute(lines);
+    for (const quint8 line : lines)
+        d->writeMissingDescriptionDefaults(line);
+    d->strings.rebuild();
+    if (version < 105)
+        layOutSignals(lines);
+    d->runner.transaction([&] {
+        for (const quint8 line : lines)
+            repairMappingCounts(line);
+    });
+    fitLineLists(lines);
+    if (!d->runner.exec(QStringLiteral("VACUUM")))
+        qDebug() << "migration statement failed:"
+                 << "VACUUM" << d->runner.lastError();
+}
+
+void ObjectDataBase::fillLineType(quint8 line)
+{
+    const QString key = QStringLiteral("line%1type").arg(line);
+    if (!getGeneralSetting(key).isEmpty())
+        return;
+    const QString tool = getMiscSetting(QStringLiteral("CreateToolVersion"));
+    bool j1939 = tool.contains(QLatin1String("J1939 Quillforge"));
+    if (!j1939 && !tool.contains(QLatin1String("CANopen Quillforge")))
+        j1939 = getIndices(line, 0x1000).size() <= getPGNList(line).size();
+    setGeneralSetting(key, j1939 ? QStringLiteral("2") : QStringLiteral("1"));
+}
+
+void ObjectDataBase::completeUDSSettings(quint8 line)
+{
+    static constexpr quint8 services[] = {0x10, 0x11, 0x3E, 0x22, 0x2E, 0x23, 0x3D, 0x14, 0x19,
+                                          0x31, 0x27, 0x28, 0x2F, 0x34, 0x35, 0x36, 0x37};
+    constexpr int inAllSessions = 10;
+    d->runner.exec(Schema::createStatement(Schema::table(QStringLiteral("UDSSettings")),
+                                           QString::number(line), true),
+                   Q_FUNC_INFO);
+    const QMap<UDS::SID, bool> stored = getUDSServices(line);
+    if (std::any_of(stored.cbegin(), stored.cend(), [](bool active) { return active; }))
+        return;
+    for (int i = 0; i < int(std::size(services)); ++i) {
+        const auto sid = UDS::SID(services[i]);
+        setUDSServiceActive(line, sid, true);
+        setUDSServiceSessions(
+            line, sid, i < inAllSessions ? QStringLiteral("1,2,3,4") : QStringLiteral("2,3,4"));
+    }
+}
+
+/// Signals of the first files have no direction of their own. One that belongs to a PGN in both
+/// directions is given to both.
+void ObjectDataBase::repairSPNDirections(const QList<quint8> &lines)
+{
+    for (const quint8 line : lines) {
+        if (getLineType(line) != 2)
+            continue;
+        QMap<quint32, QSet<quint8>> ofPgn;
+        d->runner.forEachRow(QStringLiteral("select number, direction from PGNs%1").arg(line),
+                             [&](const QSqlQuery &row) {
+                                 ofPgn[row.value(0).toUInt()].insert(quint8(row.value(1).toUInt()));
+                             });
+        QSet<quint32> wrong;
+        d->runner.forEachRow(QStringLiteral("select pgnnumber,direction from SPNs%1").arg(line),
+                             [&](const QSqlQuery &row) {
+                                 const quint32 pgn = row.value(0).toUInt();
+                                 const auto found = ofPgn.constFind(pgn);
+                                 if (found != ofPgn.constEnd() &&
+                                     !found->contains(quint8(row.value(1).toUInt())))
+                                     wrong.insert(pgn);
+                             });
+        for (const quint32 pgn : std::as_const(wrong))
+            giveSPNsDirection(line, pgn, ofPgn.value(pgn));
+    }
+}
+
+void ObjectDataBase::giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections)
+{
+    const QString table = SqlText::lineTable("SPNs", line);
+    if (pgnDirections.size() == 1) {
+        d->runner.execBound(QLatin1String("update ") + table +
+                                QLatin1String(" SET direction = :direction where pgnnumber = "
+                                              ":pgnnumber"),
+                            {{QStringLiteral(":direction"), int(*pgnDirections.cbegin())},
+                             {QStringLiteral(":pgnnumber"), pgn}},
+                            Q_FUNC_INFO);
+        return;
+    }
+    const QString orphans = QStringLiteral(" where pgnnumber = %1 and ifnull(direction,0) not in "
+                                           "(%2,%3)")
+                                .arg(pgn)
+                                .arg(receive)
+                                .arg(transmit);
+    const QString columns = Schema::columnList(Schema::table(QStringLiteral("SPNs")));
+    QString transmitted = columns;
+    transmitted.replace(QLatin1String("direction"), QString::number(transmit));
+    d->runner.exec(QStringLiteral("insert into %1 (%2) select %3 from %1%4")
+                       .arg(table, columns, transmitted, orphans),
+                   Q_FUNC_INFO);
+    d->runner.exec(QStringLiteral("update %1 SET direction = %2%3")
+                       .arg(table, QString::number(receive), orphans),
+                   Q_FUNC_INFO);
+}
+
+void ObjectDataBase::makeNodePathsAbsolute(const QList<quint8> &lines)
+{
+    const QDir folder = QFileInfo(d->projectPath).absoluteDir();
+    QDir::setCurrent(folder.absolutePath());
+    const auto absolute = [&](QString &path) {
+        if (!path.isEmpty())
+            path = QDir::cleanPath(folder.absoluteFilePath(path));
+    };
+    for (const quint8 line : lines) {
+        NODE_DATA_T node;
+        if (!getNodeData(line, node))
+            continue;
+        absolute(node.edspath);
+        absolute(node.xddpath);
+        absolute(node.dcfpath);
+        absolute(node.iconpath);
+        node.outputpath = QStringLiteral("C:/");
+        addNode(line, node);
+    }
+}
+
+void ObjectDataBase::layOutSignals(const QList<quint8> &lines)
+{
+    for (const quint8 line : lines) {
+        if (line >= maximumLines)
+            continue;
+        for (const quint8 direction : directions)
+            for (const quint32 id : getCANIDList(line, direction))
+                realignDataElements(line, direction, id);
+        for (const quint8 direction : directions)
+            for (const quint32 pgn : getPGNList(line, direction))
+                realignSPNs(line, direction, pgn);
+    }
+}
+
+void ObjectDataBase::fitLineLists(const QList<quint8> &lines)
+{
+    int highest = 0;
+    for (const quint8 line : lines) {
+        if (line != comparisonLine && line != stagingLine)
+            highest = qMax(highest, int(line));
+    }
+    for (const QString &key : getMultiLineKeys()) {
+        const QString list = getGeneralSetting(key);
+        if (list.isEmpty())
+            continue;
+        QStringList items = list.split(u',');
+        items.resize(highest + 1);
+        setGeneralSetting(key, items.join(u','));
+    }
+}

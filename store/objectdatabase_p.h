@@ -1,0 +1,93 @@
+#pragma once
+
+#include "store/objectcache.h"
+#include "store/objectdatabase.h"
+#include "store/schema.h"
+#include "store/sqltext.h"
+#include "store/statementrunner.h"
+#include "store/stringtable.h"
+
+#include <QHash>
+#include <QMap>
+
+#include <atomic>
+#include <mutex>
+#include <shared_mutex>
+
+/// What was read of the J1939 signals; lives inside one generator or checker pass.
+struct SignalCache
+{
+    /// (line, PGN, direction, SPN)
+    using SpnKey = std::tuple<quint8, quint32, quint8, quint32>;
+    /// (line, PGN, direction)
+    using PgnKey = std::tuple<quint8, quint32, quint8>;
+
+    std::shared_mutex mutex;
+    QMap<SpnKey, ObjectDataBase::SPN> spns;
+    QMap<PgnKey, QList<quint32>> lists;
+    QSet<quint8> lines;
+};
+
+/// The rooms behind `ObjectDataBase`.
+struct ObjectDataBase::State
+{
+    explicit State(const QString &connectionName) : runner(connectionName), strings(runner) {}
+
+    StatementRunner runner;
+    StringTable strings;
+    ObjectCache objects;
+    SignalCache signalCache;
+    QString lastError;
+    QString projectPath;
+    QStringList workingFiles;
+    QStringList statementResults;
+    std::atomic<bool> writesBlocked{false};
+    std::atomic<bool> generating{false};
+    bool externallyModified = false;
+    quint8 descriptionLine = 0;
+    std::mutex orderMutex;
+    QHash<QString, bool> tableOrders; ///< guarded by orderMutex
+
+    [[nodiscard]] bool refusesWrites() const { return writesBlocked || generating; }
+    /// Reserves a working file and notes it for deletion.
+    QString newWorkingFile();
+    /// Settings that give up safety: the working copy is disposable, and opening a project runs
+    /// thousands of small statements.
+    void runPragmas(int cachePages);
+    void clearCaches();
+
+    [[nodiscard]] QString internedId(const QString &text)
+    {
+        return QString::number(strings.intern(text));
+    }
+    [[nodiscard]] QString text(const QVariant &id) { return strings.lookup(id.toLongLong()); }
+
+    // --- settings tables, all of one shape ---------------------------------------------------
+    [[nodiscard]] QString setting(const char *table, const QString &key);
+    [[nodiscard]] bool settingExists(const char *table, const QString &key);
+    [[nodiscard]] QStringList settingKeys(const char *table);
+    enum class SettingChange { Failed, Unchanged, Written };
+    SettingChange writeSetting(const char *table, const QString &key, const QString &value);
+
+    // --- lines -------------------------------------------------------------------------------
+    bool createLineTables(quint8 line);
+    /// The line's table has exactly the schema's columns, in its order.
+    [[nodiscard]] bool hasOrderOfSchema(const Schema::Table &table, quint8 line);
+    void writeMissingDescriptionDefaults(quint8 line);
+    [[nodiscard]] QString descriptionKey(const QString &key) const
+    {
+        return descriptionLine == 0 ? key : key + u'_' + QString::number(descriptionLine);
+    }
+
+    /// Upsert of a row by its key: `values` are (column, SQL literal).
+    bool upsert(const QString &table, const QString &where,
+                const QList<std::pair<QString, QString>> &values,
+                const QStringList &insertOnlyColumns, const char *context);
+};
+
+namespace StoreText {
+/// Defaults of `DescriptionSettings`, as (key, value).
+[[nodiscard]] const QList<std::pair<QString, QString>> &descriptionDefaults();
+/// The line's item of a comma list, or the last item for a line beyond its end.
+[[nodiscard]] QString lineItem(const QString &list, quint8 line);
+} // namespace StoreText

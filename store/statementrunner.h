@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QList>
+#include <QMutex>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QString>
+#include <QThread>
+#include <QVariant>
+
+#include <atomic>
+#include <functional>
+#include <mutex>
+
+/// The one way to the database connection. Serialises the statements of all threads, counts the
+/// ones in flight, and holds back threads that a block does not name.
+///
+/// A statement's rows are consumed while the connection is held, so a row callback should only
+/// collect; statements that it runs itself are let through.
+class StatementRunner
+{
+public:
+    using RowFunction = std::function<void(const QSqlQuery &)>;
+
+    explicit StatementRunner(const QString &connectionName);
+    ~StatementRunner();
+    StatementRunner(const StatementRunner &) = delete;
+    StatementRunner &operator=(const StatementRunner &) = delete;
+
+    [[nodiscard]] QSqlDatabase &database() { return m_database; }
+    /// Closes the connection and opens the given file.
+    bool open(const QString &fileName);
+    void close();
+    [[nodiscard]] QString fileName() const { return m_database.databaseName(); }
+
+    /// Runs a statement. On failure false; logged under `context` unless that is null.
+    bool exec(const QString &statement, const char *context = nullptr);
+    /// Runs a statement and calls `row` for each of its rows.
+    bool forEachRow(const QString &statement, const RowFunction &row,
+                    const char *context = nullptr);
+    /// The first column of the first row; invalid if there is none.
+    [[nodiscard]] QVariant value(const QString &statement);
+    [[nodiscard]] bool hasRow(const QString &statement) { return value(statement).isValid(); }
+    /// Runs a statement whose places are bound by name.
+    bool execBound(const QString &statement, const QList<std::pair<QString, QVariant>> &values,
+                   const char *context = nullptr);
+    /// Inserts and gives the new row's id; -1 on failure.
+    qint64 insert(const QString &statement, const char *context = nullptr);
+    /// For schema steps that are tried on every open: silent on a column that exists already.
+    void migrationExec(const QString &statement);
+    /// Holds the connection for the whole body: no other thread's statement comes between.
+    void exclusive(const std::function<void()> &body);
+    /// As `exclusive`, inside one transaction. There is no way back from it: the working copy has
+    /// no journal.
+    bool transaction(const std::function<void()> &body);
+    /// Error text of this thread's last failed statement.
+    [[nodiscard]] QString lastError() const;
+
+    /// While active, only threads that activated it run statements. Blocks do not nest: the first
+    /// release ends it for all.
+    void setBlock(bool block);
+    /// Waits up to 5 s for the statements in flight; false if some are left.
+    bool waitForStatements();
+
+    void setWriteHandler(std::function<void()> handler) { m_onWrite = std::move(handler); }
+    void setWriteSignals(bool on) { m_writeSignals = on; }
+
+private:
+    class Passage;
+
+    void enter();
+    void leave();
+    [[nodiscard]] bool mayPass();
+    bool runLocked(QSqlQuery &query, const QString &statement, const char *context);
+    void reportWrite(const QString &statement, const QSqlQuery &query);
+
+    QString m_connectionName;
+    QSqlDatabase m_database;
+    std::recursive_mutex m_connection;
+    std::atomic<Qt::HANDLE> m_owner{nullptr};
+    int m_depth = 0;     ///< guarded by m_connection
+    QString m_lastError; ///< guarded by m_connection
+    mutable std::mutex m_errorMutex;
+    QMutex m_threadMutex;
+    QList<Qt::HANDLE> m_blockingThreads; ///< guarded by m_threadMutex
+    std::atomic<int> m_blockActive{0};
+    std::atomic<int> m_inFlight{0};
+    std::atomic<bool> m_writeSignals{false};
+    std::function<void()> m_onWrite;
+};
