@@ -1,0 +1,129 @@
+#include "generators/base/commongeneratorhelper.h"
+
+#include "store/objectdatabase.h"
+
+#include <algorithm>
+
+namespace {
+
+/// Constants behind the dialect's prefix, by line type. The older generation has one word for
+/// whatever holds raw CAN.
+QString protocolConstant(const StackDialect &dialect, int lineType)
+{
+    const auto word = [&](const char *name) {
+        return QLatin1String(dialect.protocolPrefix) + QLatin1String(name);
+    };
+    const auto both = [&](const char *first, const char *second) -> QString {
+        return word(first) + QLatin1String(" | ") + word(second);
+    };
+    switch (lineType) {
+    case 1:
+        return word("CANOPEN");
+    case 2:
+        return word("J1939");
+    case 4:
+        return word("RAWCAN");
+    case 5:
+        return both("J1939", "CANOPEN");
+    case 6:
+        return dialect.isV4 ? both("CANOPEN", "RAWCAN") : word("RAWCAN");
+    case 7:
+        return dialect.isV4 ? both("J1939", "RAWCAN") : word("RAWCAN");
+    default:
+        return word("UNKNOWN");
+    }
+}
+
+constexpr int maximumGeneratedLines = 32;
+
+} // namespace
+
+CommonGeneratorHelper::CommonGeneratorHelper(ObjectDataBase *store, bool isV4)
+    : m_store(store), m_dialect(isV4 ? StackDialect::v4() : StackDialect::v3())
+{
+}
+
+int CommonGeneratorHelper::number(const char *key) const
+{
+    return m_store ? m_store->getGeneralSetting(QLatin1String(key)).toInt(nullptr, 0) : 0;
+}
+
+int CommonGeneratorHelper::initStructureVersion(InitStructure structure) const
+{
+    switch (structure) {
+    case InitStructure::Common:
+        return 1;
+    case InitStructure::RawCAN:
+    case InitStructure::CANopen:
+    case InitStructure::J1939:
+        return 6;
+    case InitStructure::UDS:
+        return number("udsserver_version");
+    }
+    return 0;
+}
+
+QList<quint8> CommonGeneratorHelper::lines() const
+{
+    QList<quint8> result = m_store ? m_store->getLines() : QList<quint8>();
+    result.removeIf([](quint8 line) { return line >= maximumGeneratedLines; });
+    return result;
+}
+
+bool CommonGeneratorHelper::isBootLoader() const
+{
+    return number("uds_bl_setting") == 1 && !isMultiLine();
+}
+
+bool CommonGeneratorHelper::hasUds(quint8 line) const
+{
+    if (!m_store)
+        return false;
+    const auto isOn = [&](const char *key) {
+        return m_store->getGeneralLineSetting(QLatin1String(key), line).toInt(nullptr, 0) > 0;
+    };
+    return isOn("udsserver_supported") || isOn("udsclient_supported");
+}
+
+bool CommonGeneratorHelper::hasUds() const
+{
+    const QList<quint8> all = lines();
+    return std::any_of(all.begin(), all.end(), [this](quint8 line) { return hasUds(line); });
+}
+
+QString CommonGeneratorHelper::protocolWord(quint8 line) const
+{
+    const QString uds = QLatin1String(m_dialect.protocolPrefix) + QLatin1String("UDS");
+    QString word = isBootLoader()
+                       ? uds
+                       : protocolConstant(m_dialect, m_store ? m_store->getLineType(line) : 0);
+    if (hasUds(line))
+        word += QLatin1String(" | ") + uds;
+    return word;
+}
+
+QString CommonGeneratorHelper::commonInit() const
+{
+    QList<quint8> all = lines();
+    if (all.isEmpty())
+        all.append(0);
+    QStringList words;
+    for (const quint8 line : std::as_const(all))
+        words.append(protocolWord(line));
+
+    QString text = QStringLiteral("/* core initialization settings */\n"
+                                  "%1    commonInitVars = {\n"
+                                  "\t%2u,\n"
+                                  "\t{ %3REC_BUFFER_COUNTS },\n"
+                                  "\t{ %3TR_BUFFER_COUNTS },\n"
+                                  "\t{ %3COB_COUNTS }, \n")
+                       .arg(QLatin1String(m_dialect.commonInitType))
+                       .arg(initStructureVersion(InitStructure::Common))
+                       .arg(QLatin1String(m_dialect.prefix));
+    if (number("isotp_supported") > 0)
+        text += QLatin1String("\t{ ISOTP_CLIENT_COUNTS },\n\t{ ISOTP_SERVER_COUNTS },\n");
+    text += QLatin1String("\t{ ") + words.join(QLatin1String(", "));
+    if (number("canfd_supported") > 0)
+        text += QLatin1String(" },\n\t{ ") + QStringLiteral("CO_TRUE, ").repeated(all.size());
+    return text + QLatin1String(" }\n};\n\n");
+}

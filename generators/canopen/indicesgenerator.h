@@ -1,0 +1,27 @@
+#pragma once
+
+#include "generators/base/abstractgenerator.h"
+
+#include <QList>
+
+/// gen_indices.h: names for object indexes, subindexes, PGNs, SPNs and CAN-IDs.
+class IndicesGenerator : public AbstractGenerator
+{
+    Q_OBJECT
+
+public:
+    explicit IndicesGenerator(QObject *parent = nullptr);
+
+    /// The lines whose objects get names, in this order; all lines of the project if not told.
+    void setLines(const QList<quint8> &lines) { m_lines = lines; }
+
+    bool isOutputWritable() override;
+    int startGeneration() override;
+    [[nodiscard]] QString fileName() const override;
+
+protected:
+    void writeContent(QIODevice &device) override;
+
+private:
+    QList<quint8> m_lines;
+};

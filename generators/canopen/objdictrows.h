@@ -1,0 +1,31 @@
+#pragma once
+
+#include "generators/canopen/objdictcontext.h"
+
+#include <QHash>
+
+class CodeWriter;
+
+/// The rows of the description and assignment tables, of the dictionary and of the virtual one.
+class ObjDictRows
+{
+public:
+    ObjDictRows(const ObjDictContext &context, CodeWriter &out) : m_context(context), m_out(out) {}
+
+    void writeDescription();
+    void writeAssignment();
+    void writeVirtualDescription();
+    void writeVirtualAssignment();
+
+private:
+    void writeRow(const DictionaryFacts::Entry &entry, bool isVirtual);
+    void writeValueColumns(const DictionaryFacts::Entry &entry);
+    void writeVirtualValueColumns(const DictionaryFacts::Entry &entry);
+    void writeAssignRow(const DictionaryFacts::Object &object, quint32 rows, quint32 firstRow);
+    /// The attribute column; like ones repeat by the thousand.
+    [[nodiscard]] const QByteArray &attributeText(quint16 attributes, bool isVirtual);
+
+    const ObjDictContext &m_context;
+    CodeWriter &m_out;
+    QHash<quint32, QByteArray> m_attributeTexts;
+};
