@@ -1,0 +1,243 @@
+#include "check/linecheck.h"
+#include "check/linechecks.h"
+#include "check/valuetext.h"
+#include "store/canopen/canopentypes.h"
+
+#include <QCoreApplication>
+#include <QStringView>
+
+#include <algorithm>
+#include <array>
+#include <memory_resource>
+#include <unordered_map>
+#include <utility>
+
+namespace {
+
+/// Keeps the log window live during long runs.
+void runEvents()
+{
+    if (QCoreApplication::instance() != nullptr) {
+        QCoreApplication::processEvents();
+    }
+}
+
+/// An upper limit that stands for none, whatever the data type.
+constexpr qlonglong openUpperLimit = 0x7FFFFF;
+
+bool isAccessType(const QString &text)
+{
+    static constexpr std::array valid = {QLatin1String("ro"),  QLatin1String("const"),
+                                         QLatin1String("rw"),  QLatin1String("rwr"),
+                                         QLatin1String("rww"), QLatin1String("wo")};
+    return std::any_of(valid.begin(), valid.end(), [&](QLatin1String one) { return text == one; });
+}
+
+bool isSubZeroWritable(const ObjectModel &object)
+{
+    const SubIndexModel *zero = object.find(0);
+    return zero != nullptr && zero->accesstype == QLatin1String("rw");
+}
+
+/// Whether subindex 0 must mirror the highest subindex.
+bool isSubZeroRuleApplicable(const ObjectModel &object)
+{
+    constexpr quint16 errorField = 0x1003; // holds the number of errors that have occurred
+    constexpr quint8 firstSpecialMapping = 253;
+    if (object.index == errorField) {
+        return false;
+    }
+    if (!LineChecks::isPdoMappingObject(object.index)) {
+        return true;
+    }
+    return !isSubZeroWritable(object) && toByte(object.value(0)) < firstSpecialMapping;
+}
+
+void correctSubZeroValue(LineCheck &check, const ObjectModel &object)
+{
+    const quint8 highest = object.subs.back().subindex;
+    if (check.autoCorrectionDisabled || object.find(0) == nullptr ||
+        toByte(object.value(0)) == highest || !isSubZeroRuleApplicable(object)) {
+        return;
+    }
+    if (check.correctDefaultValue(object.index, 0, QString::number(highest))) {
+        check.reportSub(CheckId::SubZeroCorrected, object.index, 0);
+    }
+}
+
+void correctSubZeroImplementation(LineCheck &check, const ObjectModel &object)
+{
+    const SubIndexModel *zero = object.find(0);
+    if (check.autoCorrectionDisabled || zero->implementation == CANopen::ManagedConst ||
+        zero->implementation == CANopen::VirtualObject ||
+        zero->accesstype != QLatin1String("const") || !isSubZeroRuleApplicable(object)) {
+        return;
+    }
+    if (check.correctImplementation(object.index, 0, CANopen::ManagedConst)) {
+        check.reportSub(CheckId::SubZeroConstCorrected, object.index, 0);
+    }
+}
+
+/// An object with subindices; `object` follows the corrections.
+void checkSubZero(LineCheck &check, const ObjectModel &object)
+{
+    if (object.subs.empty()) {
+        check.reportObject(CheckId::ArrayEmpty, object.index);
+        return;
+    }
+    correctSubZeroValue(check, object);
+    if (object.find(0) == nullptr) {
+        return;
+    }
+    if (!object.find(0)->hasDefault && isSubZeroRuleApplicable(object)) {
+        check.reportSub(CheckId::SubZeroDefaultFlag, object.index, 0);
+    }
+    correctSubZeroImplementation(check, object);
+    if (!object.find(0)->isExported()) {
+        check.reportSub(CheckId::SubZeroNotInEds, object.index, 0);
+    }
+}
+
+void checkVariableName(LineCheck &check, quint16 index, const SubIndexModel &sub)
+{
+    if (sub.implementation != CANopen::Variable) {
+        return;
+    }
+    if (sub.varname.isEmpty()) {
+        check.reportSub(CheckId::VariableNameMissing, index, sub.subindex);
+    }
+    if (sub.varname.contains(u' ') || sub.varname.contains(u',') || sub.varname.contains(u';')) {
+        check.reportSub(CheckId::VariableNameInvalid, index, sub.subindex);
+    }
+}
+
+void checkAccess(LineCheck &check, quint16 index, const SubIndexModel &sub)
+{
+    if (!isAccessType(sub.accesstype)) {
+        check.reportSub(CheckId::AccessTypeInvalid, index, sub.subindex, {sub.accesstype});
+    }
+    if (sub.implementation == CANopen::ManagedConst && sub.accesstype.contains(u'w')) {
+        check.reportSub(CheckId::ManagedConstWritable, index, sub.subindex);
+    }
+}
+
+void checkManagedString(LineCheck &check, quint16 index, const SubIndexModel &sub)
+{
+    if (sub.implementation != CANopen::ManagedVariable) {
+        return;
+    }
+    if (sub.datatype == CAN::OCTET_STRING) {
+        check.reportSub(CheckId::ManagedOctetString, index, sub.subindex);
+    } else if (sub.datatype == CAN::VISIBLE_STRING) {
+        check.reportSub(CheckId::ManagedVisibleString, index, sub.subindex);
+    } else if (sub.datatype == CAN::UTF8_STRING) {
+        check.reportSub(CheckId::ManagedUtf8String, index, sub.subindex);
+    }
+}
+
+void checkLimits(LineCheck &check, quint16 index, const SubIndexModel &sub)
+{
+    if (!sub.useLimit) {
+        return;
+    }
+    bool readable = false;
+    const qlonglong value = sub.defaultvalue.toLongLong(&readable, 0);
+    const qlonglong low = sub.lowlimit.toLongLong(nullptr, 0);
+    const qlonglong high = sub.uplimit.toLongLong(nullptr, 0);
+    const bool inRange = low <= value && high >= value;
+    if (!inRange && readable && high != openUpperLimit) {
+        check.reportSub(CheckId::DefaultOutOfLimits, index, sub.subindex);
+    }
+}
+
+void checkSubIndex(LineCheck &check, const ObjectModel &object, const SubIndexModel &sub)
+{
+    if (!check.limitCheckEnabled && sub.useLimit) {
+        check.reportSub(CheckId::LimitCheckDisabled, object.index, sub.subindex);
+    }
+    const bool hasSubs =
+        object.objecttype == CANopen::ARRAY || object.objecttype == CANopen::RECORD;
+    if (hasSubs && sub.name.isEmpty()) {
+        check.reportSub(CheckId::SubIndexNameMissing, object.index, sub.subindex);
+    }
+    checkVariableName(check, object.index, sub);
+    checkAccess(check, object.index, sub);
+    checkManagedString(check, object.index, sub);
+    if (sub.datatype == CAN::OCTET_STRING || sub.datatype == CAN::VISIBLE_STRING) {
+        return;
+    }
+    if (sub.datatype == CAN::UNKNOWN_TYPE) {
+        check.reportSub(CheckId::DataTypeUnknown, object.index, sub.subindex);
+    }
+    if (sub.datatype != CAN::DOMAIN_TYPE) {
+        checkLimits(check, object.index, sub);
+    }
+}
+
+void checkIndex(LineCheck &check, const ObjectModel &object)
+{
+    if (object.objecttype != CANopen::VAR) {
+        checkSubZero(check, object);
+    }
+    if (object.name.isEmpty()) {
+        check.reportObject(CheckId::ObjectNameMissing, object.index);
+    }
+    if (object.objecttype == CANopen::VAR && object.subs.size() >= 2) {
+        check.reportObject(CheckId::VariableWithSubIndices, object.index);
+    }
+    for (const SubIndexModel &sub : object.subs) {
+        checkSubIndex(check, object, sub);
+    }
+}
+
+} // namespace
+
+bool LineChecks::isPdoMappingObject(quint16 index)
+{
+    return (index >= 0x1600 && index <= 0x17FF) || (index >= 0x1A00 && index <= 0x1BFF);
+}
+
+void LineChecks::checkValueConversions(LineCheck &check)
+{
+    for (const ObjectModel &object : check.model.deviceObjects()) {
+        runEvents();
+        for (const SubIndexModel &sub : object.subs) {
+            if (!isValueConvertible(sub.datatype, sub.defaultvalue)) {
+                // the subindex is decimal behind its 0x, as logs have always shown it
+                check.report(CheckId::ValueConversion,
+                             {hexIndex(object.index), QString::number(sub.subindex)}, object.index,
+                             sub.subindex);
+            }
+        }
+    }
+    check.errorCount += check.errorCount;
+}
+
+void LineChecks::checkIndices(LineCheck &check)
+{
+    for (const ObjectModel &object : check.model.deviceObjects()) {
+        runEvents();
+        checkIndex(check, object);
+    }
+}
+
+void LineChecks::checkVariableNames(LineCheck &check)
+{
+    // tens of thousands of small nodes: one after the other in memory they cost a fifth
+    std::pmr::monotonic_buffer_resource memory;
+    std::pmr::unordered_map<QStringView, std::pair<quint16, quint8>> users(&memory);
+    for (const ObjectModel &object : check.model.deviceObjects()) {
+        for (const SubIndexModel &sub : object.subs) {
+            if (sub.implementation != CANopen::Variable || sub.varname.trimmed().isEmpty()) {
+                continue;
+            }
+            const auto [first, isNew] =
+                users.try_emplace(sub.varname, std::pair(object.index, sub.subindex));
+            if (!isNew) {
+                const auto &[index, subindex] = first->second;
+                check.reportSub(CheckId::VariableNameUsedTwice, object.index, sub.subindex,
+                                {sub.varname, hexIndex(index), hexSubIndex(subindex)});
+            }
+        }
+    }
+}

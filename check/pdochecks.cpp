@@ -1,0 +1,335 @@
+#include "check/linecheck.h"
+#include "check/linechecks.h"
+#include "check/valuetext.h"
+#include "store/canopen/canopentypes.h"
+#include "store/canopen/cohelper.h"
+#include "store/objectdatabase.h"
+
+#include <QMap>
+
+#include <algorithm>
+#include <array>
+#include <initializer_list>
+
+namespace {
+
+using Range = std::pair<quint16, quint16>;
+constexpr std::array<Range, 2> mappingRanges = {Range{0x1600, 0x17FF}, Range{0x1A00, 0x1BFF}};
+constexpr std::array<Range, 2> communicationRanges = {Range{0x1400, 0x15FF}, Range{0x1800, 0x19FF}};
+
+constexpr quint16 mappingDistance = 0x200;
+/// CiA 301 maps 64 objects at most; numbers above mark special mappings.
+constexpr quint8 highestCount = 64;
+constexpr quint64 cobIdInvalid = 0x80000000U;
+constexpr quint64 cobIdBits = 0x1FFFFFFFU;
+
+/// A mapping entry (CiA 301): index, subindex and length in bits in one 32-bit number.
+struct MappingEntry
+{
+    quint16 index;
+    quint8 subindex;
+    quint8 length;
+
+    explicit MappingEntry(const QString &text) : MappingEntry(toNumber(text)) {}
+    explicit MappingEntry(quint64 value)
+        : index(static_cast<quint16>(value >> 16)), subindex(static_cast<quint8>(value >> 8)),
+          length(static_cast<quint8>(value))
+    {
+    }
+};
+
+bool isOneOf(const QString &text, std::initializer_list<const char *> values)
+{
+    return std::any_of(values.begin(), values.end(),
+                       [&](const char *value) { return text == QLatin1String(value); });
+}
+
+/// What a mapped object must allow.
+void checkMappedObject(LineCheck &check, quint16 mapping, const MappingEntry &entry)
+{
+    const QStringList names = {hexIndex(entry.index), hexSubIndex(entry.subindex)};
+    const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
+    if (target == nullptr) {
+        check.reportObject(CheckId::MappedObjectMissing, mapping, names);
+        return;
+    }
+    if (target->pdomapping.isEqualToType(PDOMapping::Forbidden)) {
+        check.reportObject(CheckId::MappedObjectForbidden, mapping, names);
+    }
+    const quint8 length = COHelper::getDataLengthBits(target->datatype);
+    if (entry.length < length) {
+        check.reportObject(CheckId::MappedObjectTooSmall, mapping, names);
+    } else if (entry.length > length) {
+        check.reportObject(CheckId::MappedObjectTooLarge, mapping, names);
+    }
+    const bool transmit = mapping >= 0x1800;
+    if (transmit && isOneOf(target->accesstype, {"wo", "rww"})) {
+        check.reportObject(CheckId::MappedAccessTransmit, mapping, names);
+    }
+    if (!transmit && isOneOf(target->accesstype, {"ro", "const", "rwr"})) {
+        check.reportObject(CheckId::MappedAccessReceive, mapping, names);
+    }
+}
+
+/// Returns the bits of all active entries.
+quint16 checkMappingEntries(LineCheck &check, const ObjectModel &mapping)
+{
+    const quint8 count = toByte(mapping.value(0));
+    const SubIndexModel *zero = mapping.find(0);
+    const QString access = zero != nullptr ? zero->accesstype : QString();
+    if (access == QLatin1String("rw")) {
+        check.dynamicSeen = true;
+    }
+    quint16 totalBits = 0;
+    for (const SubIndexModel &sub : mapping.subs) {
+        if (sub.subindex == 0) {
+            continue;
+        }
+        if (sub.accesstype != access) {
+            check.reportObject(CheckId::MappingAccessMixed, mapping.index);
+        }
+        const MappingEntry entry(sub.defaultvalue);
+        const bool active = sub.subindex <= count;
+        if (active) {
+            totalBits = static_cast<quint16>(totalBits + entry.length);
+        }
+        if (entry.length >= 1 && entry.length <= 7) {
+            check.bitwiseSeen = true;
+        }
+        constexpr quint16 firstObject = 8; // below: data types, mapped as dummies
+        if (active && entry.index == 0) {
+            check.reportObject(CheckId::MappingEntryEmpty, mapping.index,
+                               {QString::number(sub.subindex)});
+        } else if (entry.index >= firstObject) {
+            checkMappedObject(check, mapping.index, entry);
+        }
+    }
+    return totalBits;
+}
+
+/// A dynamic TPDO that starts empty must start disabled.
+void correctEmptyTransmitPdo(LineCheck &check, const ObjectModel &mapping)
+{
+    const SubIndexModel *zero = mapping.find(0);
+    if (check.autoCorrectionDisabled || mapping.index < 0x1A00 || mapping.index > 0x1A03 ||
+        zero == nullptr || zero->accesstype != QLatin1String("rw") ||
+        toNumber(zero->defaultvalue) != 0) {
+        return;
+    }
+    const auto communication = static_cast<quint16>(mapping.index - mappingDistance);
+    const QString before = check.model.value(communication, 1);
+    const QString after = disabledCobId(before);
+    if (!isCobIdDisabled(before) && after != before &&
+        check.correctDefaultValue(communication, 1, after)) {
+        check.report(CheckId::PdoDisabledCorrected, {hexIndex(communication), after}, communication,
+                     1);
+    }
+}
+
+void checkMappingObject(LineCheck &check, const ObjectModel &mapping)
+{
+    const auto communication = static_cast<quint16>(mapping.index - mappingDistance);
+    if (!check.model.contains(communication)) {
+        check.reportObject(CheckId::MappingWithoutCommunication, mapping.index,
+                           {hexIndex(communication)});
+    }
+    const quint8 count = toByte(mapping.value(0));
+    if (count <= highestCount && mapping.subs.size() < 2) {
+        check.reportObject(CheckId::MappingEmpty, mapping.index, {QString::number(check.line)});
+    }
+    if (checkMappingEntries(check, mapping) > check.maxPdoBits()) {
+        check.reportObject(CheckId::PdoTooLong, mapping.index);
+    }
+    if (count > mapping.entryCount() && count <= highestCount) {
+        check.reportObject(CheckId::MappingCountInvalid, mapping.index);
+    }
+    correctEmptyTransmitPdo(check, mapping);
+}
+
+/// Enabled PDOs by COB-ID and the use of the node-ID in it.
+using CobIdUsers = QMap<QString, quint16>;
+
+void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &users)
+{
+    const SubIndexModel *cobId = communication.find(1);
+    if (cobId == nullptr) {
+        return;
+    }
+    const QString text = cobId->defaultvalue.trimmed();
+    QString rest = text;
+    rest.remove(QLatin1String("$nodeid+"), Qt::CaseInsensitive);
+    const bool hasNodeId = rest.size() != text.size();
+    bool ok = false;
+    const quint32 number = rest.trimmed().toUInt(&ok, 0);
+    if (!ok || (number & cobIdInvalid) != 0) {
+        return;
+    }
+    const auto mapping = static_cast<quint16>(communication.index + mappingDistance);
+    const SubIndexModel *mapped = check.model.find(mapping, 0);
+    if (mapped != nullptr && toNumber(mapped->defaultvalue) == 0) {
+        check.reportObject(CheckId::PdoEnabledButEmpty, communication.index, {hexIndex(mapping)});
+    }
+    const QString key =
+        QStringLiteral("%1:0x%2").arg(hasNodeId ? 1 : 0).arg(number & cobIdBits, 0, 16);
+    const auto user = users.constFind(key);
+    if (user != users.constEnd()) {
+        check.reportObject(CheckId::CobIdCollision, communication.index, {text, hexIndex(*user)});
+    } else {
+        users.insert(key, communication.index);
+    }
+}
+
+void checkCommunicationObject(LineCheck &check, const ObjectModel &communication, CobIdUsers &users)
+{
+    const auto mapping = static_cast<quint16>(communication.index + mappingDistance);
+    if (!check.model.contains(mapping)) {
+        check.reportObject(CheckId::CommunicationWithoutMapping, communication.index,
+                           {hexIndex(mapping)});
+    }
+    const auto isExported = [&](quint8 subindex) {
+        const SubIndexModel *sub = communication.find(subindex);
+        return sub != nullptr && sub->isExported();
+    };
+    if (!isExported(1)) {
+        check.report(CheckId::CobIdNotInEds, {hexIndex(communication.index)}, communication.index,
+                     1);
+    }
+    if (!isExported(2)) {
+        check.report(CheckId::TransmissionTypeNotInEds, {hexIndex(communication.index)},
+                     communication.index, 2);
+    }
+    checkCobId(check, communication, users);
+}
+
+/// COB-IDs of the pre-defined connection set (CiA 301) by communication object.
+const QMap<quint16, QStringList> &predefinedConnectionSet()
+{
+    static const QMap<quint16, QStringList> table = [] {
+        constexpr std::array<std::pair<quint16, quint16>, 8> bases = {{{0x1400, 0x200},
+                                                                       {0x1401, 0x300},
+                                                                       {0x1402, 0x400},
+                                                                       {0x1403, 0x500},
+                                                                       {0x1800, 0x180},
+                                                                       {0x1801, 0x280},
+                                                                       {0x1802, 0x380},
+                                                                       {0x1803, 0x480}}};
+        QMap<quint16, QStringList> map;
+        for (const auto &[index, base] : bases) {
+            QStringList texts(QStringLiteral("$nodeid+0x%1").arg(base, 0, 16));
+            for (const char *top : {"0", "8", "4", "c"}) {
+                texts.append(QStringLiteral("$nodeid+0x%1%2")
+                                 .arg(QLatin1String(top))
+                                 .arg(base, 7, 16, QChar(u'0')));
+            }
+            map.insert(index, texts);
+        }
+        return map;
+    }();
+    return table;
+}
+
+} // namespace
+
+void LineChecks::checkPdoMapping(LineCheck &check)
+{
+    for (const auto &[low, high] : mappingRanges) {
+        for (const ObjectModel &mapping : check.model.range(low, high)) {
+            checkMappingObject(check, mapping);
+        }
+    }
+}
+
+void LineChecks::checkPdoCommunication(LineCheck &check)
+{
+    CobIdUsers users;
+    for (const auto &[low, high] : communicationRanges) {
+        for (const ObjectModel &communication : check.model.range(low, high)) {
+            checkCommunicationObject(check, communication, users);
+        }
+    }
+}
+
+void LineChecks::checkPdoTimes(LineCheck &check)
+{
+    constexpr quint8 inhibitTime = 3; // in 100 us
+    constexpr quint8 eventTimer = 5;  // in ms
+    for (const ObjectModel &communication : check.model.range(0x1800, 0x19FF)) {
+        if (communication.find(inhibitTime) == nullptr ||
+            communication.find(eventTimer) == nullptr) {
+            continue;
+        }
+        const quint64 event = toNumber(communication.value(eventTimer));
+        if (event != 0 && toNumber(communication.value(inhibitTime)) / 10 >= event) {
+            check.reportObject(CheckId::EventBelowInhibitTime, communication.index);
+        }
+    }
+}
+
+void LineChecks::checkSrdoCommunication(LineCheck &check)
+{
+    for (const ObjectModel &communication : check.model.range(0x1301, 0x1340)) {
+        const auto mapping = static_cast<quint16>(communication.index + 0x80);
+        if (!check.model.contains(mapping)) {
+            check.reportObject(CheckId::SrdoWithoutMapping, communication.index,
+                               {hexIndex(mapping)});
+        }
+    }
+}
+
+void LineChecks::checkSrdoMapping(LineCheck &check)
+{
+    for (const ObjectModel &mapping : check.model.range(0x1381, 0x13BF)) {
+        for (const SubIndexModel &sub : mapping.subs) {
+            if (sub.subindex == 0) {
+                continue;
+            }
+            const MappingEntry entry(sub.defaultvalue);
+            const QStringList names = {hexIndex(entry.index), hexSubIndex(entry.subindex)};
+            const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
+            if (target == nullptr) {
+                check.reportObject(CheckId::SrdoMappedMissing, mapping.index, names);
+                continue;
+            }
+            if (target->implementation != CANopen::Variable) {
+                check.reportObject(CheckId::SrdoMappedManaged, mapping.index, names);
+            }
+            if (target->pdomapping.isEqualToType(PDOMapping::Forbidden)) {
+                check.reportObject(CheckId::SrdoMappedForbidden, mapping.index, names);
+            }
+        }
+    }
+}
+
+void LineChecks::checkGranularity(LineCheck &check)
+{
+    constexpr quint8 wholeBytes = 8;
+    if (check.bitwiseSeen && check.granularity == wholeBytes) {
+        check.report(CheckId::BitwiseGranularity);
+    }
+    if (check.bitwiseSeen && !check.bitwiseEnabled) {
+        check.report(CheckId::BitwiseDisabled);
+    }
+    if (check.dynamicSeen && check.granularity == 0) {
+        check.report(CheckId::DynamicGranularity);
+    }
+}
+
+void LineChecks::checkPredefinedConnectionSet(LineCheck &check)
+{
+    const QString overwrite = check.database.getGeneralSetting(QStringLiteral("overwrite_predef"));
+    if (toDecimal(itemOrLast(overwrite, check.line)) != 0) {
+        return;
+    }
+    bool found = false;
+    const QMap<quint16, QStringList> &table = predefinedConnectionSet();
+    for (auto row = table.cbegin(); row != table.cend(); ++row) {
+        if (check.model.contains(row.key()) &&
+            !row.value().contains(check.model.value(row.key(), 1).toLower())) {
+            check.report(CheckId::PredefinedConnectionSet, {hexIndex(row.key())}, row.key(), 1);
+            found = true;
+        }
+    }
+    if (found) {
+        check.report(CheckId::PredefinedConnectionSetNote);
+    }
+}

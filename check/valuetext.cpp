@@ -1,0 +1,136 @@
+#include "check/valuetext.h"
+
+#include "store/canopen/canopentypes.h"
+
+#include <QRegularExpression>
+#include <QStringList>
+
+namespace {
+
+enum class Reading { Unsigned, Signed, Float, None };
+
+/// UNSIGNED56, the wide signed types and REAL64 pass with any text, as the gate has always let
+/// them.
+Reading readingOf(quint16 dataType)
+{
+    switch (dataType) {
+    case CAN::BOOLEAN:
+    case CAN::UNSIGNED8:
+    case CAN::UNSIGNED16:
+    case CAN::UNSIGNED32:
+    case CAN::UNSIGNED24:
+    case CAN::UNSIGNED40:
+    case CAN::UNSIGNED48:
+    case CAN::UNSIGNED64:
+    case CAN::BITS2:
+    case CAN::BITS3:
+    case CAN::BITS4:
+    case CAN::BITS5:
+    case CAN::BITS6:
+    case CAN::BITS7:
+        return Reading::Unsigned;
+    case CAN::INTEGER8:
+    case CAN::INTEGER16:
+    case CAN::INTEGER32:
+    case CAN::INTEGER24:
+        return Reading::Signed;
+    case CAN::REAL32:
+        return Reading::Float;
+    default:
+        return Reading::None;
+    }
+}
+
+constexpr quint64 cobIdInvalid = 0x80000000U;
+
+/// Group 1: the node-ID in front, group 2: the number.
+QRegularExpressionMatch matchCobId(const QString &text)
+{
+    static const QRegularExpression pattern(QStringLiteral("(\\$nodeid\\+)*(0x[0-9A-Fa-f]+)"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    return pattern.match(text);
+}
+
+} // namespace
+
+bool isValueConvertible(quint16 dataType, const QString &text)
+{
+    if (text.isEmpty()) {
+        return true;
+    }
+    bool ok = true;
+    switch (readingOf(dataType)) {
+    case Reading::Unsigned:
+        if (!text.contains(QLatin1String("$NODEID"))) {
+            text.toULongLong(&ok, 0);
+        }
+        break;
+    case Reading::Signed:
+        text.toInt(&ok, 0);
+        break;
+    case Reading::Float:
+        text.toFloat(&ok);
+        break;
+    case Reading::None:
+        break;
+    }
+    return ok;
+}
+
+quint64 toNumber(const QString &text)
+{
+    bool ok = false;
+    const quint64 number = text.toULongLong(&ok, 0);
+    return ok ? number : 0;
+}
+
+quint8 toByte(const QString &text)
+{
+    return static_cast<quint8>(toNumber(text));
+}
+
+int toDecimal(const QString &text)
+{
+    return text.toInt();
+}
+
+QString itemOrLast(const QString &list, quint8 line)
+{
+    const QStringList items = list.split(u',');
+    return line < items.size() ? items.at(line) : items.last();
+}
+
+QString itemOrEmpty(const QString &list, quint8 line)
+{
+    return list.split(u',').value(line);
+}
+
+QString disabledCobId(const QString &text)
+{
+    const QRegularExpressionMatch match = matchCobId(text);
+    bool ok = false;
+    const quint64 number = match.captured(2).toULongLong(&ok, 16);
+    if (!ok) {
+        return text;
+    }
+    const QString digits =
+        (number & cobIdInvalid) != 0
+            ? match.captured(2)
+            : QStringLiteral("0x%1").arg(number | cobIdInvalid, 8, 16, QChar(u'0'));
+    return match.captured(0) == match.captured(2) ? digits : match.captured(1) + digits;
+}
+
+bool isCobIdDisabled(const QString &text)
+{
+    return (matchCobId(text).captured(2).toULongLong(nullptr, 16) & cobIdInvalid) != 0;
+}
+
+QString hexIndex(quint16 index)
+{
+    return QStringLiteral("%1").arg(index, 4, 16, QChar(u'0'));
+}
+
+QString hexSubIndex(quint8 subindex)
+{
+    return QStringLiteral("%1").arg(subindex, 2, 16, QChar(u'0'));
+}

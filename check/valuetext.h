@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QString>
+
+/// Reading of the texts that a project keeps as numbers. Always in the C locale; "automatic base"
+/// takes 0x as hexadecimal, a leading 0 as octal, and decimal otherwise.
+
+/// Whether the default value can be read as the data type. An empty text can, and so can any text
+/// of a type that is no plain number. Ranges are not looked at.
+[[nodiscard]] bool isValueConvertible(quint16 dataType, const QString &text);
+
+/// Unsigned, automatic base; 0 for a text that is no such number.
+[[nodiscard]] quint64 toNumber(const QString &text);
+/// `toNumber` cut to 8 bits, as the device holds a subindex 0.
+[[nodiscard]] quint8 toByte(const QString &text);
+/// Decimal; 0 for a text that is no number.
+[[nodiscard]] int toDecimal(const QString &text);
+
+/// The item of a comma list that belongs to a line; for a line beyond the end the last item.
+[[nodiscard]] QString itemOrLast(const QString &list, quint8 line);
+/// The same; for a line beyond the end an empty text.
+[[nodiscard]] QString itemOrEmpty(const QString &list, quint8 line);
+
+/// A COB-ID text with bit 31 set, which disables a PDO (CiA 301): "$nodeid+0x180" becomes
+/// "$nodeid+0x80000180". A text without a hexadecimal number stays as it is.
+[[nodiscard]] QString disabledCobId(const QString &text);
+
+/// Whether the hexadecimal number in a COB-ID text has bit 31 set.
+[[nodiscard]] bool isCobIdDisabled(const QString &text);
+
+/// Four digits, lower case.
+[[nodiscard]] QString hexIndex(quint16 index);
+/// Two digits, lower case.
+[[nodiscard]] QString hexSubIndex(quint8 subindex);

@@ -1,0 +1,65 @@
+#include "check/linecheck.h"
+#include "check/linechecks.h"
+#include "check/versionreader.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+
+namespace {
+
+/// Major and minor number of this tool.
+QString ownVersion()
+{
+    const QString version = QCoreApplication::applicationVersion();
+    const auto dots = version.count(u'.');
+    const auto last = version.lastIndexOf(u'.');
+    if (dots == 2) {
+        return version.left(last);
+    }
+    // a build number behind a patch number of one digit
+    return dots == 3 ? version.left(last - 2) : version;
+}
+
+/// A folder that does not exist keeps its plain path, so that the message can name it.
+QString stackFolder(const QString &path, const QString &projectPath)
+{
+    if (!QFileInfo(path).isRelative()) {
+        return path;
+    }
+    const QString joined = projectPath + u'/' + path;
+    const QString canonical = QFileInfo(joined).canonicalFilePath();
+    return canonical.isEmpty() ? QDir::cleanPath(joined) : canonical;
+}
+
+} // namespace
+
+void LineChecks::checkStackVersion(LineCheck &check)
+{
+    if (check.stackPath.isEmpty()) {
+        check.report(CheckId::StackNoPath);
+        check.report(CheckId::StackNoPathNote);
+        return;
+    }
+    const QDir folder(stackFolder(check.stackPath, check.projectPath));
+    const QStringList files =
+        folder.entryList({QStringLiteral("*_featureinfo_*.xml")}, QDir::Files);
+    if (files.isEmpty()) {
+        check.report(CheckId::StackNoFeatureFile, {folder.path()});
+    }
+    const QString own = ownVersion();
+    for (const QString &file : files) {
+        VersionReader reader;
+        reader.setFile(folder.filePath(file));
+        const QString required = reader.requiredToolVersion().trimmed();
+        if (required == own) {
+            continue;
+        }
+        if (required == VersionReader::unknownVersion) {
+            check.report(CheckId::StackNeedsOlderTool);
+        } else {
+            check.report(CheckId::StackNeedsOtherTool, {required, own});
+        }
+        break;
+    }
+}
