@@ -1,0 +1,492 @@
+#include "generators/base/outputhandlerbase.h"
+#include "generators/generatormainhandler.h"
+#include "store/objectdatabase.h"
+#include "tests/generators/filesizelimit.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+using Store = std::shared_ptr<ObjectDataBase>;
+
+namespace {
+
+/// Keeps the messages; what came through the html way is marked.
+class Recorder : public OutputHandlerBase
+{
+public:
+    void outputMessage(const QVariant &text) override
+    {
+        messages.append(text.toString());
+        if (onMessage)
+            onMessage(messages.constLast());
+    }
+    void outputHtml(const QVariant &html) override
+    {
+        messages.append(QLatin1String("html:") + html.toString());
+    }
+    QString loggingText() const override { return messages.join(QLatin1Char('\n')); }
+
+    /// Messages of the driver, without those of the checks.
+    QStringList ofDriver() const
+    {
+        const QStringList starts = {"\nCheck",  "Generation",        "The ",  "ABORT",
+                                    "Warning:", "Warning line type", "html:", "<b>ERROR"};
+        QStringList result;
+        for (const QString &message : messages) {
+            for (const QString &start : starts) {
+                if (message.startsWith(start))
+                    result.append(message);
+            }
+        }
+        return result;
+    }
+
+    QStringList messages;
+    std::function<void(const QString &)> onMessage;
+};
+
+ObjectDataBase::SUBINDEX_DATA_T value(quint16 type, const char *text, const char *access = "ro")
+{
+    ObjectDataBase::SUBINDEX_DATA_T data;
+    data.name = QStringLiteral("value");
+    data.datatype = type;
+    data.accesstype = QLatin1String(access);
+    data.defaultvalue = QLatin1String(text);
+    data.implementation = CANopen::ManagedConst;
+    data.defaultineds = true;
+    data.writedefaulttoeds = 2;
+    return data;
+}
+
+void addVariable(ObjectDataBase &store, quint8 line, quint16 index, const char *text,
+                 const ObjectDataBase::MetaData &metadata = {})
+{
+    ObjectDataBase::INDEX_DATA_T object;
+    object.name = QStringLiteral("object");
+    object.metadata = metadata;
+    store.addIndex(line, index, object);
+    store.addSubIndex(line, index, 0, value(CAN::UNSIGNED32, text));
+}
+
+/// A line that passes the check.
+void addCanopenLine(ObjectDataBase &store, quint8 line)
+{
+    store.addNode(line, {});
+    store.setGeneralSetting(QStringLiteral("line%1type").arg(line), QStringLiteral("1"));
+    store.setGeneralSettingForLine(QStringLiteral("co_node_id"), QStringLiteral("32"), line);
+    store.setGeneralSettingForLine(QStringLiteral("receivebuffersize"), QStringLiteral("10"), line);
+    store.setGeneralSettingForLine(QStringLiteral("transmitbuffersize"), QStringLiteral("10"),
+                                   line);
+    addVariable(store, line, 0x1000, "0x191");
+    addVariable(store, line, 0x1017, "1000");
+    ObjectDataBase::INDEX_DATA_T object;
+    object.name = QStringLiteral("error register");
+    store.addIndex(line, 0x1001, object);
+    store.addSubIndex(line, 0x1001, 0, value(CAN::UNSIGNED8, "0"));
+    object.name = QStringLiteral("identity");
+    object.objecttype = CANopen::RECORD;
+    store.addIndex(line, 0x1018, object);
+    store.addSubIndex(line, 0x1018, 0, value(CAN::UNSIGNED8, "4", "const"));
+    for (quint8 sub = 1; sub <= 4; ++sub)
+        store.addSubIndex(line, 0x1018, sub, value(CAN::UNSIGNED32, "0x1234"));
+}
+
+/// An array whose sub 0 the check sets to 2.
+void addArrayToCorrect(ObjectDataBase &store)
+{
+    ObjectDataBase::INDEX_DATA_T object;
+    object.name = QStringLiteral("array");
+    object.objecttype = CANopen::ARRAY;
+    store.addIndex(0, 0x1F50, object);
+    store.addSubIndex(0, 0x1F50, 0, value(CAN::UNSIGNED8, "1"));
+    store.addSubIndex(0, 0x1F50, 1, value(CAN::UNSIGNED32, "1"));
+    store.addSubIndex(0, 0x1F50, 2, value(CAN::UNSIGNED32, "2"));
+}
+
+void addError(ObjectDataBase &store)
+{
+    addVariable(store, 0, 0x2000, "no number");
+}
+
+} // namespace
+
+class TestGeneratorMainHandler : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase();
+    void init();
+
+    void messagesInOrder();
+    void edsVariantsWithFd();
+    void headingsOfLines();
+    void linesWithoutType();
+    void withoutLines();
+    void checkErrors_data();
+    void checkErrors();
+    void errorLogKeepsItsFirstBackup();
+    void correctionsReachTheOutput();
+    void unwritableFolder_data();
+    void unwritableFolder();
+    void unwritableFile();
+    void fullDisk();
+    void stopRequest();
+    void addressClaimIsRemoved();
+    void cppCopies();
+    void staleJ1939Files();
+    void openProject();
+    void openProjectFails_data();
+    void openProjectFails();
+
+private:
+    QString path(const char *name) const { return m_folder->filePath(QLatin1String(name)); }
+    void write(const char *name, const QByteArray &text) const;
+    QByteArray read(const char *name) const;
+    int generate(bool ignoreErrors = false);
+    QStringList files() const { return QDir(m_folder->path()).entryList(QDir::Files); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    Store m_store;
+    std::unique_ptr<Recorder> m_output;
+    std::unique_ptr<GeneratorMainHandler> m_handler;
+};
+
+void TestGeneratorMainHandler::initTestCase()
+{
+    QCoreApplication::setOrganizationName(QStringLiteral("tolvex"));
+    QCoreApplication::setApplicationName(QStringLiteral("CANopen Quillforge"));
+    qRegisterMetaType<GeneratorMainHandler::GeneratorResult>();
+}
+
+void TestGeneratorMainHandler::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_store = std::make_shared<ObjectDataBase>();
+    QVERIFY(m_store->createNewDataBase());
+    m_store->setGeneralSetting(QStringLiteral("co_timer_interval"), QStringLiteral("1000"));
+    addCanopenLine(*m_store, 0);
+    m_output = std::make_unique<Recorder>();
+    m_handler = std::make_unique<GeneratorMainHandler>(*m_output);
+    m_handler->setProject(m_store, m_folder->path(), QStringLiteral("device"));
+}
+
+void TestGeneratorMainHandler::write(const char *name, const QByteArray &text) const
+{
+    QFile file(path(name));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(text);
+}
+
+QByteArray TestGeneratorMainHandler::read(const char *name) const
+{
+    QFile file(path(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
+}
+
+int TestGeneratorMainHandler::generate(bool ignoreErrors)
+{
+    QSignalSpy finished(m_handler.get(), &GeneratorMainHandler::finished);
+    const int result = m_handler->generate(ignoreErrors);
+    if (finished.size() != 1 || finished.constFirst().constFirst().toInt() != result)
+        return -1;
+    return result;
+}
+
+void TestGeneratorMainHandler::messagesInOrder()
+{
+    QCOMPARE(generate(), 0);
+    const QString folder = m_folder->path();
+    QStringList messages = m_output->ofDriver();
+    QCOMPARE(messages.takeFirst(), QStringLiteral("\nCheck of model consistency started"));
+    QCOMPARE(messages.takeFirst(), QStringLiteral("\nCheck of model consistency finished.\n"));
+    QCOMPARE(messages.takeLast(), QStringLiteral("Generation finished."));
+    const QString started =
+        QStringLiteral("Generation of device EDS file in %1 started").arg(folder);
+    const qsizetype eds = messages.indexOf(started);
+    QVERIFY2(eds >= 0, qPrintable(messages.join(QLatin1Char('\n'))));
+    QCOMPARE(messages.at(eds + 1), QStringLiteral("Generation of EDS file completed. "));
+    QVERIFY(read("device.eds").contains("[1018sub4]"));
+    QVERIFY(!m_store->isGenerating());
+    QVERIFY(m_store->setGeneralSetting(QStringLiteral("later"), QStringLiteral("1")));
+}
+
+void TestGeneratorMainHandler::edsVariantsWithFd()
+{
+    m_store->setGeneralSetting(QStringLiteral("canfd_supported"), QStringLiteral("1"));
+    addVariable(*m_store, 0, 0x2001, "1", {{"eds_define", "big"}});
+    QCOMPARE(generate(true), 0);
+    const QString folder = m_folder->path();
+    const QStringList expected = {
+        QStringLiteral("Generation of device EDS file in %1 started").arg(folder),
+        QStringLiteral("Generation of EDS file completed. "),
+        QStringLiteral("Generation of device_classical classical EDS file in %1 started")
+            .arg(folder),
+        QStringLiteral("Generation of EDS file completed. "),
+        QStringLiteral("Generation of device_big EDS file in %1 started").arg(folder),
+        QStringLiteral("Generation of EDS file completed. "),
+        QStringLiteral("Generation of device_big classical EDS file in %1 started").arg(folder),
+        QStringLiteral("Generation of EDS file completed. "),
+        QStringLiteral("Warning: multiple different EDS files to be generated.\n")};
+    const QStringList messages = m_output->ofDriver();
+    QCOMPARE(messages.mid(messages.indexOf(expected.constFirst()), expected.size()), expected);
+    QVERIFY(files().contains("device_classical.eds") && files().contains("device_big.eds"));
+    QVERIFY(read("device_big.eds").contains("[2001]"));
+    QVERIFY(!read("device.eds").contains("[2001]"));
+}
+
+void TestGeneratorMainHandler::headingsOfLines()
+{
+    addCanopenLine(*m_store, 1);
+    QCOMPARE(generate(true), 0);
+    const QString rule(40, QLatin1Char('_'));
+    const auto heading = [&](int line) {
+        return QStringLiteral("html:<strong>%1 Checking line %2 %1</strong>").arg(rule).arg(line);
+    };
+    const QStringList messages = m_output->ofDriver();
+    QCOMPARE(messages.mid(1, 4), QStringList({"html:", heading(0), "html:", heading(1)}));
+    QVERIFY(files().contains("device_0.eds") && files().contains("device_1.eds"));
+    QVERIFY(!files().contains("device.eds"));
+}
+
+void TestGeneratorMainHandler::linesWithoutType()
+{
+    for (const char *type : {"0", "3", "x", ""}) {
+        m_output->messages.clear();
+        m_store->setGeneralSetting(QStringLiteral("line0type"), QLatin1String(type));
+        QCOMPARE(generate(), 0);
+        QVERIFY(
+            m_output->messages.contains(QStringLiteral("Warning line type not set for line 0.")));
+        QVERIFY(!files().contains("device.eds"));
+    }
+}
+
+void TestGeneratorMainHandler::withoutLines()
+{
+    m_store->deleteNode(0);
+    // What a deleted line has left counts no more.
+    m_store->setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("1"));
+    QCOMPARE(generate(), 0);
+    QVERIFY(!files().contains("device.eds"));
+    QVERIFY(!files().contains("__vxmerrorlog.txt"));
+    QVERIFY(files().contains("__vxmerrorlog.txt.bak"));
+    QVERIFY(m_output->messages.contains(QStringLiteral("Generation finished.")));
+}
+
+void TestGeneratorMainHandler::checkErrors_data()
+{
+    QTest::addColumn<bool>("ignore");
+    QTest::newRow("stop") << false;
+    QTest::newRow("go on") << true;
+}
+
+void TestGeneratorMainHandler::checkErrors()
+{
+    QFETCH(bool, ignore);
+    addError(*m_store);
+    QCOMPARE(generate(ignore), ignore ? 0 : 2);
+    QVERIFY(m_output->loggingText().contains(QLatin1String("Error: ")));
+    QCOMPARE(files().contains("device.eds"), ignore);
+    QCOMPARE(files().contains("__vxmerrorlog.txt"), !ignore);
+    QCOMPARE(files().contains("__vxmerrorlog.txt.bak"), ignore);
+    if (ignore)
+        return;
+    // One value that can't be read counts twice.
+    QCOMPARE(m_output->messages.constLast(),
+             QStringLiteral("ABORT - Check of model consistency finished: failed (2 errors)"));
+    m_output->messages.removeLast();
+    QCOMPARE(QString::fromUtf8(read("__vxmerrorlog.txt")), m_output->loggingText());
+}
+
+void TestGeneratorMainHandler::errorLogKeepsItsFirstBackup()
+{
+    write("__vxmerrorlog.txt.bak", "first");
+    write("__vxmerrorlog.txt", "of a run that stopped");
+    QCOMPARE(generate(), 0);
+    QCOMPARE(read("__vxmerrorlog.txt.bak"), QByteArray("first"));
+    QVERIFY(!files().contains("__vxmerrorlog.txt"));
+}
+
+void TestGeneratorMainHandler::correctionsReachTheOutput()
+{
+    addArrayToCorrect(*m_store);
+    QSignalSpy corrected(m_handler.get(), &GeneratorMainHandler::doneCorrection);
+    QCOMPARE(generate(true), 0);
+    QCOMPARE(corrected.size(), 1);
+    const QByteArray eds = read("device.eds");
+    const qsizetype start = eds.indexOf("[1f50sub0]");
+    QVERIFY(eds.mid(start, eds.indexOf("[1f50sub1]") - start).contains("DefaultValue=2\n"));
+    QCOMPARE(generate(true), 0);
+    QCOMPARE(corrected.size(), 1);
+}
+
+void TestGeneratorMainHandler::unwritableFolder_data()
+{
+    QTest::addColumn<QString>("name");
+    for (const char *name : {"missing", "file", "locked"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestGeneratorMainHandler::unwritableFolder()
+{
+    QFETCH(QString, name);
+    write("file", "x");
+    QVERIFY(QDir(m_folder->path()).mkdir("locked"));
+    QVERIFY(QFile::setPermissions(path("locked"), QFile::ReadOwner | QFile::ExeOwner));
+    const QString folder = m_folder->filePath(name);
+    m_handler->setProject(m_store, folder, QStringLiteral("device"));
+    QCOMPARE(generate(), 3);
+    QCOMPARE(m_output->messages.constLast(),
+             QStringLiteral("ABORT - The output folder %1 is not writeable.").arg(folder));
+    QVERIFY(!QFile::exists(folder + "/device.eds"));
+}
+
+void TestGeneratorMainHandler::unwritableFile()
+{
+    write("device.eds", "mine");
+    QVERIFY(QFile::setPermissions(path("device.eds"), QFile::ReadOwner));
+    QCOMPARE(generate(), 0);
+    QCOMPARE(read("device.eds"), QByteArray("mine"));
+    QVERIFY(m_output->messages.contains(
+        QStringLiteral("The EDS file device.eds in %1 is not writable").arg(m_folder->path())));
+    QVERIFY(!m_output->messages.contains(QStringLiteral("Generation of EDS file completed. ")));
+    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation finished."));
+}
+
+void TestGeneratorMainHandler::fullDisk()
+{
+    if (!FileSizeLimit::isSupported())
+        QSKIP("This system has no limit on file sizes.");
+    QVERIFY(m_store->cacheAllSubs(0)); // the working copy needs its room as well
+    int result = -1;
+    m_output->onMessage =
+        [limit = std::make_shared<std::unique_ptr<FileSizeLimit>>()](const QString &message) {
+            if (message.contains(QLatin1String("finished.\n")))
+                *limit = std::make_unique<FileSizeLimit>(1024);
+            if (message == QLatin1String("Generation finished."))
+                limit->reset();
+        };
+    result = generate();
+    QCOMPARE(result, 0);
+    bool failed = false;
+    for (const QString &message : std::as_const(m_output->messages)) {
+        failed |= message.startsWith(QLatin1String("<b>ERROR - Generation of EDS file failed. ")) &&
+                  message.endsWith(QLatin1String("</b>"));
+    }
+    QVERIFY(failed);
+    QVERIFY(!m_output->messages.contains(QStringLiteral("Generation of EDS file completed. ")));
+    QVERIFY(!files().contains("device.eds"));
+}
+
+void TestGeneratorMainHandler::stopRequest()
+{
+    for (int i = 0; i < 3000; ++i)
+        addVariable(*m_store, 0, static_cast<quint16>(0x2000 + i), "1");
+    // Comes with the message that the generator has been started.
+    m_output->onMessage = [this](const QString &message) {
+        if (message.contains(QLatin1String("EDS file in")))
+            m_handler->requestStop();
+    };
+    QCOMPARE(generate(true), 0);
+    const QByteArray eds = read("device.eds");
+    QVERIFY(eds.contains("SupportedObjects=3000\n"));
+    QVERIFY(!eds.contains("[2bb7]"));
+    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation finished."));
+}
+
+void TestGeneratorMainHandler::addressClaimIsRemoved()
+{
+    const auto add = [this](quint8 direction) {
+        ObjectDataBase::PGN pgn;
+        pgn.name = QStringLiteral("address claim");
+        pgn.number = 60928;
+        pgn.direction = direction;
+        QVERIFY(m_store->addPGN(0, 60928, pgn));
+    };
+    add(ObjectDataBase::transmit);
+    add(ObjectDataBase::receive);
+    QCOMPARE(generate(), 0);
+    QVERIFY(m_store->pgnExists(0, 60928, ObjectDataBase::transmit));
+    m_store->setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("5"));
+    generate(true);
+    QVERIFY(!m_store->pgnExists(0, 60928, ObjectDataBase::transmit));
+    QVERIFY(m_store->pgnExists(0, 60928, ObjectDataBase::receive));
+}
+
+void TestGeneratorMainHandler::cppCopies()
+{
+    write("gen_user.h", "RET_T userCall(void);\n/* RET_T */\n");
+    QCOMPARE(generate(), 0);
+    QVERIFY(!files().contains("gen_user.hpp"));
+    m_store->setGeneralSetting(QStringLiteral("generate_cpp_output"), QStringLiteral("1"));
+    write("gen_user.h", "RET_T userCall(void);\n/* RET_T */\n");
+    QCOMPARE(generate(), 0);
+    QCOMPARE(read("gen_user.hpp"),
+             QByteArray("extern \"C\" RET_T userCall(void);\n/* extern \"C\" RET_T */\n"));
+    QCOMPARE(read("gen_objdict.cpp"), read("gen_objdict.c"));
+}
+
+void TestGeneratorMainHandler::staleJ1939Files()
+{
+    m_store->setGeneralSetting(QStringLiteral("line0type"), QStringLiteral("2"));
+    const auto fill = [this] {
+        for (const char *name : {"gen_j1939_adapter.c", "j1939_adapter.cs", "gen_indication.h"})
+            write(name, "old");
+    };
+    fill();
+    m_store->setJ1939Setting(QStringLiteral("j1939adapter"), QStringLiteral("1"));
+    QCOMPARE(generate(true), 0);
+    QVERIFY(files().contains("gen_j1939_adapter.c") && !files().contains("gen_indication.h"));
+    fill();
+    m_store->setJ1939Setting(QStringLiteral("j1939adapter"), QStringLiteral("0"));
+    QCOMPARE(generate(true), 0);
+    QVERIFY(!files().contains("gen_j1939_adapter.c") && !files().contains("j1939_adapter.cs"));
+}
+
+void TestGeneratorMainHandler::openProject()
+{
+    m_store->setGeneralSetting(QStringLiteral("use_core_headers"), QStringLiteral("V3"));
+    QVERIFY(m_store->saveDatabaseAsSql(path("my.device.vxmp")));
+    QVERIFY(m_store->saveDatabaseAsText(path("text.VXMT")));
+    const QByteArray before = read("my.device.vxmp");
+    for (const char *name : {"my.device.vxmp", "text.VXMT"}) {
+        GeneratorMainHandler handler(*m_output);
+        QVERIFY(handler.store() && handler.store()->lineExists(0));
+        QVERIFY2(handler.openProject(QDir().relativeFilePath(path(name))), name);
+        QCOMPARE(handler.openErrorText(), QString());
+        QCOMPARE(handler.outputFolder(), QFileInfo(path(name)).absolutePath());
+        QCOMPARE(handler.projectName(), QFileInfo(path(name)).completeBaseName());
+        QCOMPARE(handler.store()->getGeneralSetting(QStringLiteral("use_core_headers")),
+                 QStringLiteral("V4"));
+        QCOMPARE(handler.store()->getGeneralSetting(QStringLiteral("new_init_structure")),
+                 QStringLiteral("1"));
+        QCOMPARE(handler.generate(false), GeneratorMainHandler::Completed);
+    }
+    QVERIFY(files().contains("my.device.eds") && files().contains("text.eds"));
+    QCOMPARE(read("my.device.vxmp"), before);
+}
+
+void TestGeneratorMainHandler::openProjectFails_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("opens");
+    QTest::newRow("missing") << "missing.vxmp" << false;
+    QTest::newRow("no database") << "broken.vxmp" << false;
+    QTest::newRow("a template always opens") << "folder.vxmt" << true;
+}
+
+void TestGeneratorMainHandler::openProjectFails()
+{
+    QFETCH(QString, name);
+    write("broken.vxmp", QByteArray("nothing of a database").repeated(500));
+    QVERIFY(QDir(m_folder->path()).mkdir("folder.vxmt"));
+    GeneratorMainHandler handler(*m_output);
+    QTEST(handler.openProject(m_folder->filePath(name)), "opens");
+    QVERIFY(!handler.openErrorText().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestGeneratorMainHandler)
+#include "tst_generatormainhandler.moc"
