@@ -1,0 +1,143 @@
+#include "app/latestart.h"
+
+#include "app/edition.h"
+#include "app/vxmmainwindow.h"
+#include "store/databasemodifier.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+#include <QEventLoop>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <array>
+
+namespace {
+
+constexpr quint8 lastCopiedLine = 31;
+constexpr quint32 highestPgn = 0x3FFFF;
+
+/// Lets notifications that are on their way reach the forms.
+void runEventsFor(int milliseconds)
+{
+    QEventLoop loop;
+    QTimer::singleShot(milliseconds, &loop, &QEventLoop::quit);
+    loop.exec();
+}
+
+void resetCursor(VxmMainWindow &window)
+{
+    window.setCursor(Qt::ArrowCursor);
+}
+
+void importIntoLineZero(VxmMainWindow &window)
+{
+    const std::optional<QString> &path = window.options().importFile;
+    if (!path || !QFileInfo::exists(*path))
+        return;
+    qDebug() << "try to import " << *path;
+    // No importer takes any suffix yet, so there is nothing to be done with the file.
+}
+
+void copyForeignPgns(VxmMainWindow &window)
+{
+    const std::optional<QString> &path = window.options().pgnProject;
+    if (!path || !QFileInfo::exists(*path))
+        return;
+    ObjectDataBase source;
+    if (!source.openDataBase(*path, true)) {
+        qDebug() << "cannot copy PGNs of" << *path << source.lastErrorText();
+        return;
+    }
+    ObjectDataBase &target = window.database();
+    for (const quint8 line : target.getLines()) {
+        if (line <= lastCopiedLine && source.lineExists(line))
+            ObjectDataBase::copyPGNs(target, source, line, line, highestPgn);
+    }
+    runEventsFor(200);
+}
+
+void runImportHandler(VxmMainWindow &window)
+{
+    const std::optional<QString> &path = window.options().importHandlerFile;
+    if (!path)
+        return;
+    if (QFileInfo::exists(*path))
+        qDebug() << "Import Handler file: " << *path;
+    else
+        qDebug() << "Import Handler file: " << *path << "does not exist";
+}
+
+void modifyDatabase(VxmMainWindow &window)
+{
+    const QString path = window.options().modifierFile.value_or(QString());
+    if (path.isEmpty())
+        return;
+    DatabaseModifier modifier(&window.database());
+    if (!modifier.load(path) || !modifier.applyModifierFile())
+        qDebug() << modifier.errorText();
+}
+
+void enterNetworkToolMode(VxmMainWindow &window)
+{
+    if (!window.options().networkTool)
+        return;
+    runEventsFor(500);
+    window.setNetworkToolMode();
+    for (const char *action :
+         {"actionNew_Project", "actionOpen_Project", "actionClose_Project", "actionEum"}) {
+        window.setActionEnabled(action, false);
+    }
+    if (!window.options().generate)
+        window.setActionEnabled("actionGenerate_Output", false);
+
+    const auto lowByte = [&](const QString &key) {
+        return window.database().getGeneralLineSetting(key, 0).toUInt(nullptr, 0) & 0xFFU;
+    };
+    QString title = QStringLiteral("tolvex device systems - CANopen Quillforge %1 invoked by "
+                                   "CANopen Tessmark for Node %2")
+                        .arg(QCoreApplication::applicationVersion())
+                        .arg(lowByte(QStringLiteral("co_node_id")));
+    if (const uint network = lowByte(QStringLiteral("co_network_id")); network != 0)
+        title += QStringLiteral(" (network %1)").arg(network);
+    window.setWindowTitle(title);
+}
+
+void saveProject(VxmMainWindow &window)
+{
+    if (!window.options().save)
+        return;
+    window.on_actionSave_Project_triggered();
+    runEventsFor(300);
+}
+
+void generateAndQuit(VxmMainWindow &window)
+{
+    if (!window.options().generate)
+        return;
+    window.setAutoGeneration();
+    window.on_actionGenerate_Output_triggered();
+    runEventsFor(500);
+    QCoreApplication::exit(0);
+}
+
+void hideHelp(VxmMainWindow &window)
+{
+    if (Edition::isJ1939())
+        window.setActionVisible("action_Hel_p", false);
+}
+
+// This order holds whatever the order of the arguments. A step that has nothing to do does
+// nothing, and none of them keeps the next from running.
+constexpr std::array steps{
+    resetCursor,          importIntoLineZero, copyForeignPgns, runImportHandler, modifyDatabase,
+    enterNetworkToolMode, saveProject,        generateAndQuit, hideHelp,
+};
+
+} // namespace
+
+void LateStart::run(VxmMainWindow &window)
+{
+    for (const auto step : steps)
+        step(window);
+}

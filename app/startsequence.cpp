@@ -1,0 +1,96 @@
+#include "app/startsequence.h"
+
+#include "app/edition.h"
+#include "app/startoptions.h"
+#include "app/support/displaychoice.h"
+#include "app/support/tolvexbaseapplication.h"
+#include "app/support/usersettings.h"
+#include "app/vxmmainwindow.h"
+#include "store/objectdatabase.h"
+
+#include <QFileInfo>
+#include <QTimer>
+
+namespace {
+
+constexpr int settingsLayout = 3;
+constexpr int dragMilliseconds = 100;
+constexpr int dragPixels = 10;
+
+void nameApplication(TolvexBaseApplication &application, const char *name)
+{
+    application.setApplicationName(QString::fromLatin1(name));
+    application.setOrganizationName(QStringLiteral("tolvex"));
+    application.setOrganizationDomain(QStringLiteral("tolvex.com"));
+    application.initSettings(settingsLayout);
+    QApplication::setStartDragTime(dragMilliseconds);
+    QApplication::setStartDragDistance(dragPixels);
+}
+
+void prepareProjectStore(ObjectDataBase &store)
+{
+    store.createNewDataBase();
+    store.addNode(0, ObjectDataBase::NODE_DATA_T());
+    const QString key = QStringLiteral("line0type");
+    if (Edition::isCANopen())
+        store.setGeneralSetting(key, QStringLiteral("1"));
+    else if (Edition::isJ1939())
+        store.setGeneralSetting(key, QStringLiteral("2"));
+}
+
+void prepareLibraryStore(ObjectDataBase &store)
+{
+    store.createNewDataBase();
+    store.addNode(0, ObjectDataBase::NODE_DATA_T());
+    store.purgeStrings();
+}
+
+/// What is opened when the command line names no project.
+void startNormally(VxmMainWindow &window)
+{
+    const QString last = UserSettings::general(QStringLiteral("lastproject")).toString();
+    const bool reopen = UserSettings::general(QStringLiteral("loadlastproject"), 0).toInt() == 1;
+    if (reopen && QFileInfo(last).isFile())
+        window.openProject(last);
+    else
+        window.newProject();
+    window.setActionEnabled("action_Import_File", true);
+    window.bringOntoScreen();
+    window.selectFirstLine();
+}
+
+} // namespace
+
+int runQuillforge(int argc, char *argv[], const char *applicationName)
+{
+    DisplayChoice::apply(argc, argv);
+    // Destroyed in reverse order: the window goes first, the application object last.
+    TolvexBaseApplication application(argc, argv, QString::fromLatin1(applicationName),
+                                      QStringLiteral(QUILLFORGE_VERSION));
+    nameApplication(application, applicationName);
+    const StartOptions options = StartOptions::parse(QCoreApplication::arguments());
+    // The end of a box must not end a hidden run, whose only window that box is.
+    QApplication::setQuitOnLastWindowClosed(!options.hidden);
+
+    const auto project = std::make_shared<ObjectDataBase>();
+    prepareProjectStore(*project);
+    const auto library = std::make_shared<ObjectDataBase>();
+    prepareLibraryStore(*library);
+
+    VxmMainWindow window(options);
+    window.setDatabase(project);
+    window.setLibraryDatabase(library);
+    window.selectLine(0);
+    if (!options.hidden)
+        window.show();
+    if (options.project)
+        window.openProject(*options.project);
+    else
+        startNormally(window);
+
+    qRegisterMetaType<ObjectDataBase::ChangeSet>("ObjectDataBase::ChangeSet");
+    QTimer::singleShot(0, &window, &VxmMainWindow::doThingsAfter1Second);
+    QObject::connect(&window, &VxmMainWindow::sigInstrumentFunctions, &application,
+                     &TolvexBaseApplication::onInstrumentFunctionChanged);
+    return QCoreApplication::exec();
+}

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "store/objectdatabase.h"
+
+#include <QPointer>
+#include <QTimer>
+#include <QWidget>
+
+#include <optional>
+
+/// A page of the main window; lives as long as the window and shows the project of its store.
+///
+/// The store tells of every single write. A form hears of a run of like changes once, 50 ms after
+/// the last of them; unlike changes are never merged and reach the form in order.
+class BaseMainForm : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// Commands of the main window's tool bar and menus.
+    enum Action : int { Copy = 0, Cut = 1, Paste = 2, Delete = 3, Duplicate = 4 };
+
+    explicit BaseMainForm(QWidget *parent = nullptr);
+
+    /// False for a null store; the store is not owned and outlives the form.
+    virtual bool setDatabase(ObjectDataBase *database);
+    /// By default a box tells that the form has no such command.
+    virtual void doAction(int action);
+    /// The line whose data the page shows from now on.
+    virtual void setLine(quint8 line) { m_line = line; }
+
+signals:
+    void newDatabase();
+
+public slots:
+    /// The form brings itself up to date.
+    virtual void updateData(ObjectDataBase::ChangeSet modification) = 0;
+    /// The form writes pending edits to the store.
+    virtual void saveData() = 0;
+    virtual void handleExpertMode(bool expertModeActive) = 0;
+    void updateDataSlot(ObjectDataBase::ChangeSet modification);
+    void updateTimerSlot();
+
+protected:
+    [[nodiscard]] ObjectDataBase *database() const { return m_database; }
+    [[nodiscard]] quint8 line() const { return m_line; }
+
+    /// Set while the form itself writes to the store: such changes do not come back to it.
+    bool m_guard = false;
+
+private:
+    QPointer<ObjectDataBase> m_database;
+    quint8 m_line = 0;
+    std::optional<ObjectDataBase::ChangeSet> m_pending;
+    QTimer m_timer;
+};

@@ -1,0 +1,193 @@
+#pragma once
+
+#include "app/startoptions.h"
+#include "generators/generatormainhandler.h"
+#include "store/objectdatabase.h"
+
+#include <QFont>
+#include <QList>
+#include <QMainWindow>
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class BaseMainForm;
+class GUIOutputHandler;
+class GeneratorOutputForm;
+class OutputHandlerBase;
+class QProgressDialog;
+struct PageContext;
+struct PageFactory;
+
+namespace Ui {
+class VxmMainWindow;
+}
+
+/// The main window: owns the pages, the generator driver and the flows for new, open, save,
+/// close, the CAN lines and generation.
+///
+/// Whether the project is modified is kept nowhere but in the font of the path label: italic
+/// means modified. Project and library store are shared with the caller.
+class VxmMainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit VxmMainWindow(const StartOptions &options, QWidget *parent = nullptr);
+    ~VxmMainWindow() override;
+
+    /// The project that all pages and the generators see.
+    void setDatabase(const std::shared_ptr<ObjectDataBase> &database);
+    /// The standard objects on offer; none of them is part of a project.
+    void setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &database);
+    [[nodiscard]] ObjectDataBase &database() const { return *m_database; }
+    [[nodiscard]] const StartOptions &options() const { return m_options; }
+
+    /// Rebuilds the pages for a line and tells them of it, unless the signal is blocked.
+    void selectLine(quint8 line, bool blockSignal = false);
+    [[nodiscard]] quint8 currentLine() const { return m_line; }
+    /// Opens a project file; on false a box has told why and the former project is still there.
+    /// A project that is open is replaced without a question.
+    bool openProject(const QString &path);
+    /// A new project from the edition's template, without a question about the former one.
+    void newProject();
+    /// Whether a project may be replaced now: asks about unsaved modifications, and saves them if
+    /// the user wants that.
+    [[nodiscard]] bool closeCheck();
+    [[nodiscard]] bool isModified() const;
+    /// Folder of the project's file; empty for a project that was never saved.
+    [[nodiscard]] QString projectDirectory() const { return m_projectDirectory; }
+    [[nodiscard]] QString projectBaseName() const { return m_projectBaseName; }
+
+    // What the start sequence does to the window.
+    void setNetworkToolMode() { m_networkToolMode = true; }
+    void setAutoGeneration() { m_autoGeneration = true; }
+    /// Does nothing for an action that this window doesn't have.
+    void setActionEnabled(const char *objectName, bool enabled);
+    void setActionVisible(const char *objectName, bool visible);
+    void selectFirstLine();
+    /// Moves the window to where it can be seen if its position lies on no screen.
+    void bringOntoScreen();
+
+signals:
+    /// Forms are to store pending input.
+    void saveRequest();
+    void lineChanged(quint8 line);
+    void expertModeChanged(bool expertModeActive);
+    void sigInstrumentFunctions(bool enable);
+
+public slots:
+    void on_actionNew_Project_triggered();
+    void on_actionOpen_Project_triggered();
+    void on_actionSave_Project_triggered();
+    void on_actionSave_Project_as_triggered();
+    void on_actionClose_Project_triggered();
+    void on_actionGenerate_Output_triggered();
+    void on_actionQuit_triggered();
+    void on_action_About_triggered();
+    void on_actionAbout_Qt_triggered();
+
+    /// The late part of the start, run once by the event loop.
+    void doThingsAfter1Second();
+    void finishOpenProcedure();
+    /// Opens the project that the sending action of the menu names.
+    void openRecent();
+    /// A page was activated; the one before it stores its input.
+    void newCurrentTabActivated(int index);
+    void projectModified(ObjectDataBase::ChangeSet modification);
+    /// An entry of the line box was chosen: a line, or a flow on the lines.
+    void handleLineChanged(int value);
+    void updateLinesComboBox();
+    void handleCheckError(QString errorString);
+    void generatorFinished(GeneratorMainHandler::GeneratorResult result);
+    void projectCorrectionDone();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    struct Page
+    {
+        const PageFactory *factory = nullptr;
+        BaseMainForm *form = nullptr;
+    };
+
+    // vxmmainwindow.cpp
+    void decorate();
+    void makePages();
+    void restoreGeometryOfUser();
+    void saveGeometryOfUser();
+    [[nodiscard]] PageContext pageContext() const;
+    void rebuildToolBox();
+    [[nodiscard]] bool showsPages(const QList<Page> &pages, const PageContext &context) const;
+    void refreshLines();
+    void updateTitle();
+    void setModified(bool modified);
+    void storePendingInput();
+    void setBusy(bool busy);
+
+    // vxmmainwindow_project.cpp
+    enum class ProtocolQuestion { Ask, Skip };
+    void newProject(ProtocolQuestion question);
+    void applyLineZeroType(int type);
+    bool openStore(const QString &path);
+    bool acceptsForeignChanges();
+    void showVersionNotes(const QString &path);
+    void keepVersion3Copy(const QString &path);
+    void convertProject();
+    void convertSignals();
+    void leaveProjectPath();
+    void takeProjectPath(const QString &path);
+    void fillRecentProjects();
+    void warnOfUnappliedEnergyBus();
+    [[nodiscard]] int countModifications() const;
+    void showError(const QString &text, const QString &informativeText = QString());
+
+    // vxmmainwindow_lines.cpp
+    void addLine();
+    void duplicateLine();
+    void deleteLine();
+    void changeLineType();
+    [[nodiscard]] quint8 highestLine() const;
+    [[nodiscard]] QList<quint8> projectLines() const;
+    bool makeLine(quint8 line, int type);
+    void copyStandardObjects(quint8 line);
+    /// 0 if the user does not choose one.
+    [[nodiscard]] int askLineType(const QString &question);
+    [[nodiscard]] bool askYesNo(const QString &question);
+    [[nodiscard]] bool mayAddLine();
+
+    // vxmmainwindow_generation.cpp
+    void makeGenerator();
+    void showGeneratorPage();
+    void runGenerator();
+    void showProgress();
+
+    std::unique_ptr<Ui::VxmMainWindow> ui;
+    StartOptions m_options;
+    std::shared_ptr<ObjectDataBase> m_database;
+    std::shared_ptr<ObjectDataBase> m_library;
+    QList<Page> m_pages;
+    QPointer<BaseMainForm> m_currentPage;
+    GeneratorOutputForm *m_outputForm = nullptr;
+    OutputHandlerBase *m_outputHandler = nullptr; ///< child of the window
+    GeneratorMainHandler *m_generator = nullptr;  ///< child of the window
+    QPointer<QProgressDialog> m_progress;
+    QList<QAction *> m_pausedActions; ///< actions that a run has disabled
+    QTimer m_refreshTimer;
+
+    QString m_projectDirectory;
+    QString m_projectBaseName;
+    QString m_projectFilePath;
+    quint8 m_line = 0;
+    int m_shownLineType = 0;
+    int m_changes = 0; ///< writes since the project was last saved or opened
+
+    bool m_networkToolMode = false;
+    bool m_autoGeneration = false;
+    bool m_busy = false;    ///< a run is going on
+    bool m_loading = false; ///< a project is taking the place of another
+};

@@ -1,0 +1,131 @@
+#include "app/vxmmainwindow.h"
+
+#include "app/edition.h"
+#include "app/generatoroutputform.h"
+#include "app/guioutputhandler.h"
+#include "app/latestart.h"
+#include "app/support/guihelper.h"
+#include "app/support/usersettings.h"
+#include "generators/plaintextoutputhandler.h"
+#include "ui_vxmmainwindow.h"
+
+#include <QApplication>
+#include <QEventLoop>
+#include <QProgressDialog>
+#include <QSignalBlocker>
+
+namespace {
+
+constexpr int settleMilliseconds = 200;
+const QString criticalErrors =
+    QStringLiteral("The project contains critical errors. Check Generator Output window.");
+
+} // namespace
+
+void VxmMainWindow::doThingsAfter1Second()
+{
+    LateStart::run(*this);
+}
+
+void VxmMainWindow::makeGenerator()
+{
+    auto *pane = new GUIOutputHandler(m_outputForm, this);
+    m_outputHandler = pane;
+    if (m_options.hidden && m_options.generate) {
+        // Nobody sees the pane of such a run: its messages go to the build log too.
+        auto *log = new PlainTextOutputHandler(stdout, this);
+        m_outputHandler = new PairedOutputHandler(*pane, *log, this);
+    }
+    m_generator = new GeneratorMainHandler(*m_outputHandler, this);
+    m_generator->setQuiet(m_options.hidden);
+    connect(m_generator, &GeneratorMainHandler::finished, this, &VxmMainWindow::generatorFinished);
+    connect(m_generator, &GeneratorMainHandler::doneCorrection, this,
+            &VxmMainWindow::projectCorrectionDone);
+}
+
+void VxmMainWindow::on_actionGenerate_Output_triggered()
+{
+    if (m_busy)
+        return;
+    setBusy(true);
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    storePendingInput();
+    ui->toolBox->setCurrentWidget(m_outputForm);
+    QEventLoop settle;
+    QTimer::singleShot(settleMilliseconds, &settle, &QEventLoop::quit);
+    settle.exec();
+
+    warnOfUnappliedEnergyBus();
+    if (Edition::isEnergyBus())
+        emit sigInstrumentFunctions(true);
+    if (!m_options.hidden)
+        showProgress();
+    runGenerator();
+}
+
+void VxmMainWindow::runGenerator()
+{
+    if (UserSettings::general(QStringLiteral("clearlogging"), false).toBool())
+        m_outputForm->clearLogging();
+    const bool ignoreErrors = UserSettings::general(QStringLiteral("disablecheck"), false).toBool();
+    const QString virtualObjects =
+        m_database->getGeneralSetting(QStringLiteral("special_virtual_objects"));
+    m_generator->setVirtualObjects(virtualObjects.toInt() != 0);
+    const bool askForSrdo =
+        m_database->getGeneralSetting(QStringLiteral("ask_gen_srdo")).toInt() != 0;
+    m_generator->setGenerateSrdo(!askForSrdo ||
+                                 askYesNo(QStringLiteral("Do you want to generate gen_srdo.c?")));
+    m_generator->setProject(m_database, m_projectDirectory, m_projectBaseName);
+
+    const QSignalBlocker blocker(m_database.get());
+    m_generator->generate(ignoreErrors);
+}
+
+void VxmMainWindow::showProgress()
+{
+    m_progress = new QProgressDialog(QStringLiteral("Generation in progress..."),
+                                     QStringLiteral("Stop"), 0, 0, this);
+    m_progress->setAttribute(Qt::WA_DeleteOnClose);
+    m_progress->setWindowTitle(GuiHelper::boxTitle());
+    m_progress->setWindowModality(Qt::WindowModal);
+    m_progress->setMinimumDuration(0);
+    m_progress->setAutoReset(false);
+    connect(m_progress, &QProgressDialog::canceled, m_generator,
+            &GeneratorMainHandler::requestStop);
+    m_progress->adjustSize();
+    m_progress->move(frameGeometry().center() - m_progress->rect().center());
+    m_progress->show();
+}
+
+void VxmMainWindow::generatorFinished(GeneratorMainHandler::GeneratorResult result)
+{
+    delete m_progress;
+    QApplication::restoreOverrideCursor();
+    if (Edition::isEnergyBus())
+        emit sigInstrumentFunctions(false);
+    setBusy(false);
+    if (result == GeneratorMainHandler::Completed) {
+        m_outputHandler->outputMessage(
+            QStringLiteral("Generation of %1 completed.").arg(m_projectBaseName));
+        return;
+    }
+    showError(criticalErrors);
+}
+
+void VxmMainWindow::projectCorrectionDone()
+{
+    // The pages did not hear of the corrections, since a run silences the store.
+    setModified(true);
+    ++m_changes;
+    const bool isStored = !m_projectDirectory.isEmpty();
+    if (!m_autoGeneration && isStored)
+        on_actionSave_Project_triggered();
+    if (m_options.save && isStored)
+        on_actionSave_Project_triggered();
+    if (m_autoGeneration)
+        return;
+    ObjectDataBase::ChangeSet reload;
+    reload.kind = ObjectDataBase::ProjectReplaced;
+    for (const Page &page : std::as_const(m_pages))
+        page.form->updateDataSlot(reload);
+}

@@ -1,0 +1,445 @@
+#include "app/vxmmainwindow.h"
+
+#include "app/edition.h"
+#include "app/linetype.h"
+#include "app/recentprojects.h"
+#include "app/support/basemainform.h"
+#include "app/support/guihelper.h"
+#include "app/support/usersettings.h"
+#include "app/versionnotes.h"
+#include "store/projectconverter.h"
+#include "ui_vxmmainwindow.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QMimeData>
+#include <QScopedValueRollback>
+
+#include <array>
+
+namespace {
+
+constexpr int finishOpenMilliseconds = 10;
+const QString projectFilter = QStringLiteral("VXM Projects (*.vxmp)");
+const QString oldFilter = QStringLiteral("old project files (*.db)");
+const QString textFilter = QStringLiteral("VXMT Projects (*.vxmt)");
+const QString filterSeparator = QStringLiteral(";;");
+
+/// Objects of the template that a line without CANopen doesn't have.
+constexpr std::array<quint16, 5> canopenOnlyObjects{0x1000, 0x1001, 0x1017, 0x1018, 0x1200};
+
+/// The wait cursor for as long as the value lives.
+class WaitCursor
+{
+public:
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor &) = delete;
+    WaitCursor &operator=(const WaitCursor &) = delete;
+};
+
+QString templatePath()
+{
+    return Edition::isJ1939()
+               ? QStringLiteral(":/databases/data/mtj1939.data")
+               : QCoreApplication::applicationDirPath() + QStringLiteral("/data/mt.data");
+}
+
+QString folderOfDialogs()
+{
+    const QString folder =
+        UserSettings::general(QStringLiteral("projectpath"), QStringLiteral("~")).toString();
+    return folder == u"~" ? QDir::homePath() : folder;
+}
+
+bool isTextProject(const QString &path)
+{
+    return path.endsWith(QLatin1String(".vxmt"), Qt::CaseInsensitive);
+}
+
+bool isDatabaseProject(const QString &path)
+{
+    return path.endsWith(QLatin1String(".vxmp"), Qt::CaseInsensitive);
+}
+
+/// The one project among dropped files; empty if there is none.
+QString droppedProject(const QMimeData *data)
+{
+    for (const QUrl &url : data->urls()) {
+        const QString path = url.toLocalFile();
+        if (isTextProject(path) || isDatabaseProject(path))
+            return path;
+    }
+    return {};
+}
+
+} // namespace
+
+void VxmMainWindow::showError(const QString &text, const QString &informativeText)
+{
+    GuiHelper::showMessageBox(this, GuiHelper::boxTitle(), text, informativeText, QMessageBox::Ok,
+                              QMessageBox::Critical);
+}
+
+// --- New ----------------------------------------------------------------------------------------
+
+void VxmMainWindow::on_actionNew_Project_triggered()
+{
+    if (!m_projectDirectory.isEmpty() && !closeCheck())
+        return;
+    newProject(ProtocolQuestion::Ask);
+}
+
+void VxmMainWindow::newProject()
+{
+    newProject(ProtocolQuestion::Ask);
+}
+
+void VxmMainWindow::newProject(ProtocolQuestion question)
+{
+    const QScopedValueRollback loading(m_loading, true);
+    const QString source = templatePath();
+    const bool opened = m_database->openDataBase(source, true);
+    QString openError;
+    if (!opened) {
+        openError = m_database->lastErrorText();
+        // Whatever was open is not part of the new project.
+        m_database->createNewDataBase();
+    }
+    if (Edition::isCan() && question == ProtocolQuestion::Ask)
+        applyLineZeroType(askLineType(QStringLiteral("Select CAN protocol for line 0:")));
+    m_database->setMiscSetting(QStringLiteral("CreateToolVersion"),
+                               QCoreApplication::applicationVersion());
+    if (!opened)
+        showError(QStringLiteral("Cannot create new project file."), openError);
+
+    leaveProjectPath();
+    if (m_database->getLineType(0) == LineType::Unknown) {
+        m_database->setGeneralSetting(QStringLiteral("line0type"),
+                                      QString::number(Edition::defaultLineType()));
+    }
+    m_database->setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
+    selectLine(0);
+    updateLinesComboBox();
+    setModified(false);
+}
+
+void VxmMainWindow::applyLineZeroType(int type)
+{
+    if (type == LineType::Unknown)
+        return;
+    m_database->setGeneralSetting(QStringLiteral("line0type"), QString::number(type));
+    if (LineType::of(type).hasCANopen)
+        return;
+    for (const quint16 index : canopenOnlyObjects) {
+        if (m_database->indexExists(0, index))
+            m_database->deleteIndex(0, index);
+    }
+}
+
+// --- Open ---------------------------------------------------------------------------------------
+
+void VxmMainWindow::on_actionOpen_Project_triggered()
+{
+    const QString path = GuiHelper::openFileName(
+        this, QStringLiteral("Open Project"), folderOfDialogs(),
+        QStringList{projectFilter, oldFilter, textFilter}.join(filterSeparator));
+    if (!path.isEmpty() && closeCheck())
+        openProject(path);
+}
+
+bool VxmMainWindow::openProject(const QString &givenPath)
+{
+    qDebug() << "open project" << givenPath;
+    const QScopedValueRollback loading(m_loading, true);
+    ui->mpSelectLine->setCurrentIndex(0);
+    const QString path = givenPath.isEmpty() ? givenPath : QFileInfo(givenPath).absoluteFilePath();
+    if (!openStore(path))
+        return false;
+    if (!m_networkToolMode && !acceptsForeignChanges()) {
+        newProject(ProtocolQuestion::Skip);
+        return false;
+    }
+    convertProject();
+    if (Edition::isEnergyBus()) {
+        const QString saved = m_database->getMiscSetting(QStringLiteral("SaveToolVersion"));
+        if (VersionNotes::isOlder(saved, QCoreApplication::applicationVersion())) {
+            GuiHelper::showMessageBox(this, GuiHelper::boxTitle(),
+                                      VersionNotes::reapplyEnergyBus());
+        }
+    } else {
+        showVersionNotes(path);
+    }
+    convertSignals();
+    takeProjectPath(path);
+    m_database->setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
+    selectLine(0, true);
+    updateLinesComboBox();
+    setModified(false);
+    QTimer::singleShot(finishOpenMilliseconds, this, &VxmMainWindow::finishOpenProcedure);
+    return true;
+}
+
+bool VxmMainWindow::openStore(const QString &path)
+{
+    const QString message = QStringLiteral("Cannot open project file %1.").arg(path);
+    const bool text = isTextProject(path);
+    if (!text && !isDatabaseProject(path)) {
+        showError(message, QStringLiteral("A project file ends in .vxmp or .vxmt."));
+        return false;
+    }
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly)) {
+        showError(message, file.errorString());
+        return false;
+    }
+    file.close();
+
+    bool opened = false;
+    {
+        const WaitCursor cursor;
+        opened = m_database->openDataBase(path, true);
+    }
+    const QString error = m_database->lastErrorText();
+    if (opened && error.isEmpty())
+        return true;
+    showError(message, error);
+    if (opened) {
+        // A text that can't be read leaves an empty project behind, which belongs to no file.
+        newProject(ProtocolQuestion::Skip);
+    }
+    return false;
+}
+
+bool VxmMainWindow::acceptsForeignChanges()
+{
+    if (!m_database->wasExternallyModified())
+        return true;
+    return GuiHelper::showMessageBox(
+               this,
+               {.title = QCoreApplication::applicationName(),
+                .text = QStringLiteral("This project file has been modified outside of the tool."),
+                .informativeText =
+                    QStringLiteral("The modification has been recorded in the project "
+                                   "file.\n\nOpen the project anyway?"),
+                .buttons = QMessageBox::Yes | QMessageBox::No,
+                .icon = QMessageBox::Warning,
+                .defaultButton = QMessageBox::Yes,
+                .extraButtons = {}}) != QMessageBox::No;
+}
+
+void VxmMainWindow::showVersionNotes(const QString &path)
+{
+    constexpr int notedMajor = 3;
+    const QString saved = m_database->getMiscSetting(QStringLiteral("SaveToolVersion"));
+    const VersionNotes::Version version = VersionNotes::parse(saved);
+    if (saved.isEmpty() || version.major != notedMajor)
+        return;
+    const QString note = VersionNotes::missingStackFiles(version.minor, Edition::isCANopen());
+    if (!note.isEmpty() && !m_options.skipVersionNotes) {
+        GuiHelper::showMessageBox(this, GuiHelper::boxTitle(), note);
+        m_database->setMiscSetting(QStringLiteral("PreviousToolVersion"), saved);
+    }
+    if (!m_networkToolMode)
+        keepVersion3Copy(path);
+}
+
+void VxmMainWindow::keepVersion3Copy(const QString &path)
+{
+    const QString copy = path + QStringLiteral(".bak_v3");
+    if (QFileInfo::exists(copy))
+        return;
+    if (!QFile::copy(path, copy)) {
+        qDebug() << "cannot copy" << path << "to" << copy;
+        return;
+    }
+    GuiHelper::showMessageBox(this, GuiHelper::boxTitle(), VersionNotes::copyKept(copy, path));
+}
+
+void VxmMainWindow::convertProject()
+{
+    ProjectConverter converter(m_database.get());
+    converter.doGenericCorrection();
+    converter.doStackPathCorrection();
+    if (Edition::isEnergyBus())
+        converter.doEnergyBusCorrection();
+}
+
+void VxmMainWindow::convertSignals()
+{
+    ProjectConverter converter(m_database.get());
+    if (Edition::isCan())
+        converter.doCanCorrection();
+    if (Edition::isCan() || Edition::isJ1939())
+        converter.doJ1939Correction();
+}
+
+void VxmMainWindow::leaveProjectPath()
+{
+    m_projectBaseName = QStringLiteral("newproject");
+    ui->lblPath->setText(QStringLiteral("new project"));
+    m_projectDirectory.clear();
+    m_projectFilePath.clear();
+    updateTitle();
+}
+
+void VxmMainWindow::takeProjectPath(const QString &path)
+{
+    const QFileInfo file(path);
+    m_projectDirectory = file.absolutePath();
+    m_projectBaseName = file.completeBaseName();
+    m_projectFilePath = file.absoluteFilePath();
+    ui->lblPath->setText(QDir::toNativeSeparators(m_projectFilePath));
+    updateTitle();
+    setModified(false);
+    UserSettings::setGeneral(QStringLiteral("projectpath"), m_projectDirectory);
+    UserSettings::setGeneral(QStringLiteral("lastproject"), m_projectFilePath);
+    RecentProjects::add(m_projectFilePath);
+}
+
+void VxmMainWindow::finishOpenProcedure()
+{
+    statusBar()->showMessage(QStringLiteral("%1 is open.").arg(m_projectBaseName), 5000);
+    if (isVisible() && m_currentPage != nullptr)
+        m_currentPage->setFocus(Qt::OtherFocusReason);
+}
+
+void VxmMainWindow::fillRecentProjects()
+{
+    ui->menuRecent_Projects->clear();
+    for (const RecentProjects::Entry &entry : RecentProjects::entries()) {
+        // An ampersand in a path is none of a menu's mnemonics.
+        QString label = QDir::toNativeSeparators(entry.path);
+        label.replace(u'&', QStringLiteral("&&"));
+        QAction *action =
+            ui->menuRecent_Projects->addAction(label, this, &VxmMainWindow::openRecent);
+        action->setData(entry.path);
+        action->setEnabled(QFileInfo::exists(entry.path));
+    }
+    if (ui->menuRecent_Projects->isEmpty())
+        ui->menuRecent_Projects->addAction(QStringLiteral("No projects yet"))->setEnabled(false);
+}
+
+void VxmMainWindow::openRecent()
+{
+    const auto *action = qobject_cast<QAction *>(sender());
+    if (action != nullptr && closeCheck())
+        openProject(action->data().toString());
+}
+
+void VxmMainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!m_busy && !droppedProject(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void VxmMainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = droppedProject(event->mimeData());
+    if (path.isEmpty() || m_busy)
+        return;
+    event->acceptProposedAction();
+    if (closeCheck())
+        openProject(path);
+}
+
+// --- Save and close -----------------------------------------------------------------------------
+
+void VxmMainWindow::warnOfUnappliedEnergyBus()
+{
+    const QString key = QStringLiteral("modificationWithoutApply");
+    if (!Edition::isEnergyBus() || m_database->getEnergyBusSetting(key) != u"1")
+        return;
+    GuiHelper::showMessageBox(this, GuiHelper::boxTitle(),
+                              QStringLiteral("The EnergyBus configuration has not yet been "
+                                             "applied into the object dictionary."),
+                              QString(), QMessageBox::Ok, QMessageBox::Warning);
+}
+
+void VxmMainWindow::on_actionSave_Project_triggered()
+{
+    if (m_projectDirectory.isEmpty()) {
+        on_actionSave_Project_as_triggered();
+        return;
+    }
+    storePendingInput();
+    warnOfUnappliedEnergyBus();
+    bool saved = false;
+    {
+        const WaitCursor cursor;
+        saved = m_database->saveDatabase();
+    }
+    if (!saved) {
+        showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
+        return;
+    }
+    setModified(false);
+    statusBar()->showMessage(QStringLiteral("%1 is saved.").arg(m_projectBaseName), 5000);
+}
+
+void VxmMainWindow::on_actionSave_Project_as_triggered()
+{
+    storePendingInput();
+    warnOfUnappliedEnergyBus();
+    const QString folder =
+        m_projectFilePath.isEmpty()
+            ? folderOfDialogs() + u'/' + m_projectBaseName + QStringLiteral(".vxmp")
+            : m_projectFilePath;
+    const QString path =
+        GuiHelper::saveFileName(this, QStringLiteral("Save Project"), folder,
+                                QStringList{projectFilter, textFilter}.join(filterSeparator));
+    if (path.isEmpty())
+        return;
+    bool saved = false;
+    {
+        const WaitCursor cursor;
+        saved = m_database->saveDatabase(path);
+    }
+    if (saved)
+        takeProjectPath(path);
+    else
+        showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
+}
+
+void VxmMainWindow::on_actionClose_Project_triggered()
+{
+    if (closeCheck())
+        newProject(ProtocolQuestion::Skip);
+}
+
+int VxmMainWindow::countModifications() const
+{
+    return m_changes;
+}
+
+bool VxmMainWindow::closeCheck()
+{
+    if (m_database == nullptr)
+        return true;
+    storePendingInput();
+    if (!isModified() || m_projectFilePath.isEmpty())
+        return true;
+    const int count = countModifications();
+    if (count == 0)
+        return true;
+    const int answer = GuiHelper::showMessageBox(
+        this,
+        {.title = GuiHelper::boxTitle(),
+         .text =
+             QStringLiteral("The current project contains %1 unsaved modifications.").arg(count),
+         .informativeText = QStringLiteral("Do you want to save your changes?"),
+         .buttons = QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
+         .icon = QMessageBox::Question,
+         .defaultButton = QMessageBox::Save,
+         .extraButtons = {}});
+    if (answer == QMessageBox::Discard)
+        return true;
+    if (answer != QMessageBox::Save)
+        return false;
+    on_actionSave_Project_triggered();
+    return !isModified();
+}

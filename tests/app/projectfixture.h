@@ -1,0 +1,25 @@
+#pragma once
+
+#include "store/objectdatabase.h"
+
+#include <QCoreApplication>
+#include <QString>
+
+/// Small real projects for tests of the program.
+namespace ProjectFixture {
+
+struct Options
+{
+    int lineType = 1;
+    QString savedByVersion; ///< the version of the program that is running if empty
+    bool withPgn = false;
+};
+
+/// A complete little device, without a finding of the model check; false if it can't be saved.
+bool save(const QString &path, const Options &options = {});
+/// A setting of the file as another program would read it.
+QString generalSetting(const QString &path, const QString &key);
+/// Changes a setting of a database file without this program's knowledge.
+bool tamper(const QString &path, const QString &key, const QString &value);
+
+} // namespace ProjectFixture
