@@ -68,7 +68,7 @@ public:
         if (group.isNodes())
             run(updateStatement(group, columns, row), row.line);
         else
-            addToBatch(rowValues(columns, row), row.line);
+            addToBatch(columns, row);
         if (!row.metadata.isEmpty()) {
             flush();
             writeMetaData(group, row);
@@ -79,17 +79,14 @@ public:
     /// go in one by one.
     void flush()
     {
-        if (m_batch.isEmpty())
+        if (m_rows.isEmpty())
             return;
-        QStringList rows;
-        for (const auto &[values, line] : m_batch)
-            rows.append(values);
-        if (!m_runner.exec(m_insert + rows.join(u','))) {
-            for (const auto &[values, line] : m_batch)
-                run(m_insert + values, line);
+        if (!m_runner.exec(m_insert + m_batch.chopped(1))) {
+            for (const BatchRow &row : m_rows)
+                run(m_insert + m_batch.mid(row.start, row.length), row.line);
         }
+        m_rows.clear();
         m_batch.clear();
-        m_batchSize = 0;
     }
 
 private:
@@ -108,21 +105,17 @@ private:
         return QStringLiteral("0");
     }
 
-    [[nodiscard]] QString rowValues(const QList<Column> &columns, const Row &row)
+    void addToBatch(const QList<Column> &columns, const Row &row)
     {
-        QString values(u'(');
+        const qsizetype start = m_batch.size();
         for (int i = 0; i < columns.size(); ++i) {
-            values += literal(columns.at(i), row.value(columns, i));
-            values += i + 1 < columns.size() ? u',' : u')';
+            m_batch += i == 0 ? u'(' : u',';
+            m_batch += literal(columns.at(i), row.value(columns, i));
         }
-        return values;
-    }
-
-    void addToBatch(const QString &values, int line)
-    {
-        m_batch.append({values, line});
-        m_batchSize += values.size();
-        if (m_batchSize > batchSize)
+        m_batch += u')';
+        m_rows.append({start, m_batch.size() - start, row.line});
+        m_batch += u',';
+        if (m_batch.size() > batchSize)
             flush();
     }
 
@@ -164,9 +157,35 @@ private:
     StatementRunner &m_runner;
     StringTable &m_strings;
     QString m_insert;
-    QList<std::pair<QString, int>> m_batch; ///< values of a row, its line in the file
-    qsizetype m_batchSize = 0;
+    QString m_batch; ///< values of the rows, each with a comma behind
+    struct BatchRow
+    {
+        qsizetype start;
+        qsizetype length;
+        int line; ///< in the file
+    };
+    QList<BatchRow> m_rows;
 };
+
+void writeSetting(ObjectDataBase &store, const QString &table, const QString &item,
+                  const QString &value)
+{
+    using Setter = void (*)(ObjectDataBase &, const QString &, const QString &);
+    static const QHash<QString, Setter> setters = {
+        {QStringLiteral("DescriptionSettings"),
+         [](ObjectDataBase &s, const QString &i, const QString &v) {
+             s.setDescriptionSetting(i, v);
+         }},
+        {QStringLiteral("GeneralSettings"),
+         [](ObjectDataBase &s, const QString &i, const QString &v) { s.setGeneralSetting(i, v); }},
+        {QStringLiteral("J1939Settings"),
+         [](ObjectDataBase &s, const QString &i, const QString &v) { s.setJ1939Setting(i, v); }},
+        {QStringLiteral("MiscSettings"),
+         [](ObjectDataBase &s, const QString &i, const QString &v) { s.setMiscSetting(i, v); }},
+    };
+    if (const Setter setter = setters.value(table))
+        setter(store, item, value);
+}
 
 } // namespace
 
@@ -452,20 +471,12 @@ void DatabaseTextConverter::createLines(const Summary &summary)
 void DatabaseTextConverter::importContent(Reader &reader)
 {
     RowImporter importer(m_store.d->runner, m_store.d->strings);
-    using Setter = bool (ObjectDataBase::*)(const QString &, const QString &);
-    const QHash<QString, Setter> setters = {
-        {QStringLiteral("DescriptionSettings"), &ObjectDataBase::setDescriptionSetting},
-        {QStringLiteral("GeneralSettings"), &ObjectDataBase::setGeneralSetting},
-        {QStringLiteral("J1939Settings"), &ObjectDataBase::setJ1939Setting},
-        {QStringLiteral("MiscSettings"), &ObjectDataBase::setMiscSetting},
-    };
     Reader::Visitor visitor;
     visitor.group = [&](const Group &group, const QList<Column> &columns) {
         importer.beginGroup(group, columns);
     };
     visitor.setting = [&](const Group &group, const QString &item, const QString &value) {
-        const Setter setter = setters.value(group.table);
-        (m_store.*setter)(item, value);
+        writeSetting(m_store, group.table, item, value);
     };
     visitor.row = [&](const Group &group, const QList<Column> &columns, const Row &row) {
         importer.row(group, columns, row);

@@ -49,8 +49,17 @@ inline QByteArray encodeKey(QStringView part)
     return result;
 }
 
+inline bool isAscii(QByteArrayView bytes)
+{
+    return std::all_of(bytes.begin(), bytes.end(), [](char c) { return uchar(c) < 0x80; });
+}
+
 inline bool decodeUtf8(QByteArrayView bytes, QString &text)
 {
+    if (isAscii(bytes)) {
+        text = QString::fromLatin1(bytes);
+        return true;
+    }
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
                                                      QStringDecoder::Flag::ConvertInitialBom);
     text = decoder(bytes);

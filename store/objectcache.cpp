@@ -37,7 +37,11 @@ QList<quint32> ObjectCache::Subs::sortedKeys() const
 void ObjectCache::setLine(quint8 line, Subs subs, Walk walk)
 {
     const std::unique_lock lock(m_mutex);
-    m_lines.insert(line, {std::move(subs), std::move(walk), true});
+    // Field by field, since inserting a record would copy both.
+    LineCache &cache = m_lines[line];
+    cache.subs = std::move(subs);
+    cache.walk = std::move(walk);
+    cache.walkValid = true;
 }
 
 void ObjectCache::setIndex(quint8 line, quint16 index, Subs &subs)

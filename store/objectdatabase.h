@@ -514,6 +514,8 @@ private:
                                           const char *column);
     [[nodiscard]] QList<SubIndexKey> selectKeys(const QString &statement);
     [[nodiscard]] QList<quint32> selectNumbers(const QString &statement);
+    [[nodiscard]] QList<SPN> readSPNs(quint8 line, quint32 pgn, quint8 direction);
+    [[nodiscard]] QList<DataElement> readDataElements(quint8 line, quint32 canId, quint8 direction);
     [[nodiscard]] QString insertSubIndexHead(quint8 line);
     void appendSubIndexValues(QString &statement, quint16 index, quint8 subindex,
                               const SUBINDEX_DATA_T &data);

@@ -1,6 +1,6 @@
 #include "store/objectdatabase_p.h"
 
-#include "store/canopen/cohelper.h"
+#include "store/signallayout.h"
 
 #include <QDebug>
 
@@ -59,17 +59,6 @@ ObjectDataBase::SPN readSpn(StringTable &strings, const QSqlQuery &row)
     spn.direction = quint8(row.value(11).toUInt());
     spn.spn = row.value(12).toUInt();
     return spn;
-}
-
-bool hasOwnLength(quint16 dataType)
-{
-    return dataType == CAN::OCTET_STRING || dataType == CAN::STRING_NUL ||
-           dataType == CAN::STRING_ASTERISK;
-}
-
-int lengthBits(quint16 dataType, quint16 bitSize)
-{
-    return hasOwnLength(dataType) ? bitSize : COHelper::getDataLengthBits(dataType);
 }
 
 } // namespace
@@ -283,28 +272,27 @@ void ObjectDataBase::deleteSPN(quint8 line, quint32 pgn, quint32 spn, quint8 dir
             .direction = direction});
 }
 
+QList<ObjectDataBase::SPN> ObjectDataBase::readSPNs(quint8 line, quint32 pgn, quint8 direction)
+{
+    QList<SPN> list;
+    for (const quint32 number : getSPNList(line, pgn, direction)) {
+        SPN spn;
+        if (getSPN(line, pgn, direction, number, spn))
+            list.append(spn);
+    }
+    return list;
+}
+
 void ObjectDataBase::realignSPNs(quint8 line, quint8 direction, quint32 pgn, bool force)
 {
     if (d->refusesWrites())
         return;
-    QList<std::pair<quint32, SPN>> spns;
-    for (const quint32 number : getSPNList(line, pgn, direction)) {
-        SPN spn;
-        if (getSPN(line, pgn, direction, number, spn))
-            spns.append({number, spn});
-    }
-    if (spns.size() < 2)
+    QList<SPN> spns = readSPNs(line, pgn, direction);
+    if (!SignalLayout::layOut(spns, &SPN::bitPosition, force))
         return;
-    const bool neverLaidOut =
-        spns.at(0).second.bitPosition == 0 && spns.at(1).second.bitPosition == 0;
-    if (!neverLaidOut && !force)
-        return;
-    int position = 0;
-    for (auto &[number, spn] : spns) {
-        spn.bitPosition = quint16(position);
-        position += lengthBits(spn.dataType, spn.bitSize);
-        if (number != 0)
-            addSPN(line, pgn, direction, number, spn);
+    for (const SPN &spn : std::as_const(spns)) {
+        if (spn.spn != 0)
+            addSPN(line, pgn, direction, spn.spn, spn);
     }
 }
 
@@ -315,12 +303,7 @@ bool ObjectDataBase::copyPGN(ObjectDataBase &target, ObjectDataBase &source, qui
     PGN pgn;
     if (!source.getPGN(sourceLine, number, direction, pgn))
         return false;
-    QList<SPN> spns;
-    for (const quint32 spnNumber : source.getSPNList(sourceLine, number, direction)) {
-        SPN spn;
-        if (source.getSPN(sourceLine, number, direction, spnNumber, spn))
-            spns.append(spn);
-    }
+    QList<SPN> spns = source.readSPNs(sourceLine, number, direction);
     if (target.d->refusesWrites())
         return false;
     target.deletePGN(targetLine, number, targetDirection);
@@ -414,17 +397,12 @@ void ObjectDataBase::foldPageKeys(quint8 line)
         for (const quint32 number : numbers) {
             PGN pgn;
             getPGN(line, number, direction, pgn);
-            QList<SPN> spns;
-            for (const quint32 spnNumber : getSPNList(line, number, direction)) {
-                SPN spn;
-                if (getSPN(line, number, direction, spnNumber, spn))
-                    spns.append(spn);
-            }
+            const QList<SPN> spns = readSPNs(line, number, direction);
             const quint32 folded = (quint32(pgn.edpDpKey) << pageShift) + number;
             pgn.edpDpKey = 0;
             pgn.number = folded;
             addPGN(line, folded, pgn);
-            for (const SPN &spn : std::as_const(spns))
+            for (const SPN &spn : spns)
                 addSPN(line, folded, direction, spn.spn, spn);
             deletePGN(line, number, direction);
         }

@@ -1,6 +1,6 @@
 #include "store/objectdatabase_p.h"
 
-#include "store/canopen/cohelper.h"
+#include "store/signallayout.h"
 
 #include <QDebug>
 
@@ -32,18 +32,6 @@ QString whereElement(quint32 canId, quint8 direction, quint32 number)
 {
     return whereElementsOf(canId, direction) + QLatin1String(" and number = ") +
            SqlText::number(number);
-}
-
-int lengthBits(const ObjectDataBase::DataElement &element)
-{
-    switch (element.dataType) {
-    case CAN::OCTET_STRING:
-    case CAN::STRING_NUL:
-    case CAN::STRING_ASTERISK:
-        return element.bitSize;
-    default:
-        return COHelper::getDataLengthBits(element.dataType);
-    }
 }
 
 } // namespace
@@ -218,12 +206,7 @@ bool ObjectDataBase::copyCANID(ObjectDataBase &target, ObjectDataBase &source, q
     CANID message;
     if (!source.getCANID(sourceLine, id, direction, message) || target.d->refusesWrites())
         return false;
-    QList<DataElement> elements;
-    for (const quint32 number : source.getDataElementList(sourceLine, id, direction)) {
-        DataElement element;
-        if (source.getDataElement(sourceLine, id, direction, number, element))
-            elements.append(element);
-    }
+    const QList<DataElement> elements = source.readDataElements(sourceLine, id, direction);
     target.deleteCANID(targetLine, id, targetDirection);
     message.direction = targetDirection;
     if (!target.addCANID(targetLine, id, message)) {
@@ -231,27 +214,30 @@ bool ObjectDataBase::copyCANID(ObjectDataBase &target, ObjectDataBase &source, q
         return false;
     }
     bool copied = true;
-    for (const DataElement &element : std::as_const(elements))
+    for (const DataElement &element : elements)
         copied &= target.addDataElement(targetLine, id, targetDirection, element.number, element);
     return copied;
+}
+
+QList<ObjectDataBase::DataElement> ObjectDataBase::readDataElements(quint8 line, quint32 canId,
+                                                                    quint8 direction)
+{
+    QList<DataElement> list;
+    for (const quint32 number : getDataElementList(line, canId, direction)) {
+        DataElement element;
+        if (getDataElement(line, canId, direction, number, element))
+            list.append(element);
+    }
+    return list;
 }
 
 void ObjectDataBase::realignDataElements(quint8 line, quint8 direction, quint32 canId)
 {
     if (d->refusesWrites())
         return;
-    QList<DataElement> elements;
-    for (const quint32 number : getDataElementList(line, canId, direction)) {
-        DataElement element;
-        if (getDataElement(line, canId, direction, number, element))
-            elements.append(element);
-    }
-    if (elements.size() < 2 || elements.at(0).bitPos != 0 || elements.at(1).bitPos != 0)
+    QList<DataElement> elements = readDataElements(line, canId, direction);
+    if (!SignalLayout::layOut(elements, &DataElement::bitPos, false))
         return;
-    int position = 0;
-    for (DataElement &element : elements) {
-        element.bitPos = quint16(position);
-        position += lengthBits(element);
+    for (const DataElement &element : std::as_const(elements))
         addDataElement(line, canId, direction, element.number, element);
-    }
 }

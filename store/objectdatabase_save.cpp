@@ -94,6 +94,9 @@ QString targetFault(const QString &target)
     const QFileInfo info(target);
     if (info.isDir())
         return target + QLatin1String(": is a folder");
+    // A device or a pipe would be replaced by the file.
+    if (info.exists() && !info.isFile())
+        return target + QLatin1String(": is no ordinary file");
     constexpr auto writeBits = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
     if (info.exists() && (!info.isWritable() || !(info.permissions() & writeBits)))
         return target + QLatin1String(": the file is read-only");

@@ -20,6 +20,15 @@ QString whereKey(quint16 index, quint8 subindex)
            QLatin1String(" and subindex = ") + SqlText::number(subindex);
 }
 
+/// A byte order mark at the front is a character of the text here, and no mark.
+QString textOfBytes(const QByteArray &bytes)
+{
+    constexpr QByteArrayView mark("\xEF\xBB\xBF");
+    if (!bytes.startsWith(mark))
+        return QString::fromUtf8(bytes);
+    return QChar(QChar::ByteOrderMark) + QString::fromUtf8(bytes.sliced(mark.size()));
+}
+
 /// Texts that stand in nearly every row come as small numbers instead.
 const QStringList &commonAccessTypes()
 {
@@ -57,16 +66,20 @@ constexpr const char *byteColumns[] = {"pdomapping", "implementation", "category
                                        "writedefaulttoeds"};
 constexpr int flagBits = 16;
 
+/// Two numbers of 32 bits in one; the first stands in the upper half.
+QString pair(const char *upper, const char *lower)
+{
+    return QStringLiteral("(ifnull(%1,0)<<32)|(ifnull(%2,0)&0xFFFFFFFF)")
+        .arg(QLatin1String(upper), QLatin1String(lower));
+}
+
 enum Column {
     ColKey,
     ColPacked,
-    ColDataType,
-    ColSize,
-    ColWizard,
-    ColSignal,
+    ColSizeAndType,
+    ColWizardAndSignal,
+    ColTextIds, ///< description and denotation
     ColName,
-    ColDescription,
-    ColDenotation,
     ColAccess,
     ColAllowed,
     ColDefault,
@@ -78,7 +91,8 @@ enum Column {
 };
 
 /// Reads rows for `readSubIndexRow`. Each value that leaves the database costs, and there are
-/// fifty thousand rows: flags and small numbers come packed into one, empty texts as nothing.
+/// fifty thousand rows: flags and small numbers come packed into one, empty texts as nothing, and
+/// others as their bytes, which are converted faster here.
 QString selectSubIndices(quint8 line)
 {
     static const QString columns = [] {
@@ -90,13 +104,17 @@ QString selectSubIndices(quint8 line)
             packed.append(QStringLiteral("((ifnull(%1,0)&255)<<%2)")
                               .arg(QLatin1String(byteColumns[i]))
                               .arg(flagBits + 8 * i));
-        QStringList list = {QStringLiteral("(objectindex<<8)|subindex"), packed.join(u'|'),
-                            QStringLiteral("datatype,size,wizardsource,signalid,name,description,"
-                                           "denotation"),
+        QStringList list = {QStringLiteral("(objectindex<<8)|subindex"),
+                            packed.join(u'|'),
+                            pair("size", "datatype"),
+                            pair("wizardsource", "signalid"),
+                            pair("description", "denotation"),
+                            QStringLiteral("name"),
                             codedColumn("accesstype", 1, 6),
                             codedColumn("allowedaccesstypes", 0, 0)};
         for (const char *text : {"defaultvalue", "currentvalue", "lowlimit", "uplimit", "varname"})
-            list.append(QStringLiteral("nullif(%1,'')").arg(QLatin1String(text)));
+            list.append(QStringLiteral("case when %1<>'' then cast(%1 as blob) end")
+                            .arg(QLatin1String(text)));
         return list.join(u',') + QLatin1String(",metadata from ");
     }();
     return QLatin1String("select ") + columns + subTable(line);
@@ -106,21 +124,25 @@ QString selectSubIndices(quint8 line)
 
 ObjectDataBase::SUBINDEX_DATA_T ObjectDataBase::readSubIndexRow(const QSqlQuery &row)
 {
-    const auto text = [&](int column) { return row.value(column).toString(); };
-    const auto number = [&](int column) { return row.value(column).toUInt(); };
-    const quint64 packed = row.value(ColPacked).toULongLong();
+    const auto text = [&](int column) { return textOfBytes(row.value(column).toByteArray()); };
+    const auto packedNumber = [&](int column) { return quint64(row.value(column).toLongLong()); };
+    const auto upper = [](quint64 pair) { return quint32(pair >> 32); };
+    const quint64 packed = packedNumber(ColPacked);
+    const quint64 sizeAndType = packedNumber(ColSizeAndType);
+    const quint64 wizardAndSignal = packedNumber(ColWizardAndSignal);
+    const quint64 textIds = packedNumber(ColTextIds);
     const auto flag = [&](int bit) { return (packed >> bit & 1) != 0; };
     const auto byte = [&](int place) { return quint8(packed >> (flagBits + 8 * place)); };
     SUBINDEX_DATA_T data;
     data.name = d->text(row.value(ColName));
-    data.datatype = quint16(number(ColDataType));
+    data.datatype = quint16(sizeAndType);
     data.accesstype = decoded(row.value(ColAccess));
     data.defaultvalue = text(ColDefault);
     data.currentvalue = text(ColCurrent);
     data.pdomapping = PDOMapping::fromUInt(byte(0));
     data.lowlimit = text(ColLow);
     data.uplimit = text(ColUp);
-    data.size = number(ColSize);
+    data.size = upper(sizeAndType);
     data.defaultineds = flag(0);
     data.limitineds = flag(1);
     data.refuseread = flag(2);
@@ -135,11 +157,11 @@ ObjectDataBase::SUBINDEX_DATA_T ObjectDataBase::readSubIndexRow(const QSqlQuery 
     data.implementation = byte(1);
     data.category = byte(2);
     data.writedefaulttoeds = byte(3);
-    data.description = d->text(row.value(ColDescription));
+    data.description = d->strings.lookup(upper(textIds));
     data.varname = text(ColVarName);
-    data.wizardsource = quint16(number(ColWizard));
-    data.denotation = d->text(row.value(ColDenotation));
-    data.signalid = number(ColSignal);
+    data.wizardsource = quint16(upper(wizardAndSignal));
+    data.denotation = d->strings.lookup(quint32(textIds));
+    data.signalid = quint32(wizardAndSignal);
     data.metadata = MetaDataBlob::fromValue(row.value(ColMetadata));
     return data;
 }
@@ -424,6 +446,9 @@ bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 
 
 bool ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
 {
+    // Nothing can have changed while a generator runs.
+    if (d->generating && d->objects.hasWalk(line))
+        return true;
     ObjectCache::Subs subs;
     ObjectCache::Walk walk;
     QString statement = selectSubIndices(line);
@@ -455,8 +480,15 @@ bool ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)
         d->objects.setIndex(line, index, subs);
         return true;
     }
-    for (const quint32 key : subs.sortedKeys())
-        walk[quint16(key >> 8)].subindices.append(quint8(key));
+    ObjectCache::WalkEntry *entry = nullptr;
+    int current = -1;
+    for (const quint32 key : subs.sortedKeys()) {
+        if (current != int(key >> 8)) {
+            current = int(key >> 8);
+            entry = &walk[quint16(current)];
+        }
+        entry->subindices.append(quint8(key));
+    }
     d->objects.setLine(line, std::move(subs), std::move(walk));
     return true;
 }

@@ -43,6 +43,14 @@ void writeRow(StatementRunner &runner, quint8 line, UDS::SID sid, const UdsRow &
                 Q_FUNC_INFO);
 }
 
+template <typename Change>
+void changeRow(StatementRunner &runner, quint8 line, UDS::SID sid, const Change &change)
+{
+    UdsRow row = readRow(runner, line, sid);
+    change(row);
+    writeRow(runner, line, sid, row);
+}
+
 } // namespace
 
 QMap<UDS::SID, bool> ObjectDataBase::getUDSServices(quint8 line)
@@ -75,38 +83,28 @@ QString ObjectDataBase::getUDSAuthentication(quint8 line, UDS::SID sid)
     return readRow(d->runner, line, sid).authentication;
 }
 
+// Each setter writes the whole row, with the other columns as they are.
+
 void ObjectDataBase::setUDSServiceActive(quint8 line, UDS::SID sid, bool active)
 {
-    if (d->refusesWrites())
-        return;
-    UdsRow row = readRow(d->runner, line, sid);
-    row.active = active;
-    writeRow(d->runner, line, sid, row);
+    if (!d->refusesWrites())
+        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.active = active; });
 }
 
 void ObjectDataBase::setUDSServiceSessions(quint8 line, UDS::SID sid, const QString &sessions)
 {
-    if (d->refusesWrites())
-        return;
-    UdsRow row = readRow(d->runner, line, sid);
-    row.sessions = sessions;
-    writeRow(d->runner, line, sid, row);
+    if (!d->refusesWrites())
+        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.sessions = sessions; });
 }
 
 void ObjectDataBase::setUDSServiceUserLevels(quint8 line, UDS::SID sid, const QString &levels)
 {
-    if (d->refusesWrites())
-        return;
-    UdsRow row = readRow(d->runner, line, sid);
-    row.userLevels = levels;
-    writeRow(d->runner, line, sid, row);
+    if (!d->refusesWrites())
+        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.userLevels = levels; });
 }
 
 void ObjectDataBase::setUDSAuthentication(quint8 line, UDS::SID sid, const QString &authentication)
 {
-    if (d->refusesWrites())
-        return;
-    UdsRow row = readRow(d->runner, line, sid);
-    row.authentication = authentication;
-    writeRow(d->runner, line, sid, row);
+    if (!d->refusesWrites())
+        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.authentication = authentication; });
 }

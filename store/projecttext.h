@@ -131,6 +131,14 @@ inline qint64 parseInteger(QStringView text, bool &ok)
     return negative ? -value : value;
 }
 
+/// The usual form, which needs no reading: digits without blanks or leading zeros.
+inline bool isPlainNumber(QByteArrayView raw)
+{
+    constexpr int safeDigits = 18;
+    return !raw.isEmpty() && raw.size() <= safeDigits && (raw.front() != '0' || raw.size() == 1) &&
+           std::all_of(raw.begin(), raw.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
 /// Name of a row's subgroup, for a row that has an own name if `repetition` is 0.
 inline QByteArray rowPath(const Layout &layout, const std::array<quint64, maximumKeys> &keys,
                           int repetition = 0)
@@ -248,6 +256,7 @@ private:
     QSet<QByteArrayView> m_paths;
     QByteArrayView m_path;
     bool m_inRow = false;
+    quint64 m_seen = 0; ///< columns that the row has had, by bit
     Row m_row;
 };
 
@@ -361,6 +370,7 @@ inline bool Reader::beginRow(QByteArrayView path, int line)
     m_paths.insert(path);
     m_path = path;
     m_inRow = true;
+    m_seen = 0;
     m_expected = 0;
     m_row = {};
     m_row.line = line;
@@ -412,29 +422,37 @@ inline bool Reader::setColumn(QByteArrayView key, const IniText::Scanner &scanne
         logUnhandled(key);
         return true;
     }
+    const QString &name = m_columns.at(i).name;
+    const quint64 bit = quint64(1) << i;
+    if (m_seen & bit)
+        return fail(scanner.line(), QStringLiteral("%1 comes twice").arg(name));
+    m_seen |= bit;
     const QByteArrayView raw = scanner.value();
-    if (!m_visitor->row && m_columns.at(i).kind != Kind::Integer && m_row.values.at(i).isNull() &&
-        std::all_of(raw.begin(), raw.end(), [](char c) { return uchar(c) < 0x80; })) {
+    const bool integer = m_columns.at(i).kind == Kind::Integer;
+    const bool plain = isPlainNumber(raw);
+    if (!m_visitor->row && m_row.values.at(i).isNull() &&
+        (integer ? plain : IniText::isAscii(raw))) {
         m_row.values[i] = QStringLiteral(""); // a walk that only checks has nothing to check here
         return true;
     }
     QString text;
-    if (!IniText::decodeValue(raw, text))
+    if (!plain && !IniText::decodeValue(raw, text))
         return fail(scanner.line(), QStringLiteral("the text is not UTF-8"));
-    if (text.isNull())
-        text = QStringLiteral("");
-    if (m_columns.at(i).kind == Kind::Integer) {
+    if (plain) {
+        text = QString::fromLatin1(raw);
+    } else if (integer) {
         bool ok = true;
         const qint64 number = text.isEmpty() ? 0 : parseInteger(text, ok);
         if (!ok)
             return fail(scanner.line(), QStringLiteral("\"%1\" is no number").arg(text.left(40)));
         text = QString::number(number);
+    } else if (text.isNull()) {
+        text = QStringLiteral("");
     }
     QString &value = m_row.values[i];
     if (!value.isNull() && value != text)
-        return fail(
-            scanner.line(),
-            QStringLiteral("%1 was \"%2\" before").arg(m_columns.at(i).name, value.left(40)));
+        return fail(scanner.line(),
+                    QStringLiteral("%1 is %2 by the name of its group").arg(name, value));
     value = text;
     return true;
 }
@@ -445,6 +463,9 @@ inline bool Reader::setMetaData(QByteArrayView key, const IniText::Scanner &scan
     QString text;
     if (!IniText::decodeKey(key, name) || !IniText::decodeValue(scanner.value(), text))
         return fail(scanner.line(), QStringLiteral("the text is not UTF-8"));
+    if (m_row.metadata.contains(name))
+        return fail(scanner.line(),
+                    QStringLiteral("metadata \"%1\" comes twice").arg(name.left(40)));
     m_row.metadata.insert(name, text);
     return true;
 }

@@ -6,9 +6,12 @@
 /// outside goes through `quoted`.
 namespace SqlText {
 
-/// Doubles apostrophes. A NUL would end the statement early, so it is dropped.
+/// Doubles apostrophes. A NUL would end the statement early, so it is dropped; half of a surrogate
+/// pair would derange the database's reading of it, so it becomes the replacement character.
 inline QString escaped(QString text)
 {
+    if (!text.isValidUtf16())
+        text = QString::fromUtf8(text.toUtf8());
     text.remove(QChar(u'\0'));
     text.replace(u'\'', QLatin1String("''"));
     return text;
@@ -61,7 +64,7 @@ public:
     {
         separate();
         m_statement += u'\'';
-        if (value.contains(u'\'') || value.contains(QChar(u'\0')))
+        if (value.contains(u'\'') || value.contains(QChar(u'\0')) || !value.isValidUtf16())
             m_statement += escaped(value);
         else
             m_statement += value;

@@ -345,6 +345,8 @@ void TestDatabaseTextConverter::unreadable_data()
     add("setting twice", "[MiscSettings]\na=1\na=1\n", "line 3");
     add("row twice", "[Objects0]\n1\\name=\n2\\name=\n1\\category=1\n", "line 4");
     add("column twice", "[Objects0]\n1\\name=a\n1\\name=b\n", "line 3");
+    add("column twice, once empty", "[Objects0]\n1\\name=a\n1\\name=\n", "line 3");
+    add("metadata twice", "[Objects0]\n1\\metadata\\a=1\n1\\metadata\\a=1\n", "line 3");
     add("other key", "[Objects0]\n0x1000\\objectindex=4097\n", "line 2");
     add("no column", "[SubObjects0]\n0x1000\\name=1\n", "line 2");
     add("bad index", "[Objects0]\nx\\name=1\n", "line 2");

@@ -15,6 +15,7 @@ private slots:
     void init();
     void keepsEveryField();
     void keepsAwkwardTexts();
+    void brokenTextsHarmNothing();
     void metadataFollowsItsRules();
     void batchIsSilent();
     void findsAndLists();
@@ -188,6 +189,18 @@ void TestStoreObjects::keepsAwkwardTexts()
                                      other.getJ1939Setting(key)})
             QCOMPARE(value, text);
         QCOMPARE(other.getUDSServiceUserLevels(0, UDS::SID(0x40 + i)), text);
+    }
+}
+
+void TestStoreObjects::brokenTextsHarmNothing()
+{
+    const QString half = QStringLiteral("a") + QChar(0xD800) + QStringLiteral("'b");
+    const QString nul = QStringLiteral("a") + QChar(0) + QStringLiteral("'b");
+    for (const QString &text : {half, nul}) {
+        QVERIFY(m_store->addSubIndex(0, 0x2000, 0, sub(text, text)));
+        QVERIFY(m_store->setGeneralSetting(QStringLiteral("k"), text));
+        QCOMPARE(m_store->getSubIndexDefaultValue(0, 0x2000, 0).right(2), QStringLiteral("'b"));
+        QCOMPARE(m_store->getGeneralSetting(QStringLiteral("k")).right(2), QStringLiteral("'b"));
     }
 }
 
