@@ -32,23 +32,25 @@ void DictionaryDocument::writeContent(QIODevice &device)
     writeDocument(device);
 }
 
-void DictionaryDocument::walkObjects(const std::function<void(const Object &)> &visit)
+void DictionaryDocument::walkObjects(const std::function<void(const Object &)> &visit, int percent)
 {
     const QList<quint16> indices = store()->getIndices(m_line, firstObject);
-    walk(indices.size(), [&](qsizetype i) { visit(readObject(indices.at(i))); });
+    const auto visitAt = [&](qsizetype i) { visit(readObject(indices.at(i))); };
+    walk(indices.size(), visitAt, percent);
 }
 
-void DictionaryDocument::walk(qsizetype count, const std::function<void(qsizetype)> &visit)
+void DictionaryDocument::walk(qsizetype count, const std::function<void(qsizetype)> &visit,
+                              int percent)
 {
     constexpr int last = 98; // the rest is for closing the file
-    int percent = 0;
+    const int first = percent;
     for (qsizetype i = 0; i < count; ++i) {
         if (stopRequested()) {
             qDebug("Generation aborted");
             return;
         }
         visit(i);
-        const auto reached = static_cast<int>((i + 1) * last / count);
+        const auto reached = first + static_cast<int>((i + 1) * (last - first) / count);
         if (reached > percent) {
             percent = reached;
             emit progress(static_cast<quint8>(percent));
@@ -102,7 +104,7 @@ QString DictionaryDocument::identityValue(quint8 subindex) const
 
 QString DictionaryDocument::baseName() const
 {
-    return m_multiLine ? QStringLiteral("%1_%2").arg(m_projectName).arg(m_line) : m_projectName;
+    return m_multiLine ? m_projectName + QLatin1Char('_') + QString::number(m_line) : m_projectName;
 }
 
 QString DictionaryDocument::plainValue(const QString &value)

@@ -42,11 +42,11 @@ protected:
     /// The sections of the file, in order.
     virtual void writeDocument(QIODevice &device) = 0;
 
-    /// Calls `visit` for each object of the line, with rising progress; stops between two objects
-    /// on request.
-    void walkObjects(const std::function<void(const Object &)> &visit);
+    /// Calls `visit` for each object of the line, with progress that rises from `percent`; stops
+    /// between two objects on request.
+    void walkObjects(const std::function<void(const Object &)> &visit, int percent = 0);
     /// The walk for other kinds of items: calls `visit` with 0 to `count` - 1.
-    void walk(qsizetype count, const std::function<void(qsizetype)> &visit);
+    void walk(qsizetype count, const std::function<void(qsizetype)> &visit, int percent = 0);
 
     /// Names with their variables replaced.
     [[nodiscard]] QString nameOf(const Object &object) const;

@@ -67,8 +67,9 @@ void HTMLGenerator::writeDocument(QIODevice &device)
 void HTMLGenerator::writeObject(HtmlPage &page, const Object &object) const
 {
     page.beginBlock(tableWidth);
-    page.blockTitle(anchorOf(object.index), QStringLiteral(" Object: %1 - %2")
-                                                .arg(indexText(object.index), nameOf(object)));
+    page.blockTitle(
+        anchorOf(object.index),
+        QStringLiteral(" Object: %1 - %2").arg(indexText(object.index), nameOf(object)));
     page.row("Object Code", COHelper::objectCode2String(object.data.objecttype));
     page.row("Description", object.data.description);
     page.endBlock();
@@ -81,9 +82,9 @@ void HTMLGenerator::writeEntry(HtmlPage &page, const Object &object, const Entry
     const ObjectDataBase::SUBINDEX_DATA_T &data = entry.data;
     const QString name = nameOf(object, entry);
     page.beginBlock(tableWidth);
-    page.headRow(QStringLiteral("Sub "), QStringLiteral("0x%1 - %2")
-                                             .arg(entry.subindex, 2, 16, QLatin1Char('0'))
-                                             .arg(name));
+    page.headRow(
+        QStringLiteral("Sub "),
+        QStringLiteral("0x%1 - %2").arg(entry.subindex, 2, 16, QLatin1Char('0')).arg(name));
     page.row("Name ", name);
     page.row("Data Type", dataTypeText(data.datatype));
     page.row("Access ", data.accesstype);

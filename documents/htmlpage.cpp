@@ -216,9 +216,9 @@ void HtmlPage::writeHeadTable(const Title &title, ObjectDataBase &store)
         const char *key;
     };
     static constexpr Row rows[] = {
-        {"Vendor name:", "VendorName"},    {"Product name: ", "ProductName"},
-        {"File version:", "FileVersion"},  {"File Revision: ", "FileRevision"},
-        {"Order Code:", "OrderCode"},      {"Created by: ", "CreatedBy"},
+        {"Vendor name:", "VendorName"},   {"Product name: ", "ProductName"},
+        {"File version:", "FileVersion"}, {"File Revision: ", "FileRevision"},
+        {"Order Code:", "OrderCode"},     {"Created by: ", "CreatedBy"},
         {"Modified by: ", "ModifiedBy"},
     };
     headSection("gen", "Generation information ");
@@ -284,8 +284,7 @@ void HtmlPage::blockTitle(const QString &anchor, const QString &title)
 void HtmlPage::headRow(const QString &name, const QString &value)
 {
     m_out << "   <tr>\n    <td style=\"font-weight:bold\">" << escaped(name)
-          << "</td>\n    <td style=\"font-weight:bold\">" << escaped(value)
-          << "</td>\n   </tr>\n";
+          << "</td>\n    <td style=\"font-weight:bold\">" << escaped(value) << "</td>\n   </tr>\n";
 }
 
 void HtmlPage::row(const char *name, const QString &value)

@@ -10,7 +10,7 @@ namespace {
 QString oneLine(const QString &text)
 {
     return text.contains(QLatin1Char('\n')) || text.contains(QLatin1Char('\r')) ? text.simplified()
-                                                                                 : text;
+                                                                                : text;
 }
 
 /// A label and its value; further lines of the value stand below the first.

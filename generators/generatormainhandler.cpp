@@ -5,6 +5,8 @@
 #include "generators/base/outputfile.h"
 #include "generators/base/outputhandlerbase.h"
 #include "generators/outputlist.h"
+#include "generators/postgenprocessor.h"
+#include "generators/postgenprogresshandler.h"
 #include "store/objectdatabase.h"
 #include "store/projectconverter.h"
 
@@ -20,6 +22,8 @@
 
 namespace {
 
+/// How long the end of the program is put off for a command that the run did not wait for.
+constexpr int followMilliseconds = 10000;
 /// The address claim is made by the stack; a project's own message of that number is in its way.
 constexpr quint32 addressClaimPgn = 60928;
 
@@ -50,11 +54,24 @@ QString errorLogPath(const QString &folder)
 } // namespace
 
 GeneratorMainHandler::GeneratorMainHandler(OutputHandlerBase &output, QObject *parent)
-    : QObject(parent), m_output(output)
+    : GeneratorMainHandler(output, nullptr, parent)
 {
 }
 
-GeneratorMainHandler::~GeneratorMainHandler() = default;
+GeneratorMainHandler::GeneratorMainHandler(OutputHandlerBase &output,
+                                           const std::shared_ptr<PostGenProgressHandler> &progress,
+                                           QObject *parent)
+    : QObject(parent), m_output(output), m_progress(progress)
+{
+}
+
+GeneratorMainHandler::~GeneratorMainHandler()
+{
+    // A program that nobody sees ends right behind its run. What a command still says then belongs
+    // to the log, and it would find nobody to read it.
+    if (m_postGenProcessor && (m_progress == nullptr || m_quiet))
+        m_postGenProcessor->followCommand(followMilliseconds);
+}
 
 const std::shared_ptr<ObjectDataBase> &GeneratorMainHandler::store()
 {
@@ -199,6 +216,9 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::run(bool ignoreCheck
 
 void GeneratorMainHandler::writeErrorLog() const
 {
+    // A project that was never saved has no folder; its log is not for the root of the file system.
+    if (m_facts.outputFolder.isEmpty())
+        return;
     QFile file(errorLogPath(m_facts.outputFolder));
     if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         file.write(m_output.loggingText().toUtf8());
@@ -206,6 +226,8 @@ void GeneratorMainHandler::writeErrorLog() const
 
 void GeneratorMainHandler::retireErrorLog() const
 {
+    if (m_facts.outputFolder.isEmpty())
+        return;
     const QString path = errorLogPath(m_facts.outputFolder);
     QFile::copy(path, path + QLatin1String(".bak"));
     QFile::remove(path);
@@ -310,7 +332,20 @@ bool GeneratorMainHandler::runJob(const OutputRow &row, OutputJob &job, quint8 l
 
 void GeneratorMainHandler::runPostGenProcess()
 {
-    // The command, the EDS checker and the line ends of a run belong here.
+    if (!m_postGenProcessor) {
+        auto progress =
+            m_progress ? m_progress : std::make_shared<TextPostGenProgressHandler>(m_output);
+        m_postGenProcessor = std::make_shared<PostGenProcessor>(m_output, progress);
+    }
+    m_postGenProcessor->setStore(store());
+    m_postGenProcessor->setOutputFolder(m_facts.outputFolder);
+    m_postGenProcessor->setProjectName(m_facts.projectName);
+    m_postGenProcessor->setSkipEdsCheck(m_skipEdsCheck);
+    m_postGenProcessor->setQuiet(m_quiet);
+    m_postGenProcessor->start();
+    // Until the end, so that nobody changes the project or starts anew while its files are in work.
+    while (m_postGenProcessor->isBusy())
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
 }
 
 void GeneratorMainHandler::applyUpgrades()

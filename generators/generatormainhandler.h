@@ -12,6 +12,8 @@ class AbstractGenerator;
 class ModelChecker;
 class ObjectDataBase;
 class OutputHandlerBase;
+class PostGenProcessor;
+class PostGenProgressHandler;
 struct OutputJob;
 struct OutputRow;
 
@@ -33,8 +35,13 @@ public:
     };
     Q_ENUM(GeneratorResult)
 
-    /// The output handler outlives this object.
+    /// For runs without a window: faults behind the last generator are messages of the run. The
+    /// output handler outlives this object, which may still pass on what a command says.
     explicit GeneratorMainHandler(OutputHandlerBase &output, QObject *parent = nullptr);
+    /// `progress` shows what goes on behind the last generator; null as without a window.
+    GeneratorMainHandler(OutputHandlerBase &output,
+                         const std::shared_ptr<PostGenProgressHandler> &progress,
+                         QObject *parent = nullptr);
     ~GeneratorMainHandler() override;
 
     /// `projectName` is the project file's name without folder and extension.
@@ -64,6 +71,8 @@ public:
     GeneratorResult generate(bool ignoreCheckErrors);
     /// Only the check, with its messages and corrections; returns the number of errors.
     int checkModel();
+    /// The command, the EDS checker and the line ends, as `PostGenProcessor` tells; returns when
+    /// all of it is done. `generate` calls it.
     void runPostGenProcess();
 
 public slots:
@@ -94,6 +103,8 @@ private:
     void message(const QString &text);
 
     OutputHandlerBase &m_output;
+    std::shared_ptr<PostGenProgressHandler> m_progress; ///< null for a run without a window
+    std::shared_ptr<PostGenProcessor> m_postGenProcessor;
     RunFacts m_facts;
     QString m_projectFilePath;
     QString m_openErrorText;

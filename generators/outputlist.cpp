@@ -1,6 +1,11 @@
 #include "generators/outputlist.h"
 
+#include "documents/csvgenerator.h"
 #include "documents/edsgenerator.h"
+#include "documents/htmlgenerator.h"
+#include "documents/icsvgenerator.h"
+#include "documents/textdocgenerator.h"
+#include "documents/xddgenerator.h"
 #include "generators/base/outputfile.h"
 #include "generators/base/outputhandlerbase.h"
 #include "generators/canopen/extdeclgeneratorv4.h"
@@ -36,6 +41,11 @@ bool whenSignals(const RunFacts &facts)
            !facts.bootLoaderOnly;
 }
 
+bool whenCANopen(const RunFacts &facts)
+{
+    return facts.protocols.testFlag(Protocol::CANopen);
+}
+
 /// With other protocols the dictionary is part of the initialisation of them all.
 bool whenCANopenOnly(const RunFacts &facts)
 {
@@ -65,6 +75,11 @@ bool whenCANopenOrUds(const RunFacts &facts)
            facts.general("uds_static_indication") == 1;
 }
 
+bool whenXdd(const RunFacts &facts)
+{
+    return whenCANopenOrUds(facts) && facts.general("canfd_supported") >= 1;
+}
+
 bool whenCppOutput(const RunFacts &facts)
 {
     return whenCANopenOrUds(facts) && facts.general("generate_cpp_output") == 1;
@@ -77,6 +92,13 @@ OutputJobs single(std::unique_ptr<AbstractGenerator> generator)
     OutputJobs result;
     result.jobs.push_back({std::move(generator)});
     return result;
+}
+
+/// A generator without a choice.
+template <class Generator>
+OutputJobs plain(const RunFacts &, quint8)
+{
+    return single(std::make_unique<Generator>());
 }
 
 /// One generator of the stack generation that the project asks for.
@@ -159,6 +181,13 @@ void setVirtualObjects(const RunFacts &facts, AbstractGenerator &generator)
     static_cast<VobjDictGenerator &>(generator).setVirtualObjects(facts.virtualObjects);
 }
 
+void setDescriptionColumn(const RunFacts &facts, AbstractGenerator &generator)
+{
+    const bool isOff =
+        facts.store->getMiscSetting(QStringLiteral("disableDocu")) == QLatin1String("true");
+    static_cast<ICSVGenerator &>(generator).setWithDescription(!isOff);
+}
+
 bool hasVirtualObjects(AbstractGenerator &generator)
 {
     return static_cast<VobjDictGenerator &>(generator).hasContent();
@@ -224,6 +253,22 @@ const QList<OutputRow> &outputList()
          .make = indicesJob,
          .started = "Generation of gen_indices.h in %1 started",
          .notWritable = "The file in gen_indices.h in %1 is not writable"},
+        {.step = "2",
+         .applies = whenCANopen,
+         .lines = OutputLines::CANopen,
+         .make = plain<TextDocGenerator>,
+         .suffix = "_co",
+         .inheritsMultiLine = true,
+         .started = "Generation of textual object dictionary documentation in %1 started",
+         .notWritable = "The file %2 in %1 is not writable"},
+        {.step = "3",
+         .applies = whenCANopen,
+         .lines = OutputLines::CANopen,
+         .make = plain<HTMLGenerator>,
+         .suffix = "_co",
+         .inheritsMultiLine = true,
+         .started = "Generation of HTML object dictionary documentation in %1 started",
+         .notWritable = "The file %2 in %1 is not writable"},
         {.step = "4",
          .applies = whenCANopenOnly,
          .make = objDictJob,
@@ -268,6 +313,23 @@ const QList<OutputRow> &outputList()
          .make = indicationJob,
          .started = "Generation of gen_indication in %1 started",
          .notWritable = "The file gen_indication.h in %1 is not writable"},
+        {.step = "17",
+         .applies = whenCANopenOrUds,
+         .lines = OutputLines::CANopen,
+         .make = plain<CSVGenerator>,
+         .inheritsMultiLine = true,
+         .started = "Generation of CSV file (deprecated) in %1 started",
+         .notWritable = "The file %2.csv in %1 is not writable",
+         .namesBase = true},
+        {.step = "18",
+         .applies = whenCANopenOrUds,
+         .lines = OutputLines::CANopen,
+         .make = plain<ICSVGenerator>,
+         .inheritsMultiLine = true,
+         .attributes = setDescriptionColumn,
+         .started = "Generation of ICSV file in %1 started",
+         .notWritable = "The file %2.icsv in %1 is not writable",
+         .namesBase = true},
         {.step = "19",
          .applies = whenCANopenOrUds,
          .lines = OutputLines::CANopen,
@@ -275,6 +337,14 @@ const QList<OutputRow> &outputList()
          .inheritsMultiLine = true,
          .started = "Generation of %2 EDS file in %1 started",
          .notWritable = "The EDS file %2.eds in %1 is not writable",
+         .namesBase = true},
+        {.step = "20",
+         .applies = whenXdd,
+         .lines = OutputLines::CANopen,
+         .make = plain<XDDGenerator>,
+         .inheritsMultiLine = true,
+         .started = "Generation of XDD file in %1 started",
+         .notWritable = "The XDD file %2.xdd in %1 is not writable",
          .namesBase = true},
         {.step = "21", .applies = whenCppOutput, .action = copyForCpp},
     };

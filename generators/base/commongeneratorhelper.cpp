@@ -120,7 +120,8 @@ QString CommonGeneratorHelper::commonInit() const
                        .arg(QLatin1String(m_dialect.commonInitType))
                        .arg(initStructureVersion(InitStructure::Common))
                        .arg(QLatin1String(m_dialect.prefix));
-    if (number("isotp_supported") > 0)
+    // UDS runs on ISO-TP, and gen_define.h then gives the structure these members too.
+    if (number("isotp_supported") > 0 || hasUds())
         text += QLatin1String("\t{ ISOTP_CLIENT_COUNTS },\n\t{ ISOTP_SERVER_COUNTS },\n");
     text += QLatin1String("\t{ ") + words.join(QLatin1String(", "));
     if (number("canfd_supported") > 0)

@@ -59,15 +59,13 @@ QString CoDefineGenerator::fileName() const
 void CoDefineGenerator::prepare()
 {
     QString errorText;
-    const std::optional<UserSection> section = UserSection::read(outputPath(), errorText);
-    if (!section) {
+    const std::optional<QByteArray> header = UserSection::read(outputPath(), errorText);
+    if (!header) {
         fail(errorText);
         return;
     }
-    m_section = *section;
-    QFile file(outputPath());
-    if (file.open(QIODevice::ReadOnly))
-        m_formerFile = file.readAll();
+    m_formerFile = *header;
+    m_section = UserSection::parse(m_formerFile);
 }
 
 void CoDefineGenerator::writeContent(QIODevice &device)
@@ -87,7 +85,8 @@ void CoDefineGenerator::writeContent(QIODevice &device)
         emit progress(progressOfHead);
         writeSections(sections, facts);
         writeGenerationCount(out.out(), facts);
-        if (m_multiProtocol)
+        // Several protocols without J1939 are those of a project with raw CAN.
+        if (m_multiProtocol && (!m_hasJ1939 || facts.any(&DefineFacts::Line::hasRawCAN)))
             sections.writeRawCAN();
         out.out() << UserSection::notice << '\n' << UserSection::startMarker << '\n';
     }
@@ -109,7 +108,7 @@ void CoDefineGenerator::writeSections(DefineSections &sections, const DefineFact
     sections.writeIndications();
     emit progress(progressOfIndications);
     sections.writeCAN();
-    if (m_hasJ1939 || m_multiProtocol)
+    if (m_hasJ1939)
         sections.writeJ1939(!m_multiProtocol);
 
     const bool isBootLoader =

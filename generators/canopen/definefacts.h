@@ -5,6 +5,8 @@
 #include <QList>
 #include <QString>
 
+#include <functional>
+
 class ObjectDataBase;
 
 /// Settings of the project as numbers. A value that is missing or no number reads as 0; bases are

@@ -83,7 +83,7 @@ void DefineSections::writePgnCounts()
     m_out.flagIf(hasServer || hasClient, QStringLiteral("J1939_CAM11_CAM21_SUPPORTED"));
     if (isV4()) {
         m_out.count(QStringLiteral("J1939_RECEIVE_PGN_CFG_CNT"),
-                     m_facts.sum(&Line::receivePgnConfigs));
+                    m_facts.sum(&Line::receivePgnConfigs));
         m_out.list(QStringLiteral("J1939_RECEIVE_PGN_CFG_COUNTS"),
                    m_facts.list(&Line::receivePgnConfigs));
     }
@@ -174,6 +174,10 @@ void DefineSections::writeServerCase()
           "CO_EVENT_DYNAMIC_SDO_SERVER_WRITE", "CO_EVENT_DYNAMIC_SDO_CLIENT_READ",
           "CO_EVENT_DYNAMIC_SDO_CLIENT_WRITE"})
         m_out.flag(QLatin1String(name));
+    // They decide about columns and members of the server's dictionary.
+    m_out.flagIf(isOn("limit_check"), QStringLiteral("CO_CONFIG_LIMIT_CHECK"));
+    m_out.flagIf(m_facts.dictionary.hasExtendedTypes, QStringLiteral("CO_EXTENDED_DATA_TYPES"));
+    m_out.flagIf(m_facts.dictionary.hasUtf8Strings, QStringLiteral("CO_UTF8_DATA_TYPE"));
 }
 
 void DefineSections::writeRawCAN()

@@ -2,6 +2,7 @@
 
 #include "store/canopen/helper.h"
 
+#include <QRegularExpression>
 #include <QStringList>
 
 void DefineSections::writeCAN()
@@ -26,9 +27,19 @@ void DefineSections::writeCAN()
 
 void DefineSections::writeBootLoaderBuffers()
 {
+    // Numbers and macros pass; anything else becomes a name, so that the line stays valid C.
+    static const QRegularExpression word(QStringLiteral("^[A-Za-z0-9_]+$"));
     const auto counts = [this](const char *key, const char *offered) {
-        const QString text = DefineWriter::oneLine(m_settings.text(QLatin1String(key)));
-        return Helper::addLowerCaseUtoNumberLists(text.isEmpty() ? QLatin1String(offered) : text);
+        QString text = m_settings.text(QLatin1String(key)).trimmed();
+        if (text.isEmpty())
+            text = QLatin1String(offered);
+        QStringList items = text.split(QLatin1Char(','));
+        for (QString &item : items) {
+            item = item.trimmed();
+            if (!word.match(item).hasMatch())
+                item = CodeWriter::identifier(item);
+        }
+        return Helper::addLowerCaseUtoNumberLists(items.join(QLatin1String(", ")));
     };
     m_out.text(QStringLiteral("CORE_REC_BUFFER_COUNTS"), counts("receivebuffersize", "10"));
     m_out.text(QStringLiteral("CORE_TR_BUFFER_COUNTS"), counts("transmitbuffersize", "5"));

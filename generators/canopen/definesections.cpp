@@ -63,10 +63,11 @@ QString DefineSections::block(const QString &text)
     QString result = text;
     result.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     result.replace(QLatin1Char('\r'), QLatin1Char('\n'));
-    // A splice at the end would swallow the line behind the block.
-    if (result.trimmed().endsWith(QLatin1Char('\\')))
-        result += QLatin1Char('\n');
+    const bool endsInSplice = result.trimmed().endsWith(QLatin1Char('\\'));
     if (!result.endsWith(QLatin1Char('\n')))
+        result += QLatin1Char('\n');
+    // An empty line of its own, or the splice would take the line behind the block.
+    if (endsInSplice)
         result += QLatin1Char('\n');
     return result;
 }

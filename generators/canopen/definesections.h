@@ -75,7 +75,7 @@ private:
     [[nodiscard]] bool isOn(const char *key) const { return m_settings.isOn(QLatin1String(key)); }
     /// Any line has the setting above 0.
     [[nodiscard]] bool isOnAnyLine(const char *key) const;
-    /// The sum over the lines of a setting with one item a line.
+    /// The first item of a setting as a number.
     [[nodiscard]] quint32 number(const char *key) const
     {
         return m_settings.number(QLatin1String(key));

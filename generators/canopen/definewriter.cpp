@@ -47,10 +47,3 @@ QString DefineWriter::word(const QString &name) const
     }
     return name;
 }
-
-QString DefineWriter::oneLine(const QString &text)
-{
-    QString result = CodeWriter::commentText(text.simplified());
-    result.replace(QLatin1String("//"), QLatin1String("/ /"));
-    return result;
-}

@@ -37,9 +37,6 @@ public:
     /// Definitions from here on stand in a branch of their own, where names may come again.
     void beginBranch() { m_names.clear(); }
 
-    /// A user's text on one line, with nothing in it that could end the line or start a comment.
-    [[nodiscard]] static QString oneLine(const QString &text);
-
 private:
     CodeWriter m_out;
     const StackDialect &m_dialect;

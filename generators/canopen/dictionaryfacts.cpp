@@ -51,8 +51,12 @@ const DictionaryFacts::Entry *DictionaryFacts::find(quint8 line, quint16 index, 
     const Object *object = findObject(line, index);
     if (!object)
         return nullptr;
-    const auto found = entryIndex.constFind(subKey(object->entryLine, index, sub));
-    return found == entryIndex.constEnd() ? nullptr : &entries[*found];
+    const auto begin = entries.begin() + object->firstEntry;
+    const auto end = begin + object->entryCount;
+    const auto found = std::lower_bound(begin, end, sub, [](const Entry &entry, quint8 wanted) {
+        return entry.place.sub < wanted;
+    });
+    return found == end || found->place.sub != sub ? nullptr : &*found;
 }
 
 const DictionaryFacts::LineCounts *DictionaryFacts::countsOf(quint8 line) const

@@ -231,7 +231,6 @@ struct DictionaryFacts
     /// The lines that the CANopen sources are written for, and whether they are several.
     static QList<quint8> selectLines(ObjectDataBase &store, bool &multiLine);
 
-    QHash<quint32, quint32> entryIndex;  ///< see `subKey`, into `entries`
     QHash<quint32, quint32> objectIndex; ///< see `objectKey`, into `objects`
 
     [[nodiscard]] static constexpr quint32 subKey(quint8 line, quint16 index, quint8 sub)

@@ -28,7 +28,11 @@ struct Access
 
 Access accessOf(const QString &text)
 {
-    const QString access = COHelper::normalizeAccessType(text);
+    // Nearly every text is one of the six as they are; the table of spellings is slow.
+    static const QSet<QString> canonical = {QStringLiteral("const"), QStringLiteral("ro"),
+                                            QStringLiteral("wo"),    QStringLiteral("rw"),
+                                            QStringLiteral("rwr"),   QStringLiteral("rww")};
+    const QString access = canonical.contains(text) ? text : COHelper::normalizeAccessType(text);
     if (access == QLatin1String("const") || access == QLatin1String("ro"))
         return {true, false, false, false, false};
     if (access == QLatin1String("wo"))
@@ -128,7 +132,7 @@ void Collector::collectSrdoMapping(quint8 line)
             const QString &text =
                 data.currentvalue.isEmpty() ? data.defaultvalue : data.currentvalue;
             quint64 entry = 0;
-            DictionaryTypes::parse(TableGroup::U32, text, NumberBase::Automatic, entry);
+            DictionaryTypes::parse(CAN::UNSIGNED32, text, NumberBase::Automatic, entry);
             if (entry == 0)
                 continue;
             const auto mapped = Facts::subKey(line, quint16(entry >> 16), quint8(entry >> 8));
@@ -147,13 +151,16 @@ void Collector::collectSrdoMapping(quint8 line)
 
 void Collector::collectLine(quint8 line)
 {
-    m_store.cacheAllSubs(line);
+    if (!m_store.isLineCached(line))
+        m_store.cacheAllSubs(line);
     Facts::LineCounts counts;
     counts.line = line;
     m_facts.lines.push_back(counts);
     const QList<quint16> indices = m_store.getIndices(line, 0x1000);
     m_facts.objects.reserve(m_facts.objects.size() + indices.size());
     m_facts.objectIndex.reserve(m_facts.objectIndex.size() + indices.size());
+    constexpr qsizetype usualSubs = 4;
+    m_facts.entries.reserve(m_facts.entries.size() + std::size_t(usualSubs * indices.size()));
     for (const quint16 index : indices) {
         if (m_stop && m_stop())
             return;
@@ -165,8 +172,10 @@ void Collector::collectObject(quint8 line, quint16 index)
 {
     ObjectDataBase::INDEX_DATA_T data;
     m_store.getIndexData(line, index, data);
+    const QList<quint8> numbers = m_store.getSubIndices(line, index);
     std::vector<Source> subs;
-    for (const quint8 sub : m_store.getSubIndices(line, index)) {
+    subs.reserve(std::size_t(numbers.size()));
+    for (const quint8 sub : numbers) {
         subs.push_back({sub, {}});
         if (!m_store.getSubIndexData(line, index, sub, subs.back().data))
             subs.pop_back();
@@ -266,8 +275,6 @@ void Collector::collectSub(const Facts::Object &object, const Source &source)
         Facts::HasDefault);
     set(entry.lowPosition != Facts::noPosition, Facts::HasLimits);
 
-    m_facts.entryIndex.insert(Facts::subKey(object.line, object.index, source.number),
-                              quint32(m_facts.entries.size()));
     m_facts.entries.push_back(std::move(entry));
 }
 
@@ -284,11 +291,12 @@ const char *Collector::specifier(quint16 index, quint8 sub, quint8 implementatio
 void Collector::collectConstant(Facts::Entry &entry, const Sub &data)
 {
     if (DictionaryTypes::isNumeric(entry.group)) {
-        DictionaryTypes::parse(entry.group, data.defaultvalue, NumberBase::Automatic, entry.value);
+        DictionaryTypes::parse(entry.dataType, data.defaultvalue, NumberBase::Automatic,
+                               entry.value);
         entry.defaultPosition = numberPosition(entry.group, entry.value);
     } else if (DictionaryTypes::isString(entry.group)) {
         entry.defaultPosition = stringPosition(
-            entry.group, DictionaryTypes::stringBytes(entry.group, data.defaultvalue));
+            entry.group, DictionaryTypes::stringBytes(entry.dataType, data.defaultvalue));
     }
 }
 
@@ -305,11 +313,11 @@ void Collector::collectLimits(Facts::Entry &entry, const Sub &data)
 quint32 Collector::limitPosition(const Facts::Entry &entry, const QString &text, bool isLow)
 {
     quint64 value = 0;
-    if (!DictionaryTypes::parse(entry.group, text, NumberBase::DecimalUnlessHexMark, value)) {
+    if (!DictionaryTypes::parse(entry.dataType, text, NumberBase::DecimalUnlessHexMark, value)) {
         QString low;
         QString high;
         COHelper::getDefaultLimits(entry.dataType, low, high);
-        DictionaryTypes::parse(entry.group, isLow ? low : high, NumberBase::DecimalUnlessHexMark,
+        DictionaryTypes::parse(entry.dataType, isLow ? low : high, NumberBase::DecimalUnlessHexMark,
                                value);
     }
     return numberPosition(entry.group, value);
@@ -350,8 +358,7 @@ void Collector::collectValue(Facts::Entry &entry, const Sub &data)
         if (entry.group != TableGroup::None)
             entry.position = quint32(m_facts.virtualCounts[slot]++);
     } else if (entry.group == TableGroup::None) {
-        problem(entry.place, QStringLiteral("the data type %1 is not supported by the stack")
-                                 .arg(COHelper::index2DataTypeString(data.datatype)));
+        problem(entry.place, QStringLiteral("the data type %1 is unknown").arg(data.datatype));
     } else if (data.implementation == CANopen::ManagedConst &&
                (isNumeric || DictionaryTypes::isString(entry.group))) {
         entry.position = entry.defaultPosition;
@@ -371,7 +378,7 @@ void Collector::collectValue(Facts::Entry &entry, const Sub &data)
     if (!service.suffix && data.implementation != CANopen::ManagedConst &&
         m_srdoMapped.contains(Facts::subKey(entry.place.line, entry.place.index, entry.place.sub)))
         entry.specifier = "_SRDO";
-    if (data.datatype <= CAN::UTF8_STRING && entry.group != TableGroup::None) {
+    if (entry.group != TableGroup::None) {
         m_facts.hasUtf8Strings |= entry.group == TableGroup::Utf8String;
         m_facts.hasExtendedTypes |=
             entry.group == TableGroup::U24 || entry.group == TableGroup::U40 ||
@@ -394,7 +401,7 @@ void Collector::collectPointer(Facts::Entry &entry, const Sub &data)
     if (entry.group == TableGroup::Domain) {
         row.actualSize = data.size;
     } else if (!DictionaryTypes::isNumeric(entry.group)) {
-        row.content = DictionaryTypes::stringBytes(entry.group, data.defaultvalue);
+        row.content = DictionaryTypes::stringBytes(entry.dataType, data.defaultvalue);
         const auto length = quint32(row.content.size());
         // The size is that of the application's buffer, which nothing may overrun.
         if (row.isConstant || data.size == 0)

@@ -3,8 +3,10 @@
 #include "store/canopen/canopentypes.h"
 
 #include <QRegularExpression>
-#include <QStringList>
+#include <QStringEncoder>
+#include <QVarLengthArray>
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
@@ -20,9 +22,10 @@ struct TypeRow
     const char *tag;
 };
 
-// Both time types are the 48 bits of CiA 301's TIME_OF_DAY and TIME_DIFFERENCE. Types of group
-// None have a tag so that their rows can be told apart; no stack table can hold their values.
-constexpr std::array<TypeRow, 33> typeRows = {
+// Both time types are the 48 bits of CiA 301's TIME_OF_DAY and TIME_DIFFERENCE. Types for which the
+// stack has no table of their own stand in the table of their width, where their bits are whole;
+// whether the stack knows them is told by their tag. The last row is that of all other numbers.
+constexpr std::array<TypeRow, 44> typeRows = {
     {{CAN::BOOLEAN, TableGroup::U8, "BOOL"},
      {CAN::INTEGER8, TableGroup::I8, "I8"},
      {CAN::INTEGER16, TableGroup::I16, "I16"},
@@ -33,20 +36,20 @@ constexpr std::array<TypeRow, 33> typeRows = {
      {CAN::REAL32, TableGroup::R32, "R32"},
      {CAN::VISIBLE_STRING, TableGroup::VisString, "STRING_NULL"},
      {CAN::OCTET_STRING, TableGroup::OctetString, "OCTET_STRING"},
-     {CAN::UNICODE_STRING, TableGroup::None, "UNICODE_STRING"},
+     {CAN::UNICODE_STRING, TableGroup::OctetString, "UNICODE_STRING"},
      {CAN::TIME_OF_DAY, TableGroup::U48, "U48"},
      {CAN::TIME_DIFFERENCE, TableGroup::U48, "U48"},
      {CAN::DOMAIN_TYPE, TableGroup::Domain, "DOMAIN"},
      {CAN::INTEGER24, TableGroup::I24, "I24"},
-     {CAN::REAL64, TableGroup::None, "R64"},
-     {CAN::INTEGER40, TableGroup::None, "I40"},
-     {CAN::INTEGER48, TableGroup::None, "I48"},
-     {CAN::INTEGER56, TableGroup::None, "I56"},
-     {CAN::INTEGER64, TableGroup::None, "I64"},
+     {CAN::REAL64, TableGroup::U64, "R64"},
+     {CAN::INTEGER40, TableGroup::U40, "I40"},
+     {CAN::INTEGER48, TableGroup::U48, "I48"},
+     {CAN::INTEGER56, TableGroup::U64, "I56"},
+     {CAN::INTEGER64, TableGroup::U64, "I64"},
      {CAN::UNSIGNED24, TableGroup::U24, "U24"},
      {CAN::UNSIGNED40, TableGroup::U40, "U40"},
      {CAN::UNSIGNED48, TableGroup::U48, "U48"},
-     {CAN::UNSIGNED56, TableGroup::None, "U56"},
+     {CAN::UNSIGNED56, TableGroup::U64, "U56"},
      {CAN::UNSIGNED64, TableGroup::U64, "U64"},
      {CAN::BITS2, TableGroup::U8, "U8"},
      {CAN::BITS3, TableGroup::U8, "U8"},
@@ -54,10 +57,21 @@ constexpr std::array<TypeRow, 33> typeRows = {
      {CAN::BITS5, TableGroup::U8, "U8"},
      {CAN::BITS6, TableGroup::U8, "U8"},
      {CAN::BITS7, TableGroup::U8, "U8"},
+     {CAN::BITS9, TableGroup::U16, "U16"},
+     {CAN::BITS10, TableGroup::U16, "U16"},
+     {CAN::BITS11, TableGroup::U16, "U16"},
+     {CAN::BITS12, TableGroup::U16, "U16"},
+     {CAN::BITS13, TableGroup::U16, "U16"},
+     {CAN::BITS14, TableGroup::U16, "U16"},
+     {CAN::BITS15, TableGroup::U16, "U16"},
+     {CAN::BITS18, TableGroup::U32, "U32"},
+     {CAN::BITS19, TableGroup::U32, "U32"},
+     {CAN::BITS21, TableGroup::U32, "U32"},
+     {CAN::BITS29, TableGroup::U32, "U32"},
      {CAN::UTF8_STRING, TableGroup::Utf8String, "UTF8_STRING"},
      {CAN::UNKNOWN_TYPE, TableGroup::None, "UNKNOWN"}}};
 
-constexpr quint16 highestType = CAN::UTF8_STRING;
+constexpr quint16 highestType = CAN::BITS29;
 
 constexpr auto typeIndex = [] {
     std::array<quint8, highestType + 1> index{};
@@ -123,6 +137,27 @@ bool parseFloat(const QString &text, quint64 &value)
     return ok || beyondDouble;
 }
 
+bool parseDouble(const QString &text, quint64 &value)
+{
+    bool ok = false;
+    const double number = text.toDouble(&ok);
+    ok |= std::isinf(number);
+    value = ok ? std::bit_cast<quint64>(number) : 0;
+    return ok;
+}
+
+/// Without an allocation for what fits: every subindex has a number or more.
+bool parseDigits(QStringView text, int radix, quint64 &magnitude, std::errc &error)
+{
+    QVarLengthArray<char, 32> digits;
+    for (const QChar character : text)
+        digits.append(character.toLatin1());
+    const char *last = digits.constData() + digits.size();
+    const auto result = std::from_chars(digits.constData(), last, magnitude, radix);
+    error = result.ec;
+    return !digits.isEmpty() && error != std::errc::invalid_argument && result.ptr == last;
+}
+
 bool parseInteger(QStringView text, DictionaryTypes::NumberBase base, quint64 &value)
 {
     const bool isNegative = text.startsWith(QLatin1Char('-'));
@@ -136,12 +171,9 @@ bool parseInteger(QStringView text, DictionaryTypes::NumberBase base, quint64 &v
                text.startsWith(QLatin1Char('0'))) {
         radix = 8;
     }
-    const QByteArray digits = text.toLatin1();
     quint64 magnitude = 0;
-    const auto [end, error] =
-        std::from_chars(digits.constData(), digits.constData() + digits.size(), magnitude, radix);
-    if (digits.isEmpty() || error == std::errc::invalid_argument ||
-        end != digits.constData() + digits.size()) {
+    std::errc error{};
+    if (!parseDigits(text, radix, magnitude, error)) {
         value = 0;
         return false;
     }
@@ -187,7 +219,8 @@ const TableGroupInfo &DictionaryTypes::info(TableGroup group)
 
 bool DictionaryTypes::hasNodeId(const QString &text)
 {
-    return text.contains(QLatin1String("$nodeid"), Qt::CaseInsensitive);
+    return text.contains(QLatin1Char('$')) &&
+           text.contains(QLatin1String("$nodeid"), Qt::CaseInsensitive);
 }
 
 QString DictionaryTypes::withoutNodeId(const QString &text)
@@ -200,19 +233,25 @@ QString DictionaryTypes::withoutNodeId(const QString &text)
     return QString(text).remove(summand).trimmed();
 }
 
-bool DictionaryTypes::parse(TableGroup group, const QString &text, NumberBase base, quint64 &value)
+bool DictionaryTypes::parse(quint16 dataType, const QString &text, NumberBase base, quint64 &value)
 {
+    if (dataType != CAN::REAL32 && dataType != CAN::REAL64 && !text.contains(QLatin1Char('$')))
+        return parseInteger(QStringView(text).trimmed(), base, value);
     const QString number = withoutNodeId(text);
-    if (group == TableGroup::R32)
+    if (dataType == CAN::REAL32)
         return parseFloat(number, value);
+    if (dataType == CAN::REAL64)
+        return parseDouble(number, value);
     return parseInteger(number, base, value);
 }
 
-QByteArray DictionaryTypes::stringBytes(TableGroup group, const QString &text)
+QByteArray DictionaryTypes::stringBytes(quint16 dataType, const QString &text)
 {
-    if (group == TableGroup::Utf8String)
+    if (dataType == CAN::UTF8_STRING)
         return text.toUtf8();
-    if (group == TableGroup::OctetString) {
+    if (dataType == CAN::UNICODE_STRING)
+        return QStringEncoder(QStringEncoder::Utf16LE).encode(text);
+    if (dataType == CAN::OCTET_STRING) {
         static const QRegularExpression pairs(QStringLiteral("^(?:(?:0x)?[0-9a-f]{2}[\\s,]*)+$"),
                                               QRegularExpression::CaseInsensitiveOption);
         if (pairs.match(text.trimmed()).hasMatch())

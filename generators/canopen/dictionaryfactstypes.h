@@ -72,15 +72,16 @@ enum class NumberBase : quint8 {
 /// The text adds the node-id, as "$NODEID+0x180".
 [[nodiscard]] bool hasNodeId(const QString &text);
 
-/// A value in the 64 bits in which the tables keep it: two's complement, the bit pattern of the
-/// float for R32. A number beyond 64 bits becomes the nearest one; false, and 0, for a text that
-/// is no number of the group. The number may be beyond its type, it is kept as it is told.
-bool parse(TableGroup group, const QString &text, NumberBase base, quint64 &value);
+/// A value in the 64 bits in which the tables keep it: two's complement, the bit pattern of
+/// REAL32 and REAL64. A number beyond 64 bits becomes the nearest one; false, and 0, for a text
+/// that is no number of the type. The number may be beyond its type, it is kept as it is told.
+bool parse(quint16 dataType, const QString &text, NumberBase base, quint64 &value);
 
 /// The bytes of a string default. VISIBLE_STRING gives one byte a character where the text allows
-/// it (ISO 8859-1), UTF8_STRING gives UTF-8; an OCTET_STRING of hexadecimal pairs ("01 a0 ff",
+/// it (ISO 8859-1), UTF8_STRING gives UTF-8, UNICODE_STRING 16 bit units, low byte first; an
+/// OCTET_STRING of hexadecimal pairs ("01 a0 ff",
 /// "0x01 0xa0") gives the bytes they name and any other text its own.
-[[nodiscard]] QByteArray stringBytes(TableGroup group, const QString &text);
+[[nodiscard]] QByteArray stringBytes(quint16 dataType, const QString &text);
 
 /// The C initialiser of a table entry, as "(UNSIGNED8)5u" or "U24_SET(0x..,..)".
 [[nodiscard]] QByteArray literal(TableGroup group, quint64 value);

@@ -1,6 +1,7 @@
 #include "generators/canopen/extdeclgenerator.h"
 
 #include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
 #include "generators/base/outputfile.h"
 #include "generators/canopen/extdeclvariables.h"
 #include "store/objectdatabase.h"
@@ -39,7 +40,7 @@ QString ExtDeclGenerator::title(const char *format) const
 
 void ExtDeclGenerator::writeContent(QIODevice &device)
 {
-    const QList<quint8> lines = store()->getLines();
+    const QList<quint8> lines = CommonGeneratorHelper(store()).lines();
     const bool hasLines = m_multiLine || m_generateML || lines.size() > 1;
     const ExtDeclVariables variables = ExtDeclVariables::collect(
         *store(), lines, hasLines, [this] { return bool(stopRequested()); });

@@ -138,7 +138,6 @@ void Collector::collectLine(quint8 line)
 
 void Collector::collectObjects(quint8 line)
 {
-    m_store.cacheAllSubs(line);
     for (const quint16 index : m_store.getIndices(line, firstObject)) {
         if (m_stop())
             return;

@@ -1,9 +1,30 @@
 #include "generators/canopen/indicationgenerator.h"
 
 #include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
 #include "generators/canopen/dictionaryfacts.h"
 #include "generators/canopen/indicationtable.h"
 #include "store/objectdatabase.h"
+
+#include <algorithm>
+
+namespace {
+
+/// The stack's functions take the line: the dictionary's own question where there is only CANopen,
+/// and any second line where protocols are mixed.
+bool isMultiLine(ObjectDataBase &store)
+{
+    const QList<quint8> all = CommonGeneratorHelper(&store).lines();
+    const bool isMixed = std::any_of(all.begin(), all.end(), [&store](quint8 line) {
+        constexpr int onlyCANopen = 1;
+        return store.getLineType(line) > onlyCANopen;
+    });
+    bool hasSecondDictionary = false;
+    const QList<quint8> dictionaries = DictionaryFacts::selectLines(store, hasSecondDictionary);
+    return hasSecondDictionary || dictionaries.size() > 1 || (isMixed && all.size() > 1);
+}
+
+} // namespace
 
 indicationgenerator::indicationgenerator(const StackDialect &dialect, QObject *parent)
     : AbstractGenerator(parent), m_dialect(dialect)
@@ -27,10 +48,7 @@ QString indicationgenerator::fileName() const
 
 void indicationgenerator::writeContent(QIODevice &device)
 {
-    // The same question as in the dictionary, whose pointers have to fit the prototypes.
-    bool multiLine = false;
-    const QList<quint8> lines = DictionaryFacts::selectLines(*store(), multiLine);
-    const bool hasLines = multiLine || lines.size() > 1 || m_multiLine || m_generateML;
+    const bool hasLines = m_multiLine || m_generateML || isMultiLine(*store());
     const QString text = prototypes(hasLines) + udsPrototypes();
 
     CodeWriter out(&device);

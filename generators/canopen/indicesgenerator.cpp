@@ -1,6 +1,7 @@
 #include "generators/canopen/indicesgenerator.h"
 
 #include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
 #include "generators/canopen/indicesnames.h"
 #include "store/canopen/canopentypes.h"
 #include "store/canopen/helper.h"
@@ -13,8 +14,6 @@
 #include <functional>
 
 namespace {
-
-using MetaData = QMap<std::pair<quint16, int>, ObjectDataBase::MetaData>;
 
 constexpr int firstObject = 0x1000;
 constexpr quint32 addressClaim = 60928;
@@ -40,7 +39,7 @@ class Writer
 public:
     Writer(ObjectDataBase &store, CodeWriter &out, bool hasLines, const std::function<bool()> &stop)
         : m_store(store), m_out(out), m_hasLines(hasLines), m_stop(stop),
-          m_names({QLatin1String(guard), QLatin1String(entriesName)})
+          m_names({guard, entriesName})
     {
     }
 
@@ -49,72 +48,77 @@ public:
     void writeCanIds(quint8 line);
 
 private:
-    void define(const QString &name, const QString &value);
-    void writeObject(quint8 line, quint16 index, const MetaData &metaData);
-    void writePdoName(const QString &name, quint16 index);
-    void writeSubs(quint8 line, quint16 index, const MetaData &metaData);
+    void define(const QByteArray &name, const QByteArray &value);
+    [[nodiscard]] QByteArray prefixed(const QByteArray &name) const { return m_prefix + name; }
+    void beginLine(quint8 line);
+    void writeObject(quint8 line, quint16 index);
+    void writePdoName(const QByteArray &name, quint16 index);
+    void writeSubs(quint8 line, quint16 index);
     void writePgn(quint8 line, quint32 number, quint8 direction);
     void writeAddressClaim();
-    [[nodiscard]] static QString attribute(const MetaData &metaData, quint16 index, int sub,
-                                           const QString &key);
+    /// The user's own define in the metadata, or the name behind its prefix.
+    [[nodiscard]] static QByteArray nameOf(const ObjectDataBase::MetaData &metaData,
+                                           const QString &attribute, const char *prefix,
+                                           const QString &name, const QString &nameless);
 
     ObjectDataBase &m_store;
     CodeWriter &m_out;
     bool m_hasLines;
     const std::function<bool()> &m_stop;
     IndicesNames m_names;
-    QString m_prefix; ///< of the line
+    QByteArray m_prefix; ///< of the line
     bool m_hasEntriesName = false;
 };
 
-void Writer::define(const QString &name, const QString &value)
+void Writer::define(const QByteArray &name, const QByteArray &value)
 {
-    m_out << "#define " << name << '\t' << value << '\n';
+    m_out << "#define " << name.constData() << '\t' << value.constData() << '\n';
 }
 
-QString Writer::attribute(const MetaData &metaData, quint16 index, int sub, const QString &key)
+void Writer::beginLine(quint8 line)
 {
-    const auto found = metaData.constFind({index, sub});
-    return found == metaData.constEnd() ? QString() : found->value(key).trimmed();
+    m_prefix = m_hasLines ? 'L' + QByteArray::number(line) + '_' : QByteArray();
+}
+
+QByteArray Writer::nameOf(const ObjectDataBase::MetaData &metaData, const QString &attribute,
+                          const char *prefix, const QString &name, const QString &nameless)
+{
+    if (const auto own = metaData.constFind(attribute);
+        own != metaData.constEnd() && !own->trimmed().isEmpty())
+        return IndicesNames::clean("", own->trimmed());
+    return IndicesNames::clean(prefix, name.isEmpty() ? nameless : name);
 }
 
 void Writer::writeObjects(quint8 line)
 {
-    m_prefix = m_hasLines ? QStringLiteral("L%1_").arg(line) : QString();
-    m_store.cacheAllSubs(line);
-    const MetaData metaData = m_store.getAllMetaData(line);
+    beginLine(line);
     for (const quint16 index : m_store.getIndices(line, firstObject)) {
         if (m_stop()) {
             qDebug() << "Generation aborted";
             return;
         }
-        writeObject(line, index, metaData);
+        writeObject(line, index);
         QThread::yieldCurrentThread();
     }
 }
 
-void Writer::writeObject(quint8 line, quint16 index, const MetaData &metaData)
+void Writer::writeObject(quint8 line, quint16 index)
 {
+    static const QString attribute = QStringLiteral("objectdefine");
+    static const QString nameless = QStringLiteral("unnamed object");
     ObjectDataBase::INDEX_DATA_T data;
     m_store.getIndexData(line, index, data);
-    QString name = attribute(metaData, index, -1, QStringLiteral("objectdefine"));
-    if (name.isEmpty()) {
-        name = Helper::substituteVariables(data.name, index, 0, line);
-        if (name.isEmpty())
-            name = QStringLiteral("unnamed object");
-        name = IndicesNames::clean(QLatin1String("I_") + name);
-    } else {
-        name = IndicesNames::cleanWhole(name);
-    }
-    name = m_names.unique(m_prefix + name);
-    define(name, QStringLiteral("0x%1u").arg(index, 4, 16, QLatin1Char('0')));
+    const QByteArray name = m_names.unique(
+        prefixed(nameOf(data.metadata, attribute, "I_",
+                        Helper::substituteVariables(data.name, index, 0, line), nameless)));
+    define(name, "0x" + QByteArray::number(index, 16).rightJustified(4, '0') + 'u');
     writePdoName(name, index);
     if (data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD)
-        writeSubs(line, index, metaData);
+        writeSubs(line, index);
 }
 
 /// A PDO that belongs to a node of the network gets a second name, for its number.
-void Writer::writePdoName(const QString &name, quint16 index)
+void Writer::writePdoName(const QByteArray &name, quint16 index)
 {
     const bool isReceive = index >= receivePdos.first && index <= receivePdos.last;
     const bool isTransmit = index >= transmitPdos.first && index <= transmitPdos.last;
@@ -122,19 +126,23 @@ void Writer::writePdoName(const QString &name, quint16 index)
         return;
     static const QRegularExpression pattern(
         QStringLiteral("^I_([RT]PDO)_COMM_PAR_([0-9]+)_FOR_NODE_([0-9]+)_([A-Za-z0-9_]+)$"));
-    const QRegularExpressionMatch match = pattern.match(name.mid(m_prefix.size()));
+    const QRegularExpressionMatch match =
+        pattern.match(QString::fromLatin1(name.mid(m_prefix.size())));
     const PdoRange &range = isReceive ? receivePdos : transmitPdos;
     if (!match.hasMatch() || match.captured(1) != QLatin1String(range.kind))
         return;
-    const QString second = m_prefix + QStringList({match.captured(1), match.captured(3),
-                                                   match.captured(4), match.captured(2)})
-                                          .join(QLatin1Char('_'));
+    const QByteArray second = prefixed(
+        QStringList({match.captured(1), match.captured(3), match.captured(4), match.captured(2)})
+            .join(QLatin1Char('_'))
+            .toLatin1());
     if (m_names.take(second))
-        define(second, QStringLiteral("%1u").arg(index - range.first + 1));
+        define(second, QByteArray::number(index - range.first + 1) + 'u');
 }
 
-void Writer::writeSubs(quint8 line, quint16 index, const MetaData &metaData)
+void Writer::writeSubs(quint8 line, quint16 index)
 {
+    static const QString attribute = QStringLiteral("subdefine");
+    static const QString nameless = QStringLiteral("unnamed subindex");
     for (const quint8 sub : m_store.getSubIndices(line, index)) {
         if (sub == 0) {
             if (!m_hasEntriesName)
@@ -142,24 +150,18 @@ void Writer::writeSubs(quint8 line, quint16 index, const MetaData &metaData)
             m_hasEntriesName = true;
             continue;
         }
-        QString name = attribute(metaData, index, sub, QStringLiteral("subdefine"));
-        if (name.isEmpty()) {
-            ObjectDataBase::SUBINDEX_DATA_T data;
-            m_store.getSubIndexData(line, index, sub, data);
-            name = Helper::substituteVariables(data.name, index, sub, line);
-            if (name.isEmpty())
-                name = QStringLiteral("unnamed subindex");
-            name = IndicesNames::clean(QLatin1String("S_") + name);
-        } else {
-            name = IndicesNames::cleanWhole(name);
-        }
-        define(m_names.unique(m_prefix + name), QStringLiteral("%1u").arg(sub));
+        ObjectDataBase::SUBINDEX_DATA_T data;
+        m_store.getSubIndexData(line, index, sub, data);
+        const QByteArray name =
+            nameOf(data.metadata, attribute, "S_",
+                   Helper::substituteVariables(data.name, index, sub, line), nameless);
+        define(m_names.unique(prefixed(name)), QByteArray::number(sub) + 'u');
     }
 }
 
 void Writer::writePgns(quint8 line)
 {
-    m_prefix = m_hasLines ? QStringLiteral("L%1_").arg(line) : QString();
+    beginLine(line);
     m_store.loadSPNCache(line);
     for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
         for (const quint32 number : m_store.getPGNList(line, direction)) {
@@ -177,21 +179,16 @@ void Writer::writePgns(quint8 line)
 
 void Writer::writePgn(quint8 line, quint32 number, quint8 direction)
 {
-    const auto comment = [this](quint32 value) {
-        m_out << " /* 0x";
-        m_out.hex(value) << " */\n";
-    };
-    const QString name =
-        IndicesNames::clean(QLatin1String("PGN_") + m_store.getPGNName(line, number, direction));
-    m_out << "#define " << m_names.unique(m_prefix + name) << '\t' << number << 'u';
-    comment(number);
+    const QByteArray name = m_names.unique(
+        prefixed(IndicesNames::clean("PGN_", m_store.getPGNName(line, number, direction))));
+    m_out << "#define " << name.constData() << '\t' << number << "u /* 0x";
+    m_out.hex(number) << " */\n";
     for (const quint32 spn : m_store.getSPNList(line, number, direction)) {
-        QString signal =
-            m_prefix + IndicesNames::clean(QLatin1String("SPN_") +
-                                           m_store.getSPNName(line, number, spn, direction));
+        QByteArray signal =
+            prefixed(IndicesNames::clean("SPN_", m_store.getSPNName(line, number, spn, direction)));
         if (m_names.isTaken(signal))
-            signal += QStringLiteral("_%1_%2").arg(number).arg(spn);
-        define(m_names.unique(signal), QStringLiteral("%1u").arg(spn));
+            signal += '_' + QByteArray::number(number) + '_' + QByteArray::number(spn);
+        define(m_names.unique(signal), QByteArray::number(spn) + 'u');
     }
 }
 
@@ -199,19 +196,19 @@ void Writer::writePgn(quint8 line, quint32 number, quint8 direction)
 /// it.
 void Writer::writeAddressClaim()
 {
-    const QString pgn = m_prefix + QLatin1String("PGN_ADDRESS_CLAIM");
+    const QByteArray pgn = prefixed("PGN_ADDRESS_CLAIM");
     if (m_names.take(pgn)) {
-        m_out << "#define " << pgn << '\t' << addressClaim << "u /* 0x";
+        m_out << "#define " << pgn.constData() << '\t' << addressClaim << "u /* 0x";
         m_out.hex(addressClaim) << " */\n";
     }
-    const QString spn = m_prefix + QLatin1String("SPN_NAME_OF_CONTROLLER_APPLICATION");
+    const QByteArray spn = prefixed("SPN_NAME_OF_CONTROLLER_APPLICATION");
     if (m_names.take(spn))
-        define(spn, QStringLiteral("%1u").arg(controllerName));
+        define(spn, QByteArray::number(controllerName) + 'u');
 }
 
 void Writer::writeCanIds(quint8 line)
 {
-    m_prefix = m_hasLines ? QStringLiteral("L%1_").arg(line) : QString();
+    beginLine(line);
     for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
         for (const quint32 id : m_store.getCANIDList(line, direction)) {
             if (m_stop()) {
@@ -219,9 +216,9 @@ void Writer::writeCanIds(quint8 line)
                 return;
             }
             const QString name = m_store.getCANIDName(line, id, direction).trimmed();
-            const QString text = name.isEmpty() ? QStringLiteral("ID_%1").arg(id & ~extendedBit)
-                                                : IndicesNames::clean(QLatin1String("ID_") + name);
-            define(m_names.unique(m_prefix + text), QStringLiteral("0x%1u").arg(id, 0, 16));
+            const QByteArray text = name.isEmpty() ? "ID_" + QByteArray::number(id & ~extendedBit)
+                                                   : IndicesNames::clean("ID_", name);
+            define(m_names.unique(prefixed(text)), "0x" + QByteArray::number(id, 16) + 'u');
         }
     }
 }
@@ -267,7 +264,8 @@ void IndicesGenerator::writeContent(QIODevice &device)
     out.beginGuard(QLatin1String(guard));
 
     const std::function<bool()> stop = [this] { return bool(stopRequested()); };
-    const QList<quint8> lines = m_lines.isEmpty() ? store()->getLines() : m_lines;
+    const QList<quint8> lines =
+        m_lines.isEmpty() ? CommonGeneratorHelper(store()).lines() : m_lines;
     Writer writer(*store(), out, m_multiLine || m_generateML || lines.size() > 1, stop);
     for (const quint8 line : lines)
         writer.writeObjects(line);

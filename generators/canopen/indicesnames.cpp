@@ -1,55 +1,56 @@
 #include "generators/canopen/indicesnames.h"
 
-#include <QStringList>
+#include <QString>
 
-IndicesNames::IndicesNames(const QStringList &reserved)
+IndicesNames::IndicesNames(const QList<QByteArray> &reserved)
 {
-    for (const QString &name : reserved)
-        m_uses.insert(name, 0);
+    for (const QByteArray &name : reserved)
+        m_uses.try_emplace(name, 0);
 }
 
-QString IndicesNames::unique(const QString &name)
+QByteArray IndicesNames::unique(const QByteArray &name)
 {
-    if (take(name))
+    const auto [use, isFree] = m_uses.try_emplace(name, 0);
+    if (isFree)
         return name;
-    quint32 number = m_uses.value(name);
-    QString numbered;
+    quint32 &number = use->second; // stays in its place when others are added
+    QByteArray numbered;
     do {
         ++number;
-        numbered = name + QLatin1Char('_') + QString::number(number);
+        numbered = name + '_' + QByteArray::number(number);
     } while (!take(numbered));
-    m_uses[name] = number;
     return numbered;
 }
 
-bool IndicesNames::take(const QString &name)
+bool IndicesNames::take(const QByteArray &name)
 {
-    if (m_uses.contains(name))
-        return false;
-    m_uses.insert(name, 0);
-    return true;
+    return m_uses.try_emplace(name, 0).second;
 }
 
-QString IndicesNames::clean(const QString &text)
+QByteArray IndicesNames::clean(const char *prefix, QStringView text)
 {
-    const QString upper = text.toUpper();
-    QString result;
-    result.reserve(upper.size());
-    for (const QChar character : upper) {
+    QByteArray result(prefix);
+    result.reserve(result.size() + text.size() + 1);
+    const auto append = [&result](QChar character) {
         const char16_t code = character.unicode();
         const bool isPlain = (code >= u'A' && code <= u'Z') || (code >= u'0' && code <= u'9');
         if (isPlain)
-            result += character;
-        else if (result.isEmpty() || result.back() != QLatin1Char('_'))
-            result += QLatin1Char('_');
+            result += char(code);
+        else if (!result.endsWith('_'))
+            result += '_';
+    };
+    for (const QChar character : text) {
+        const char16_t code = character.unicode();
+        if (code < 0x80) {
+            append(code >= u'a' && code <= u'z' ? QChar(char16_t(code - u'a' + u'A')) : character);
+        } else {
+            // Some letters have a capital form of several, as the German sharp s.
+            const QString upper = QString(character).toUpper();
+            for (const QChar capital : upper)
+                append(capital);
+        }
     }
-    return result;
-}
-
-QString IndicesNames::cleanWhole(const QString &text)
-{
-    QString result = clean(text);
-    if (result.isEmpty() || result.front().isDigit())
-        result.prepend(QLatin1Char('_'));
+    if (result.isEmpty() || (result.front() >= '0' && result.front() <= '9'))
+        result.prepend('_');
     return result;
 }

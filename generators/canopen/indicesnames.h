@@ -1,27 +1,30 @@
 #pragma once
 
-#include <QHash>
-#include <QString>
+#include <QByteArray>
+#include <QList>
+#include <QStringView>
+
+#include <unordered_map>
 
 /// Names of macros in one file: formed from what users type, and never given twice.
 class IndicesNames
 {
 public:
     /// Names that the file uses itself are reserved.
-    explicit IndicesNames(const QStringList &reserved);
+    explicit IndicesNames(const QList<QByteArray> &reserved);
 
     /// The name, or the name with "_1", "_2" and so on behind it, whichever is free first.
-    [[nodiscard]] QString unique(const QString &name);
+    [[nodiscard]] QByteArray unique(const QByteArray &name);
     /// Takes the name if it is free; false if it was given before.
-    bool take(const QString &name);
-    [[nodiscard]] bool isTaken(const QString &name) const { return m_uses.contains(name); }
+    bool take(const QByteArray &name);
+    [[nodiscard]] bool isTaken(const QByteArray &name) const { return m_uses.contains(name); }
 
-    /// Upper case, with underscores for everything that no identifier holds, in one pass with
-    /// runs of underscores shrunk to one.
-    [[nodiscard]] static QString clean(const QString &text);
-    /// The same with an underscore before a leading digit, for names without a prefix of ours.
-    [[nodiscard]] static QString cleanWhole(const QString &text);
+    /// `prefix` and the text in upper case, with underscores for everything that no identifier
+    /// holds and runs of underscores shrunk to one. Behind an empty prefix a leading digit gets
+    /// an underscore before it.
+    [[nodiscard]] static QByteArray clean(const char *prefix, QStringView text);
 
 private:
-    QHash<QString, quint32> m_uses; ///< name to the last number behind it
+    // Nodes that stay where they are: far quicker here than a hash that moves its entries.
+    std::unordered_map<QByteArray, quint32> m_uses; ///< name to the last number behind it
 };

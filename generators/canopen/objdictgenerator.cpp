@@ -16,6 +16,8 @@ namespace {
 constexpr quint8 progressOfValues = 25;
 constexpr quint8 progressOfDescription = 50;
 constexpr quint8 progressOfAssignment = 75;
+/// More would hide the other messages of a run.
+constexpr qsizetype maximumProblems = 20;
 
 bool hasObjectKind(quint32 objectType)
 {
@@ -181,6 +183,10 @@ void ObjDictGenerator::reportProblems()
                                 .arg(object.line)
                                 .arg(object.objectType));
     }
-    if (!problems.isEmpty())
-        fail(problems.join(QLatin1Char('\n')));
+    if (problems.isEmpty())
+        return;
+    const qsizetype untold = problems.size() - maximumProblems;
+    if (untold > 0)
+        problems = problems.first(maximumProblems) << tr("And %1 more.").arg(untold);
+    fail(problems.join(QLatin1Char('\n')));
 }

@@ -4,6 +4,7 @@
 #include "store/canopen/canopentypes.h"
 
 #include <array>
+#include <charconv>
 
 namespace {
 
@@ -71,44 +72,80 @@ const QByteArray &ObjDictRows::attributeText(quint16 attributes, bool isVirtual)
     return text;
 }
 
-void ObjDictRows::writeValueColumns(const Facts::Entry &entry)
+void ObjDictRows::appendValueColumns(const Facts::Entry &entry)
 {
-    if (m_context.dialect.isV4)
-        m_out << "CO_DSPEC" << entry.specifier << ", (UNSIGNED16)" << entry.valueIndex << "u, ";
-    else
-        m_out << m_context.address(entry).constData() << ", ";
+    if (m_context.dialect.isV4) {
+        m_row += "CO_DSPEC";
+        m_row += entry.specifier;
+        m_row += ", (UNSIGNED16)";
+        appendNumber(entry.valueIndex);
+        m_row += "u, ";
+    } else {
+        m_row += m_context.address(entry) + ", ";
+    }
 }
 
 /// The older generation writes the specifier as part of its type word.
-void ObjDictRows::writeVirtualValueColumns(const Facts::Entry &entry)
+void ObjDictRows::appendVirtualValueColumns(const Facts::Entry &entry)
 {
-    m_out << (m_context.dialect.isV4 ? ", CO_DSPEC_PTR, (UNSIGNED16)" : "_PTR, (UNSIGNED16)");
+    m_row += m_context.dialect.isV4 ? ", CO_DSPEC_PTR, (UNSIGNED16)" : "_PTR, (UNSIGNED16)";
     // Only numbers are kept in tables; strings and domains are told by their index.
-    if (DictionaryTypes::isNumeric(entry.group)) {
-        m_out << entry.position;
-    } else {
-        m_out << "0x";
-        m_out.hex(entry.place.index, 4);
+    if (DictionaryTypes::isNumeric(entry.group))
+        appendNumber(entry.position);
+    else
+        m_row += "0x" + QByteArray::number(entry.place.index, 16);
+    m_row += "u, ";
+}
+
+/// Without an allocation: there are as many rows as a dictionary has subindices.
+void ObjDictRows::appendNumber(quint32 number)
+{
+    std::array<char, 12> digits{};
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    m_row.append(digits.data(), end - digits.data());
+}
+
+void ObjDictRows::appendPlace(const Facts::Place &place)
+{
+    static constexpr char digits[] = "0123456789abcdef";
+    if (m_context.facts.lineForm) {
+        appendNumber(place.line);
+        m_row += '-';
     }
-    m_out << "u, ";
+    m_row += "0x";
+    for (int shift = 12; shift >= 0; shift -= 4)
+        m_row += digits[(place.index >> shift) & 0xF];
+    m_row += ':';
+    appendNumber(place.sub);
 }
 
 void ObjDictRows::writeRow(const Facts::Entry &entry, bool isVirtual)
 {
-    m_out << "\t{ (UNSIGNED8)" << entry.place.sub << "u, " << m_context.dialect.dataTypePrefix
-          << DictionaryTypes::of(entry.dataType).tag;
+    m_row.resize(0);
+    m_row += "\t{ (UNSIGNED8)";
+    appendNumber(entry.place.sub);
+    m_row += "u, ";
+    m_row += m_context.dialect.dataTypePrefix;
+    m_row += DictionaryTypes::of(entry.dataType).tag;
     if (isVirtual) {
-        writeVirtualValueColumns(entry);
+        appendVirtualValueColumns(entry);
     } else {
-        m_out << ", ";
-        writeValueColumns(entry);
+        m_row += ", ";
+        appendValueColumns(entry);
     }
-    m_out << attributeText(entry.attributes, isVirtual).constData() << ", (UNSIGNED16)"
-          << column(entry.defaultPosition);
-    if (m_context.options.limitCheck)
-        m_out << "u, (UNSIGNED16)" << column(entry.lowPosition) << "u, (UNSIGNED16)"
-              << column(entry.highPosition);
-    m_out << "u},/* " << m_context.place(entry.place).constData() << "*/ \n";
+    m_row += attributeText(entry.attributes, isVirtual);
+    m_row += ", (UNSIGNED16)";
+    appendNumber(column(entry.defaultPosition));
+    if (m_context.options.limitCheck) {
+        m_row += "u, (UNSIGNED16)";
+        appendNumber(column(entry.lowPosition));
+        m_row += "u, (UNSIGNED16)";
+        appendNumber(column(entry.highPosition));
+    }
+    m_row += "u},/* ";
+    appendPlace(entry.place);
+    m_row += "*/ \n";
+    m_out << m_row.constData();
 }
 
 void ObjDictRows::writeDescription()

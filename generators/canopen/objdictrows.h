@@ -19,13 +19,16 @@ public:
 
 private:
     void writeRow(const DictionaryFacts::Entry &entry, bool isVirtual);
-    void writeValueColumns(const DictionaryFacts::Entry &entry);
-    void writeVirtualValueColumns(const DictionaryFacts::Entry &entry);
+    void appendValueColumns(const DictionaryFacts::Entry &entry);
+    void appendVirtualValueColumns(const DictionaryFacts::Entry &entry);
+    void appendNumber(quint32 number);
+    void appendPlace(const DictionaryFacts::Place &place);
     void writeAssignRow(const DictionaryFacts::Object &object, quint32 rows, quint32 firstRow);
     /// The attribute column; like ones repeat by the thousand.
     [[nodiscard]] const QByteArray &attributeText(quint16 attributes, bool isVirtual);
 
     const ObjDictContext &m_context;
     CodeWriter &m_out;
+    QByteArray m_row; ///< being put together
     QHash<quint32, QByteArray> m_attributeTexts;
 };

@@ -103,20 +103,21 @@ UserSection UserSection::parse(const QByteArray &header)
     return section;
 }
 
-std::optional<UserSection> UserSection::read(const QString &path, QString &errorText)
+std::optional<QByteArray> UserSection::read(const QString &path, QString &errorText)
 {
-    if (!QFileInfo::exists(path))
-        return UserSection();
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QByteArray();
     QFile file(path);
     QByteArray header;
-    if (file.open(QIODevice::ReadOnly))
+    // A device or a pipe may never end.
+    if (info.isFile() && file.open(QIODevice::ReadOnly))
         header = file.readAll();
-    if (!file.isOpen() || file.error() != QFileDevice::NoError) {
-        errorText = QCoreApplication::translate(
-                        "UserSection", "The file %1 can't be read, and its user section would be "
-                                       "lost: %2.")
-                        .arg(QDir::toNativeSeparators(path), file.errorString());
-        return {};
-    }
-    return parse(header);
+    if (file.isOpen() && file.error() == QFileDevice::NoError)
+        return header;
+    errorText =
+        QCoreApplication::translate(
+            "UserSection", "The file %1 can't be read, and its user section would be lost: %2.")
+            .arg(QDir::toNativeSeparators(path), file.errorString());
+    return {};
 }

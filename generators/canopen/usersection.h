@@ -22,7 +22,7 @@ struct UserSection
     /// end marker everything to the end of the file is the user's; without a start marker it is
     /// what stands between the notice and the end marker.
     [[nodiscard]] static UserSection parse(const QByteArray &header);
-    /// A file that does not exist gives an empty section. No value, and `errorText` filled, if
-    /// there is a file that can't be read.
-    [[nodiscard]] static std::optional<UserSection> read(const QString &path, QString &errorText);
+    /// The bytes of the former header; none if it does not exist. No value, and `errorText` filled,
+    /// if there is a file that can't be read.
+    [[nodiscard]] static std::optional<QByteArray> read(const QString &path, QString &errorText);
 };

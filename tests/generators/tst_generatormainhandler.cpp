@@ -122,6 +122,12 @@ private slots:
     void init();
 
     void messagesInOrder();
+    void outputsByProtocol_data();
+    void outputsByProtocol();
+    void stackGenerations();
+    void userSectionIsReported();
+    void virtualObjects();
+    void props();
     void edsVariantsWithFd();
     void headingsOfLines();
     void linesWithoutType();
@@ -133,6 +139,7 @@ private slots:
     void unwritableFolder_data();
     void unwritableFolder();
     void unwritableFile();
+    void fullDisk_data();
     void fullDisk();
     void stopRequest();
     void addressClaimIsRemoved();
@@ -200,18 +207,152 @@ void TestGeneratorMainHandler::messagesInOrder()
 {
     QCOMPARE(generate(), 0);
     const QString folder = m_folder->path();
-    QStringList messages = m_output->ofDriver();
-    QCOMPARE(messages.takeFirst(), QStringLiteral("\nCheck of model consistency started"));
-    QCOMPARE(messages.takeFirst(), QStringLiteral("\nCheck of model consistency finished.\n"));
-    QCOMPARE(messages.takeLast(), QStringLiteral("Generation finished."));
-    const QString started =
-        QStringLiteral("Generation of device EDS file in %1 started").arg(folder);
-    const qsizetype eds = messages.indexOf(started);
-    QVERIFY2(eds >= 0, qPrintable(messages.join(QLatin1Char('\n'))));
-    QCOMPARE(messages.at(eds + 1), QStringLiteral("Generation of EDS file completed. "));
+    const QStringList expected = {
+        QStringLiteral("\nCheck of model consistency started"),
+        QStringLiteral("\nCheck of model consistency finished.\n"),
+        QStringLiteral("Generation of gen_indices.h in %1 started").arg(folder),
+        QStringLiteral("Generation of gen_indices.h generator completed. "),
+        QStringLiteral("Generation of textual object dictionary documentation in %1 started")
+            .arg(folder),
+        QStringLiteral("Generation of Text documentation completed. "),
+        QStringLiteral("Generation of HTML object dictionary documentation in %1 started")
+            .arg(folder),
+        QStringLiteral("Generation of HTML documentation completed. "),
+        QStringLiteral("Generation of gen_objdict.c in %1 started").arg(folder),
+        QStringLiteral("Generation of gen_objdict.c completed. "),
+        QStringLiteral("Generation of gen_define.h in %1 started").arg(folder),
+        QStringLiteral("Generation of gen_define.h completed. "),
+        QStringLiteral("Generation of gen_indication in %1 started").arg(folder),
+        QStringLiteral("Generation of gen_indication.h completed. "),
+        QStringLiteral("Generation of CSV file (deprecated) in %1 started").arg(folder),
+        QStringLiteral("Generation of CSV documentation completed. "),
+        QStringLiteral("Generation of ICSV file in %1 started").arg(folder),
+        QStringLiteral("Generation of ICSV documentation completed. "),
+        QStringLiteral("Generation of device EDS file in %1 started").arg(folder),
+        QStringLiteral("Generation of EDS file completed. "),
+        QStringLiteral("Generation finished."),
+        QStringLiteral("Generation completed.")};
+    QCOMPARE(m_output->ofDriver(), expected);
+    QCOMPARE(files(), QStringList({"__vxmerrorlog.txt.bak", "device.csv", "device.eds",
+                                   "device.html", "device.icsv", "device_doc.txt", "gen_define.h",
+                                   "gen_indication.h", "gen_indices.h", "gen_objdict.c"}));
     QVERIFY(read("device.eds").contains("[1018sub4]"));
     QVERIFY(!m_store->isGenerating());
     QVERIFY(m_store->setGeneralSetting(QStringLiteral("later"), QStringLiteral("1")));
+}
+
+void TestGeneratorMainHandler::outputsByProtocol_data()
+{
+    QTest::addColumn<QString>("type");
+    QTest::addColumn<QMap<QString, QString>>("settings");
+    QTest::addColumn<QStringList>("expected");
+    using Settings = QMap<QString, QString>;
+    const QStringList documents = {"device.csv", "device.eds", "device.html", "device.icsv",
+                                   "device_doc.txt"};
+    QTest::newRow("CANopen") << "1" << Settings()
+                             << documents + QStringList{"gen_define.h", "gen_indication.h",
+                                                        "gen_indices.h", "gen_objdict.c"};
+    QTest::newRow("CANopen, C++") << "1" << Settings{{"generate_cpp_output", "1"}}
+                                  << documents + QStringList{"gen_define.h", "gen_indication.h",
+                                                             "gen_indices.h", "gen_objdict.c",
+                                                             "gen_objdict.cpp"};
+    QTest::newRow("mixed: names say so, no dictionary of its own")
+        << "5" << Settings()
+        << QStringList({"device.csv", "device.eds", "device.icsv", "device_co.html",
+                        "device_co_doc.txt", "gen_define.h", "gen_extern_decl.h",
+                        "gen_indication.h", "gen_indices.h"});
+    QTest::newRow("J1939") << "2" << Settings()
+                           << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"});
+    QTest::newRow("J1939 with an SDO server")
+        << "2" << Settings{{"j1939:cia510serversupport", "1"}}
+        << QStringList({"device.eds", "gen_define.h", "gen_extern_decl.h", "gen_indices.h",
+                        "gen_objdict.c"});
+    QTest::newRow("raw CAN") << "4" << Settings()
+                             << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"});
+    QTest::newRow("boot loader") << "4" << Settings{{"uds_bl_setting", "1"}}
+                                 << QStringList({"gen_define.h"});
+    QTest::newRow("UDS callbacks without CANopen")
+        << "4" << Settings{{"uds_static_indication", "1"}}
+        << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indication.h", "gen_indices.h"});
+    QTest::newRow("no type") << "3" << Settings() << QStringList({"gen_define.h"});
+}
+
+void TestGeneratorMainHandler::outputsByProtocol()
+{
+    QFETCH(QString, type);
+    using Settings = QMap<QString, QString>;
+    QFETCH(Settings, settings);
+    m_store->setGeneralSetting(QStringLiteral("line0type"), type);
+    for (auto setting = settings.cbegin(); setting != settings.cend(); ++setting) {
+        if (setting.key().startsWith(QLatin1String("j1939:")))
+            m_store->setJ1939Setting(setting.key().mid(6), setting.value());
+        else
+            m_store->setGeneralSetting(setting.key(), setting.value());
+    }
+    QCOMPARE(generate(true), 0);
+    QStringList made = files();
+    made.removeIf([](const QString &name) {
+        return name.startsWith(QLatin1String("__")) ||
+               name.startsWith(QLatin1String("gen_var_decl"));
+    });
+    QTEST(made, "expected");
+}
+
+void TestGeneratorMainHandler::stackGenerations()
+{
+    for (const bool isV4 : {false, true}) {
+        m_store->setGeneralSetting(QStringLiteral("use_core_headers"),
+                                   isV4 ? QStringLiteral("V4") : QStringLiteral("v4"));
+        QCOMPARE(generate(), 0);
+        QCOMPARE(read("gen_objdict.c").contains("(V4)"), isV4);
+        QCOMPARE(read("gen_define.h").contains("(v4)"), isV4);
+        QCOMPARE(read("gen_indication.h").contains("(V4)"), isV4);
+    }
+}
+
+void TestGeneratorMainHandler::userSectionIsReported()
+{
+    QCOMPARE(generate(), 0);
+    QVERIFY(m_output->messages.filter(QLatin1String("user section")).isEmpty());
+    QByteArray header = read("gen_define.h");
+    header.replace("/* user-specific section: start */\n",
+                   "/* user-specific section: start */\n\n#define MINE 1\n\n");
+    write("gen_define.h", header);
+    QCOMPARE(generate(), 0);
+    QVERIFY(m_output->messages.contains(
+        QStringLiteral("gen_define.h contains user section:\n#define MINE 1")));
+    QVERIFY(read("gen_define.h").contains("\n#define MINE 1\n"));
+}
+
+void TestGeneratorMainHandler::virtualObjects()
+{
+    write("gen_vobjdict.c", "of a former project");
+    QCOMPARE(generate(), 0);
+    QVERIFY(!files().contains("gen_vobjdict.c"));
+    QVERIFY(m_output->messages.filter(QLatin1String("gen_vobjdict.c")).isEmpty());
+    m_handler->setVirtualObjects(true);
+    QCOMPARE(generate(), 0);
+    QVERIFY(files().contains("gen_vobjdict.c"));
+    QVERIFY(m_output->messages.contains(
+        QStringLiteral("Generation of gen_vobjdict.c in %1 started").arg(m_folder->path())));
+}
+
+void TestGeneratorMainHandler::props()
+{
+    m_store->setGeneralSetting(QStringLiteral("gen_csharp_props"), QStringLiteral("1"));
+    QCOMPARE(generate(), 0);
+    const QString folder = m_folder->path();
+    QVERIFY(m_output->messages.contains(
+        QStringLiteral("Generation of gen_define.props and Directory.Build.props in %1 finished")
+            .arg(folder)));
+    QVERIFY(read("gen_define.props").contains("DefineConstants"));
+    QVERIFY(QFile::remove(path("Directory.Build.props")));
+    QVERIFY(QDir(folder).mkdir("Directory.Build.props"));
+    QCOMPARE(generate(), 0);
+    QVERIFY(m_output->messages.contains(
+        QStringLiteral(
+            "The files gen_define.props and Directory.Build.props in %1 are not writable")
+            .arg(folder)));
 }
 
 void TestGeneratorMainHandler::edsVariantsWithFd()
@@ -326,7 +467,7 @@ void TestGeneratorMainHandler::correctionsReachTheOutput()
 void TestGeneratorMainHandler::unwritableFolder_data()
 {
     QTest::addColumn<QString>("name");
-    for (const char *name : {"missing", "file", "locked"})
+    for (const char *name : {"missing", "file", "locked", ""})
         QTest::newRow(name) << QString::fromLatin1(name);
 }
 
@@ -336,7 +477,8 @@ void TestGeneratorMainHandler::unwritableFolder()
     write("file", "x");
     QVERIFY(QDir(m_folder->path()).mkdir("locked"));
     QVERIFY(QFile::setPermissions(path("locked"), QFile::ReadOwner | QFile::ExeOwner));
-    const QString folder = m_folder->filePath(name);
+    // A project that was never saved has none.
+    const QString folder = name.isEmpty() ? QString() : m_folder->filePath(name);
     m_handler->setProject(m_store, folder, QStringLiteral("device"));
     QCOMPARE(generate(), 3);
     QCOMPARE(m_output->messages.constLast(),
@@ -353,32 +495,50 @@ void TestGeneratorMainHandler::unwritableFile()
     QVERIFY(m_output->messages.contains(
         QStringLiteral("The EDS file device.eds in %1 is not writable").arg(m_folder->path())));
     QVERIFY(!m_output->messages.contains(QStringLiteral("Generation of EDS file completed. ")));
-    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation finished."));
+    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation completed."));
 }
 
+void TestGeneratorMainHandler::fullDisk_data()
+{
+    QTest::addColumn<unsigned>("size");
+    for (const unsigned size : {0u, 1024u, 3000u, 8192u})
+        QTest::addRow("%u bytes", size) << size;
+}
+
+/// What is there is whole, and what is missing is told.
 void TestGeneratorMainHandler::fullDisk()
 {
     if (!FileSizeLimit::isSupported())
         QSKIP("This system has no limit on file sizes.");
-    QVERIFY(m_store->cacheAllSubs(0)); // the working copy needs its room as well
-    int result = -1;
-    m_output->onMessage =
-        [limit = std::make_shared<std::unique_ptr<FileSizeLimit>>()](const QString &message) {
-            if (message.contains(QLatin1String("finished.\n")))
-                *limit = std::make_unique<FileSizeLimit>(1024);
-            if (message == QLatin1String("Generation finished."))
-                limit->reset();
-        };
-    result = generate();
-    QCOMPARE(result, 0);
-    bool failed = false;
-    for (const QString &message : std::as_const(m_output->messages)) {
-        failed |= message.startsWith(QLatin1String("<b>ERROR - Generation of EDS file failed. ")) &&
-                  message.endsWith(QLatin1String("</b>"));
+    QFETCH(unsigned, size);
+    qputenv("SOURCE_DATE_EPOCH", "0");
+    QCOMPARE(generate(), 0);
+    QMap<QString, QByteArray> whole;
+    const QStringList names = files();
+    for (const QString &name : names) {
+        whole.insert(name, read(qPrintable(name)));
+        QVERIFY(QFile::remove(m_folder->filePath(name)));
     }
-    QVERIFY(failed);
-    QVERIFY(!m_output->messages.contains(QStringLiteral("Generation of EDS file completed. ")));
-    QVERIFY(!files().contains("device.eds"));
+    m_output->messages.clear();
+    std::unique_ptr<FileSizeLimit> limit;
+    m_output->onMessage = [&](const QString &message) {
+        if (message.contains(QLatin1String("finished.\n")))
+            limit = std::make_unique<FileSizeLimit>(size);
+        if (message == QLatin1String("Generation finished."))
+            limit.reset();
+    };
+    const int result = generate();
+    qunsetenv("SOURCE_DATE_EPOCH");
+    QCOMPARE(result, 0);
+    const QStringList made = files();
+    for (const QString &name : made)
+        QVERIFY2(read(qPrintable(name)) == whole.value(name), qPrintable(name));
+    const auto told = [this](const char *text) {
+        return m_output->messages.filter(QLatin1String(text)).size();
+    };
+    QCOMPARE(told("<b>ERROR - Generation of "), names.size() - made.size());
+    QCOMPARE(told(" completed. "), names.size() - 1 - told("<b>ERROR - Generation of "));
+    QVERIFY(size > 1024 || told("<b>ERROR - Generation of EDS file failed. ") == 1);
 }
 
 void TestGeneratorMainHandler::stopRequest()
@@ -394,7 +554,7 @@ void TestGeneratorMainHandler::stopRequest()
     const QByteArray eds = read("device.eds");
     QVERIFY(eds.contains("SupportedObjects=3000\n"));
     QVERIFY(!eds.contains("[2bb7]"));
-    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation finished."));
+    QCOMPARE(m_output->messages.constLast(), QStringLiteral("Generation completed."));
 }
 
 void TestGeneratorMainHandler::addressClaimIsRemoved()

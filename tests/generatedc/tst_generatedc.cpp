@@ -1,0 +1,208 @@
+#include "tests/generatedc/expectedobjects.h"
+#include "tests/generatedc/generatedproject.h"
+
+#include <QTest>
+
+#include <memory>
+
+/// The generated dictionaries compile, and what they hold is what the project says.
+class TestGeneratedC : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void dictionary_data();
+    void dictionary();
+    void initialisation_data();
+    void initialisation();
+    void serverOnly();
+    void strictStub();
+};
+
+namespace {
+
+const ProjectCase &caseNamed(const QString &name)
+{
+    const auto &cases = projectCases();
+    return *std::find_if(cases.begin(), cases.end(),
+                         [&](const ProjectCase &entry) { return entry.name == name; });
+}
+
+void compare(const QMap<QString, ExpectedSub> &actual, const QMap<QString, ExpectedSub> &expected)
+{
+    QCOMPARE(actual.keys(), expected.keys());
+    for (auto it = expected.begin(); it != expected.end(); ++it) {
+        const ExpectedSub &is = actual[it.key()];
+        const ExpectedSub &wanted = *it;
+        const auto check = [&](const char *what, const QString &a, const QString &b) {
+            if (a != b)
+                QFAIL(qPrintable(QString("%1 %2: is %3, has to be %4")
+                                     .arg(it.key(), QLatin1String(what), a, b)));
+        };
+        check("type", is.type, wanted.type);
+        check("attributes", is.attributes, wanted.attributes);
+        if (!wanted.value.isEmpty() && is.value != "service")
+            check("value", is.value, wanted.value);
+        check("default", is.defaultValue, wanted.defaultValue);
+        check("low limit", is.low, wanted.low);
+        check("high limit", is.high, wanted.high);
+    }
+}
+
+} // namespace
+
+void TestGeneratedC::dictionary_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isV4");
+    for (const ProjectCase &projectCase : projectCases()) {
+        for (const bool isV4 : {false, true})
+            QTest::addRow("%s, %s", projectCase.name, isV4 ? "V4" : "V3")
+                << QString(projectCase.name) << isV4;
+    }
+}
+
+void TestGeneratedC::dictionary()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isV4);
+    const ProjectCase &projectCase = caseNamed(name);
+    GeneratedProject generated(projectCase, isV4);
+    generated.generate();
+    QCOMPARE(!generated.errorText().isEmpty(), projectCase.hasError);
+    QCOMPARE(generated.compile("clang"), QString());
+    QCOMPARE(generated.compile("gcc"), QString());
+    QString output;
+    QCOMPARE(generated.run(output), QString());
+
+    QStringList problems;
+    const auto actual = ExpectedObjects::parse(output, problems);
+    QCOMPARE(problems, QStringList());
+    QVERIFY(output.contains("init 0"));
+    if (!projectCase.hasError)
+        compare(actual, ExpectedObjects::of(generated.project().store()));
+}
+
+void TestGeneratedC::initialisation_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QStringList>("lines");
+
+    QTest::newRow("services") << "services"
+                              << QStringList{"call 0 led",
+                                             "call 0 sdo server 1",
+                                             "call 0 sdo client 1",
+                                             "call 0 error control 1000 3",
+                                             "call 0 emcy producer",
+                                             "call 0 sync 80 10000 500",
+                                             "call 0 emcy consumer 5",
+                                             "call 0 time 100",
+                                             "call 0 srd",
+                                             "call 0 gfc 1 1",
+                                             "call 0 srdo 1",
+                                             "call 0 isotp",
+                                             "call 0 idnego",
+                                             "call 0 guarding",
+                                             "call 0 lss master",
+                                             "call 0 nmt 1"};
+    QTest::newRow("PDOs") << "PDOs"
+                          << QStringList{
+                                 "call 0 rpdo 1 type=254 inhibit=100 event=0 table=1",
+                                 "map 0 RPDO2 1 20000010 length=2 numeric=1 ok row=ok",
+                                 "call 0 rpdo 2 type=254 inhibit=100 event=0 table=1",
+                                 "map 0 RPDO3 1 00050008 length=1 numeric=1 null row=none",
+                                 "map 0 RPDO3 2 21000020 length=4 numeric=1 ok row=ok",
+                                 "call 0 rpdo 4 type=254 inhibit=100 event=0 table=0",
+                                 "map 0 TPDO1 3 21010008 length=1 numeric=1 ok",
+                                 "call 0 tpdo 1 type=254 inhibit=100 event=500 start=7 table=1",
+                                 "map 0 TPDO2 1 21020008 length=1 numeric=1 null",
+                                 "map 0 TPDO2 2 7fff0008 length=1 numeric=0 null",
+                                 "call 0 tpdo 3 type=254 inhibit=100 event=500 start=7 table=0",
+                                 "call 0 tpdo 4 type=254 inhibit=100 event=500 start=7 table=1",
+                                 "call 0 tpdo 5 type=0 inhibit=0 event=0 start=0 table=0"};
+    QTest::newRow("bits") << "PDOs, bitwise"
+                          << QStringList{"map 0 TPDO6 1 22000001 length=1 numeric=1 ok",
+                                         "map 0 TPDO6 2 20020008 length=8 numeric=1 ok"};
+    QTest::newRow("COB-IDs") << "overwritten connection set"
+                             << QStringList{"call 0 cobid 1200:01 605",
+                                            "call 0 cobid 1200:02 585",
+                                            "call 0 cobid 1201:01 701",
+                                            "call 0 cobid 1201:02 702",
+                                            "call 0 cobid 1400:01 201",
+                                            "call 0 cobid 1800:01 185",
+                                            "overwrite 0"};
+    QTest::newRow("two lines") << "two lines"
+                               << QStringList{"call 0 nmt 0",
+                                              "call 1 nmt 1",
+                                              "call 0 cobid 1800:01 185",
+                                              "overwrite 0",
+                                              "object 1 2001 ARRAY rows=4 highest=3",
+                                              "map 1 RPDO2 1 20020010 length=2 numeric=1 ok row=ok",
+                                              "call 1 tpdo 1 type=254 inhibit=100 event=500 "
+                                              "start=7 table=1"};
+    QTest::newRow("CAN FD") << "CAN FD"
+                            << QStringList{"call 0 usdo server", "call 0 usdo client 3"};
+    QTest::newRow("compact") << "compact"
+                             << QStringList{"object 0 2100 ARRAY rows=2 highest=10",
+                                            "object 0 2101 ARRAY rows=4 highest=6",
+                                            "object 0 2102 ARRAY rows=2 highest=5",
+                                            "object 0 1f82 ARRAY rows=2 highest=127"};
+    QTest::newRow("strings") << "hostile texts" << QStringList{"texts say \"hi\" 1234 1234"};
+}
+
+void TestGeneratedC::initialisation()
+{
+    QFETCH(QString, name);
+    QFETCH(QStringList, lines);
+    GeneratedProject generated(caseNamed(name), true);
+    generated.generate();
+    QCOMPARE(generated.compile("gcc"), QString());
+    QString output;
+    QCOMPARE(generated.run(output), QString());
+    for (const QString &line : std::as_const(lines))
+        QVERIFY2(output.contains('\n' + line + '\n'), qPrintable(line + "\nin\n" + output));
+}
+
+/// The dictionary that a J1939 device serves over CAN-IDs of its own.
+void TestGeneratedC::serverOnly()
+{
+    for (const char *name : {"device", "two lines"}) {
+        for (const bool isV4 : {false, true}) {
+            GeneratedProject generated(caseNamed(name), isV4);
+            generated.project().setting("line0type", "2");
+            generated.generateServerOnly();
+            QCOMPARE(generated.errorText(), QString());
+            QVERIFY(generated.text("gen_objdict.c").contains("RET_T\tj1939OdInit("));
+            QVERIFY(!generated.text("gen_objdict.c").contains("serviceInitVars"));
+            QCOMPARE(generated.compileDictionary("clang"), QString());
+            QCOMPARE(generated.compileDictionary("gcc"), QString());
+        }
+    }
+}
+
+/// The stand-in stack's types notice what a slip of the generator would look like.
+void TestGeneratedC::strictStub()
+{
+    const QList<std::pair<QString, QString>> slips = {
+        {"CORE_DTYPE_U32, CO_DSPEC_CONST", "CO_DSPEC_CONST, CORE_DTYPE_U32"},
+        {"CORE_DTYPE_U32, CO_DSPEC_CONST", "CORE_DTYPE_U32 CO_DSPEC_CONST"},
+        {"CORE_DTYPE_U32, CO_DSPEC_CONST", "CO_DSPEC_CONST"},
+        {"#define CO_OBJ_DESC_CNT ", "#define CO_OBJ_DESC_CNT 1u + 0u * "},
+        {"#define CO_OD_ASSIGN_CNT ", "#define CO_OD_ASSIGN_CNT 1u + 0u * "},
+        {"u, CO_ODTYPE_VAR,", "u, 1u, CO_ODTYPE_VAR,"},
+        {"    , od_const_u16\n", ""},
+        {"    , od_const_u16\n    , od_const_u32\n", "    , od_const_u32\n    , od_const_u16\n"},
+        {"   { CO_TXPDO_COUNTS },", "   { CO_TXPDO_COUNTS }"},
+    };
+    GeneratedProject generated(caseNamed("device"), true);
+    generated.generate();
+    const QString original = generated.text("gen_objdict.c");
+    for (const auto &[from, to] : slips) {
+        QVERIFY2(original.contains(from), qPrintable(from));
+        generated.replaceSource(QString(original).replace(from, to));
+        QVERIFY2(!generated.compile("gcc").isEmpty(), qPrintable(from + " -> " + to));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestGeneratedC)
+#include "tst_generatedc.moc"
