@@ -9,7 +9,8 @@
 
 #define IO_GROUPS 4u
 
-typedef struct {
+typedef struct
+{
     INTEGER8 lowestTemperature;
     INTEGER8 highestTemperature;
     UNSIGNED16 lowestSupply;

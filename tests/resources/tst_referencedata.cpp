@@ -278,6 +278,8 @@ void TestReferenceData::builderRepeatsTheBuild_data()
     QTest::addColumn<QString>("source");
     QTest::addColumn<QString>("built");
     QTest::newRow("template") << "templates/mt.qfs" << templatePath;
+    QTest::newRow("prototypes") << "templates/objects.qfs"
+                                << QStringLiteral(REFERENCE_DATA_DIR "/objects.data");
     QTest::newRow("example") << "examples/io-module.qfs" << examplePath;
 }
 

@@ -1,0 +1,12 @@
+#include "resources/codb/standardprofiles.h"
+
+// Outside of any namespace, since that is where the resource's own function stands.
+static void initializeResource()
+{
+    Q_INIT_RESOURCE(codb);
+}
+
+void StandardProfiles::makeAvailable()
+{
+    initializeResource();
+}
