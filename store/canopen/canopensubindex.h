@@ -21,12 +21,12 @@ public:
     QString denotation;           ///< DCF
     QString lowLimit;
     QString highLimit;
-    bool hasLimits = false;    ///< at least one limit that is not empty was given
-    bool refuseWrite = false;  ///< `ObjFlags` bit 0: not written on download
-    bool refuseRead = false;   ///< `ObjFlags` bit 1: not read on scan
-    QString uploadFile;        ///< DCF, domains
-    QString downloadFile;      ///< DCF, domains
-    QString description;       ///< comment lines of the section, one behind the other
+    bool hasLimits = false;   ///< at least one limit that is not empty was given
+    bool refuseWrite = false; ///< `ObjFlags` bit 0: not written on download
+    bool refuseRead = false;  ///< `ObjFlags` bit 1: not read on scan
+    QString uploadFile;       ///< DCF, domains
+    QString downloadFile;     ///< DCF, domains
+    QString description;      ///< comment lines of the section, one behind the other
 };
 
 Q_DECLARE_METATYPE(CANopenSubindex)

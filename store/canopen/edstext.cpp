@@ -125,8 +125,7 @@ bool EdsText::findSections()
             if (!m_sections.isEmpty())
                 m_sections.last().end = from;
             const qsizetype close = text.indexOf(']');
-            const QByteArrayView name =
-                close < 0 ? text.sliced(1) : text.sliced(1, close - 1);
+            const QByteArrayView name = close < 0 ? text.sliced(1) : text.sliced(1, close - 1);
             m_sections.append({name.trimmed(), line, next, m_content.size()});
         } else if (m_sections.isEmpty() && m_strayLine == 0 && !text.isEmpty() &&
                    text.front() != ';') {

@@ -47,7 +47,10 @@ public:
     /// The first line that stands before any section and isn't a comment; 0 if there is none.
     [[nodiscard]] int strayLine() const { return m_strayLine; }
     /// The first bytes, for a look at what kind of file it is.
-    [[nodiscard]] QByteArrayView head() const { return QByteArrayView(m_content).first(headSize()); }
+    [[nodiscard]] QByteArrayView head() const
+    {
+        return QByteArrayView(m_content).first(headSize());
+    }
 
     using EntryFunction = std::function<void(const Entry &)>;
     using CommentFunction = std::function<void(QByteArrayView)>;
@@ -59,6 +62,12 @@ public:
     [[nodiscard]] QString decoded(QByteArrayView bytes) const
     {
         return m_isUtf8 ? QString::fromUtf8(bytes) : QString::fromLatin1(bytes);
+    }
+
+    /// The same, of no more bytes than fit into a message.
+    [[nodiscard]] QString excerpt(QByteArrayView bytes) const
+    {
+        return decoded(bytes.first(qMin<qsizetype>(bytes.size(), 60)));
     }
 
 private:

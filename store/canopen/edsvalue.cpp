@@ -12,9 +12,8 @@ using EdsValue::Value;
 
 bool isDigits(QStringView text)
 {
-    return !text.isEmpty() && std::all_of(text.begin(), text.end(), [](QChar c) {
-        return c >= u'0' && c <= u'9';
-    });
+    return !text.isEmpty() &&
+           std::all_of(text.begin(), text.end(), [](QChar c) { return c >= u'0' && c <= u'9'; });
 }
 
 bool isSigned(quint16 dataType)
@@ -118,8 +117,8 @@ Value unsignedValue(quint16 dataType, const QString &text)
     if (!ok || text.startsWith(u'-'))
         return {text, Finding::NoNumber};
     const uint bits = COHelper::getDataLengthBits(dataType);
-    return {text, bits == 64 || number < (quint64(1) << bits) ? Finding::Plain
-                                                              : Finding::OutOfRange};
+    return {text,
+            bits == 64 || number < (quint64(1) << bits) ? Finding::Plain : Finding::OutOfRange};
 }
 
 Value integerValue(quint16 dataType, const QString &text)

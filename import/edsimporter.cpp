@@ -1,0 +1,221 @@
+#include "import/edsimporter.h"
+
+#include "import/objectwriter.h"
+#include "import/pdocompletion.h"
+#include "store/canopen/cohelper.h"
+#include "store/canopen/edsparser.h"
+
+#include <array>
+
+namespace {
+
+using Entry = ObjectDataBase::SUBINDEX_DATA_T;
+
+struct DeviceKey
+{
+    const char *section;
+    const char *key;
+};
+
+// "Dummy004" is the name that this setting has had from the start; the files' own "Dummy0004" is
+// another key.
+constexpr std::array deviceKeys = {
+    DeviceKey{"FileInfo", "FileVersion"},     DeviceKey{"FileInfo", "FileRevision"},
+    DeviceKey{"FileInfo", "CreatedBy"},       DeviceKey{"FileInfo", "ModifiedBy"},
+    DeviceKey{"DummyUsage", "Dummy0001"},     DeviceKey{"DummyUsage", "Dummy0002"},
+    DeviceKey{"DummyUsage", "Dummy0003"},     DeviceKey{"DummyUsage", "Dummy004"},
+    DeviceKey{"DummyUsage", "Dummy0005"},     DeviceKey{"DummyUsage", "Dummy0006"},
+    DeviceKey{"DummyUsage", "Dummy0007"},     DeviceKey{"DeviceInfo", "VendorName"},
+    DeviceKey{"DeviceInfo", "ProductName"},   DeviceKey{"DeviceInfo", "OrderCode"},
+    DeviceKey{"DeviceInfo", "LSS_Supported"}, DeviceKey{"DeviceInfo", "BaudRate_10"},
+    DeviceKey{"DeviceInfo", "BaudRate_20"},   DeviceKey{"DeviceInfo", "BaudRate_50"},
+    DeviceKey{"DeviceInfo", "BaudRate_125"},  DeviceKey{"DeviceInfo", "BaudRate_250"},
+    DeviceKey{"DeviceInfo", "BaudRate_500"},  DeviceKey{"DeviceInfo", "BaudRate_800"},
+    DeviceKey{"DeviceInfo", "BaudRate_1000"}, DeviceKey{"DeviceInfo", "NrOfRXPDO"},
+    DeviceKey{"DeviceInfo", "NrOfTXPDO"},
+};
+
+/// A file knows mappable or not; the access type tells the direction.
+PDOMapping mappingOf(bool mappable, const QString &access)
+{
+    if (!mappable)
+        return PDOMapping::Forbidden;
+    if (access == QLatin1String("ro") || access == QLatin1String("rwr"))
+        return PDOMapping::TPDO;
+    if (access == QLatin1String("wo") || access == QLatin1String("rww"))
+        return PDOMapping::RPDO;
+    return PDOMapping::Allowed;
+}
+
+/// Default value and limits, which objects in compact form have too.
+template <typename Record>
+void takeValues(Entry &data, const Record &record)
+{
+    data.datatype = record.dataType;
+    data.accesstype = record.accessType;
+    data.defaultvalue = record.defaultValue;
+    data.defaultineds = record.hasDefaultValue;
+    data.writedefaulttoeds = record.hasDefaultValue ? 1 : 0;
+    data.limitineds = record.hasLimits;
+    if (record.hasLimits) {
+        data.lowlimit = record.lowLimit;
+        data.uplimit = record.highLimit;
+    } else {
+        COHelper::getDefaultLimits(data.datatype, data.lowlimit, data.uplimit);
+    }
+}
+
+/// What a DCF configures.
+void takeParameter(Entry &data, const QString &value, const QString &denotation, bool isDcf)
+{
+    data.currentvalue = value;
+    if (isDcf && !value.isEmpty())
+        data.defaultvalue = value;
+    data.denotation = denotation;
+    data.dcfcomponent = !denotation.isEmpty();
+}
+
+quint32 numberOf(const QString &setting)
+{
+    return setting.trimmed().toUInt(nullptr, 0);
+}
+
+} // namespace
+
+EDSImporter::EDSImporter() = default;
+
+EDSImporter::~EDSImporter()
+{
+    wait();
+}
+
+void EDSImporter::doImport()
+{
+    run([this] {
+        if (!store())
+            return;
+        m_writer = std::make_unique<ObjectWriter>(*store(), line());
+        if (read()) {
+            emit progress(50);
+            bool done = m_writer->write();
+            emit progress(85);
+            store()->setDescriptionLine(line());
+            done &= importDeviceData();
+            done &= completePdos();
+            if (!done)
+                reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+        }
+        m_parser.reset();
+        m_writer.reset();
+    });
+}
+
+bool EDSImporter::read()
+{
+    m_parser = std::make_shared<EdsParser>();
+    connect(m_parser.get(), &EdsParser::newIndex, this, &EDSImporter::newIndex);
+    connect(m_parser.get(), &EdsParser::newSubIndex, this, &EDSImporter::newSubIndex);
+    const bool loaded = m_parser->LoadEds(fileName());
+    const QStringList messages = m_parser->messages();
+    for (const QString &message : messages)
+        reportMessage(message);
+    if (!loaded)
+        reportError(m_parser->errorString());
+    return loaded;
+}
+
+void EDSImporter::newIndex(const CANopen::CANopenIndex &record)
+{
+    if (isCancelled())
+        m_parser->stop();
+    if (!isInRange(record.index))
+        return;
+    ObjectDataBase::INDEX_DATA_T data;
+    data.name = record.name;
+    data.objecttype = record.objectCode;
+    data.datatype = record.dataType;
+    data.description = record.description;
+    data.category = record.category;
+    m_writer->addObject(record.index, data);
+    if (record.compactSubObj > 0)
+        addCompactEntries(record);
+    emit BaseDataImporter::newIndex(record);
+}
+
+void EDSImporter::addCompactEntries(const CANopen::CANopenIndex &record)
+{
+    if (record.objectCode != CANopen::ARRAY && record.objectCode != CANopen::RECORD)
+        return;
+    Entry count;
+    count.name = QStringLiteral("Highest subindex supported");
+    count.datatype = CAN::UNSIGNED8;
+    count.defaultvalue = QString::number(record.compactSubObj);
+    count.defaultineds = true;
+    count.writedefaulttoeds = 1;
+    count.description = record.description;
+    COHelper::getDefaultLimits(count.datatype, count.lowlimit, count.uplimit);
+    m_writer->addEntry(record.index, 0, count);
+
+    const auto names = m_parser->getCompactSubObjNames(record.index);
+    const auto values = m_parser->getCompactSubObjValues(record.index);
+    const auto denotations = m_parser->getCompactSubObjDenotations(record.index);
+    for (quint16 i = 1; i <= record.compactSubObj; ++i) {
+        const QString key = QString::number(i);
+        Entry entry;
+        entry.name = names.value(key);
+        if (entry.name.isEmpty())
+            entry.name = record.name + u' ' + key;
+        takeValues(entry, record);
+        takeParameter(entry, values.value(key), denotations.value(key), m_isDcf);
+        entry.pdomapping = PDOMapping(record.pdoMapping);
+        m_writer->addEntry(record.index, static_cast<quint8>(i), entry);
+    }
+}
+
+void EDSImporter::newSubIndex(const CANopenSubindex &record)
+{
+    if (!isInRange(record.index))
+        return;
+    Entry data;
+    takeValues(data, record);
+    data.name = record.name;
+    takeParameter(data, record.parameterValue, record.denotation, m_isDcf);
+    data.refuseread = record.refuseRead;
+    data.refusewrite = record.refuseWrite;
+    data.pdomapping = mappingOf(record.pdoMapping, record.accessType);
+    data.description = record.description;
+    // An array's type is the type of its first element, a variable's that of its value.
+    auto *object = m_writer->object(record.index);
+    if (object && (object->objecttype == CANopen::ARRAY ? record.subindex == 1
+                                                        : object->objecttype == CANopen::VAR))
+        object->datatype = record.dataType;
+    m_writer->addEntry(record.index, record.subindex, data);
+    emit BaseDataImporter::newSubIndex(record);
+}
+
+bool EDSImporter::importDeviceData()
+{
+    bool done = true;
+    for (const DeviceKey &entry : deviceKeys) {
+        const QString key = QString::fromLatin1(entry.key);
+        done &= store()->setDescriptionSetting(
+            key, m_parser->deviceValue(QString::fromLatin1(entry.section), key));
+    }
+    // What the file doesn't say of the mapping leaves the project's own choice.
+    const QString granularity =
+        m_parser->deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("Granularity"));
+    if (!granularity.isEmpty())
+        done &= store()->setDescriptionSetting(QStringLiteral("Granularity"), granularity);
+    return store()->setDescriptionSetting(QStringLiteral("Comment"), m_parser->deviceComment()) &&
+           done;
+}
+
+bool EDSImporter::completePdos()
+{
+    PdoCompletion completion(*store(), line(), lowIndex(), highIndex());
+    completion.setCommunicationEntries(numberOf(
+        m_parser->deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("CompactPDO"))));
+    return completion.complete(
+        numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfRXPDO"))),
+        numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfTXPDO"))));
+}

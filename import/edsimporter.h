@@ -1,0 +1,41 @@
+#pragma once
+
+#include "import/basedataimporter.h"
+
+#include <memory>
+
+class EdsParser;
+class ObjectWriter;
+
+/// Imports Electronic Data Sheets and Device Configuration Files (CiA 306): objects, subindices
+/// and their descriptions, the device data of the line, and the PDOs that the file counts but
+/// doesn't describe.
+class EDSImporter : public BaseDataImporter
+{
+    Q_OBJECT
+
+public:
+    EDSImporter();
+    ~EDSImporter() override;
+
+    /// Whether the values that a DCF configures become the default values too.
+    void setDcf(bool isDcf) { m_isDcf = isDcf; }
+    [[nodiscard]] bool isDcf() const { return m_isDcf; }
+
+public slots:
+    void doImport() override;
+
+private slots:
+    void newIndex(const CANopen::CANopenIndex &record);
+    void newSubIndex(const CANopenSubindex &record);
+
+private:
+    bool read();
+    void addCompactEntries(const CANopen::CANopenIndex &record);
+    bool importDeviceData();
+    bool completePdos();
+
+    std::shared_ptr<EdsParser> m_parser;
+    std::unique_ptr<ObjectWriter> m_writer;
+    bool m_isDcf = false;
+};

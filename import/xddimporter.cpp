@@ -1,0 +1,247 @@
+#include "import/xddimporter.h"
+
+#include "import/objectwriter.h"
+#include "import/xmlguard.h"
+#include "store/canopen/cohelper.h"
+
+#include <QDebug>
+#include <QFile>
+#include <QXmlStreamReader>
+
+#include <array>
+
+namespace {
+
+using Entry = ObjectDataBase::SUBINDEX_DATA_T;
+
+constexpr qint64 mostBytes = 64 * 1024 * 1024;
+constexpr qsizetype mostEntries = 500000;
+constexpr int deepestElement = 32;
+constexpr int mostMessages = 500;
+
+struct PdoAccess
+{
+    const char *text;
+    PDOMapping::PDOMappingType mapping;
+};
+
+// "rw" and "wo" are what earlier documents of ours have.
+constexpr std::array pdoAccesses = {
+    PdoAccess{"no", PDOMapping::Forbidden}, PdoAccess{"t", PDOMapping::TPDO},
+    PdoAccess{"r", PDOMapping::RPDO},       PdoAccess{"tr", PDOMapping::Allowed},
+    PdoAccess{"rw", PDOMapping::Allowed},   PdoAccess{"wo", PDOMapping::RPDO},
+};
+
+std::optional<quint32> hexNumber(QStringView text, quint32 highest)
+{
+    bool ok = false;
+    const quint32 number = text.trimmed().toUInt(&ok, 16);
+    return ok && number <= highest ? std::optional(number) : std::nullopt;
+}
+
+QString attribute(const QXmlStreamReader &xml, const char *name, const QString &fallback = {})
+{
+    const QXmlStreamAttributes all = xml.attributes();
+    const QLatin1String key(name);
+    return all.hasAttribute(key) ? all.value(key).toString() : fallback;
+}
+
+void takeAccess(Entry &entry, const QString &modification, const QString &usdo, const QString &pdo)
+{
+    if (modification == QLatin1String("false")) {
+        entry.accesstype = QStringLiteral("const");
+        entry.pdomapping = PDOMapping::Forbidden;
+        entry.writedefaulttoeds = 1;
+        return;
+    }
+    for (const PdoAccess &access : pdoAccesses) {
+        if (pdo == QLatin1String(access.text))
+            entry.pdomapping = access.mapping;
+    }
+    if (modification == QLatin1String("const"))
+        entry.accesstype = QStringLiteral("const");
+    else if (usdo == QLatin1String("ro") || usdo == QLatin1String("wo"))
+        entry.accesstype = usdo;
+    else if (usdo == QLatin1String("rw") && pdo == QLatin1String("t"))
+        entry.accesstype = QStringLiteral("rwr");
+    else if (usdo == QLatin1String("rw") && pdo == QLatin1String("r"))
+        entry.accesstype = QStringLiteral("rww");
+    else if (usdo == QLatin1String("rw"))
+        entry.accesstype = QStringLiteral("rw");
+}
+
+} // namespace
+
+XDDImporter::XDDImporter() = default;
+
+XDDImporter::~XDDImporter()
+{
+    wait();
+}
+
+void XDDImporter::doImport()
+{
+    run([this] {
+        m_index.reset();
+        m_productName.reset();
+        m_objectSeen = false;
+        m_told = 0;
+        if (!store())
+            return;
+        m_writer = std::make_unique<ObjectWriter>(*store(), line());
+        read();
+        if (errorString().isEmpty() && !write())
+            reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+        m_writer.reset();
+    });
+}
+
+bool XDDImporter::write()
+{
+    emit progress(50);
+    bool done = m_writer->write();
+    if (m_productName) {
+        store()->setDescriptionLine(line());
+        done &= store()->setDescriptionSetting(QStringLiteral("ProductName"), *m_productName);
+    }
+    return done;
+}
+
+void XDDImporter::read()
+{
+    QFile file(fileName());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
+        reportError(tr("%1: The file can't be opened: %2.").arg(fileName(), file.errorString()));
+        return;
+    }
+    const QByteArray content = file.read(mostBytes + 1);
+    if (content.size() > mostBytes) {
+        reportError(tr("%1: The file is larger than %2 MB, which no device description is.")
+                        .arg(fileName())
+                        .arg(mostBytes / 1024 / 1024));
+        return;
+    }
+    QXmlStreamReader xml;
+    if (const int line = XmlGuard::firstOverloadedTag(content); line > 0) {
+        reportError(tr("%1:%2: An element has more than %3 attributes.")
+                        .arg(fileName())
+                        .arg(line)
+                        .arg(XmlGuard::mostAttributes));
+        return;
+    }
+    XmlGuard::feed(xml, content);
+    readDocument(xml);
+    if (!m_objectSeen) {
+        qDebug() << "no cia 1311";
+        reportError(tr("%1 has is not in CiA 1311 XDD format.").arg(fileName()));
+    }
+    if (xml.hasError())
+        reportError(QStringLiteral("%1:%2: %3")
+                        .arg(fileName())
+                        .arg(xml.lineNumber())
+                        .arg(xml.errorString()));
+}
+
+void XDDImporter::readDocument(QXmlStreamReader &xml)
+{
+    int depth = 0;
+    while (!xml.atEnd()) {
+        switch (xml.readNext()) {
+        case QXmlStreamReader::StartElement:
+            if (++depth > deepestElement)
+                xml.raiseError(
+                    tr("More than %1 elements stand inside each other.").arg(deepestElement));
+            else if (m_writer->entryCount() > mostEntries)
+                xml.raiseError(tr("The file describes more than %1 sub-indices, which no device "
+                                  "has.")
+                                   .arg(mostEntries));
+            else if (isCancelled())
+                xml.raiseError(tr("The reading was stopped."));
+            else if (xml.name() == QLatin1String("productName")) {
+                m_productName = xml.readElementText(QXmlStreamReader::SkipChildElements).trimmed();
+                --depth;
+            } else {
+                readElement(xml);
+            }
+            break;
+        case QXmlStreamReader::EndElement:
+            --depth;
+            break;
+        case QXmlStreamReader::DTD:
+            // Its entities could blow up a small file beyond all bounds.
+            xml.raiseError(tr("The document declares its own grammar (DTD), which no device "
+                              "description does."));
+            break;
+        default:
+            break;
+        }
+    }
+}
+
+void XDDImporter::readElement(QXmlStreamReader &xml)
+{
+    if (xml.name() == QLatin1String("CANopenFDDataObject"))
+        readObject(xml);
+    else if (xml.name() == QLatin1String("CANopenFDDataElement") && m_index)
+        readEntry(xml);
+}
+
+void XDDImporter::tell(const QXmlStreamReader &xml, const QString &text)
+{
+    if (++m_told <= mostMessages)
+        reportMessage(QStringLiteral("%1:%2: %3").arg(fileName()).arg(xml.lineNumber()).arg(text));
+}
+
+void XDDImporter::readObject(const QXmlStreamReader &xml)
+{
+    m_objectSeen = true;
+    m_index.reset();
+    const QString number = attribute(xml, "index");
+    const auto index = hexNumber(number, 0xFFFF);
+    if (!index) {
+        tell(xml, tr("The object index '%1' can't be read; the object is passed over.")
+                      .arg(number.left(60)));
+        return;
+    }
+    if (!isInRange(*index))
+        return;
+    m_index = static_cast<quint16>(*index);
+    ObjectDataBase::INDEX_DATA_T data;
+    data.name = attribute(xml, "name", QStringLiteral("unnamed object"));
+    data.objecttype = attribute(xml, "objectType").toUInt();
+    if (data.objecttype == 0) {
+        data.objecttype = CANopen::VAR;
+        tell(xml, tr("0x%1 has no object type; it is read as a variable.").arg(number));
+    }
+    data.datatype = static_cast<quint16>(
+        hexNumber(attribute(xml, "dataType"), 0xFFFF).value_or(CAN::UNSIGNED8));
+    data.category = CANopen::Optional;
+    m_writer->addObject(*m_index, data);
+}
+
+void XDDImporter::readEntry(const QXmlStreamReader &xml)
+{
+    const QString number = attribute(xml, "subIndex");
+    const auto subindex = hexNumber(number, 0xFF);
+    if (!subindex) {
+        tell(xml, tr("The sub-index '%1' can't be read; the element is passed over.")
+                      .arg(number.left(60)));
+        return;
+    }
+    Entry entry;
+    entry.name = attribute(xml, "name");
+    entry.datatype =
+        static_cast<quint16>(hexNumber(attribute(xml, "dataType"), 0xFFFF).value_or(0));
+    entry.defaultvalue = attribute(xml, "defaultValue");
+    entry.defaultineds = !entry.defaultvalue.isEmpty();
+    entry.writedefaulttoeds = entry.defaultineds ? 1 : 0;
+    takeAccess(entry, attribute(xml, "modification", QStringLiteral("true")),
+               attribute(xml, "accessUSDO", QStringLiteral("ro")),
+               attribute(xml, "accessPDO", QStringLiteral("no")));
+    entry.lowlimit = attribute(xml, "lowLimit");
+    entry.uplimit = attribute(xml, "highLimit");
+    entry.limitineds = !entry.lowlimit.isEmpty() || !entry.uplimit.isEmpty();
+    if (!entry.limitineds)
+        COHelper::getDefaultLimits(entry.datatype, entry.lowlimit, entry.uplimit);
+    m_writer->addEntry(*m_index, static_cast<quint8>(*subindex), entry);
+}
