@@ -1,0 +1,102 @@
+#include "cli/checkcommand.h"
+
+#include "check/modelchecker.h"
+#include "cli/checkreport.h"
+#include "cli/console.h"
+#include "cli/projectaccess.h"
+#include "generators/generatormainhandler.h"
+#include "generators/plaintextoutputhandler.h"
+#include "generators/runfacts.h"
+#include "store/objectdatabase.h"
+
+#include <QFileInfo>
+
+namespace {
+
+const QString formatKey = QStringLiteral("format");
+
+struct Format
+{
+    QString name;
+    QByteArray (*make)(const CheckReport &report);
+};
+
+const QList<Format> &formats()
+{
+    static const QList<Format> list = {{QStringLiteral("text"), CheckReports::text},
+                                       {QStringLiteral("json"), CheckReports::json},
+                                       {QStringLiteral("sarif"), CheckReports::sarif}};
+    return list;
+}
+
+/// Lines that the check passes over, as nothing is known of their protocols.
+QList<CheckFinding> untypedLines(const std::shared_ptr<ObjectDataBase> &store)
+{
+    RunFacts facts;
+    facts.store = store;
+    facts.classify();
+    QList<CheckFinding> findings;
+    for (const quint8 line : std::as_const(facts.activeLines)) {
+        if (!facts.lineProtocols(line))
+            findings.append(CheckReports::lineTypeMissing(line));
+    }
+    return findings;
+}
+
+} // namespace
+
+QString CheckCommand::name() const
+{
+    return QStringLiteral("check");
+}
+
+QString CheckCommand::summary() const
+{
+    return QStringLiteral("checks a project and lists what was found");
+}
+
+QString CheckCommand::description() const
+{
+    return QStringLiteral(
+        "Runs the same model check that stands before a generation. The project file is\n"
+        "not changed: what the check corrects by itself is only listed. json and sarif\n"
+        "also hold the warnings that the project suppresses, marked as such.");
+}
+
+QList<CommandArgument> CheckCommand::arguments() const
+{
+    return {{QStringLiteral("PROJECT"), QStringLiteral("the project, a .vxmp or .vxmt file")}};
+}
+
+QList<CommandOption> CheckCommand::options() const
+{
+    QStringList names;
+    for (const Format &format : formats())
+        names.append(format.name);
+    return {{{formatKey},
+             QStringLiteral("FORMAT"),
+             QStringLiteral("the form of the list; sarif is SARIF 2.1.0"),
+             names,
+             names.first()}};
+}
+
+ExitCode CheckCommand::run(const CommandCall &call, Console &console) const
+{
+    const QString path = call.arguments.first();
+    PlainTextOutputHandler unheard(nullptr);
+    GeneratorMainHandler handler(unheard);
+    const QString fault = ProjectAccess::open(handler, path);
+    if (!fault.isEmpty()) {
+        console.error(fault);
+        return ExitCode::FileFailed;
+    }
+    CheckReport report{.projectPath = QFileInfo(path).absoluteFilePath(),
+                       .errorCount = handler.checkModel(),
+                       .findings = {}};
+    report.findings = handler.modelChecker()->findings() + untypedLines(handler.store());
+    for (const Format &format : formats()) {
+        if (format.name == call.value(formatKey))
+            console.result(QString::fromUtf8(format.make(report)));
+    }
+    return report.errorCount > 0 ? ExitCode::CheckFailed : ExitCode::Done;
+}

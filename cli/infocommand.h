@@ -1,0 +1,15 @@
+#pragma once
+
+#include "cli/command.h"
+
+/// Tells what a project file holds.
+class InfoCommand : public Command
+{
+public:
+    [[nodiscard]] QString name() const override;
+    [[nodiscard]] QString summary() const override;
+    [[nodiscard]] QString description() const override;
+    [[nodiscard]] QList<CommandArgument> arguments() const override;
+    [[nodiscard]] QList<CommandOption> options() const override;
+    ExitCode run(const CommandCall &call, Console &console) const override;
+};
