@@ -2,6 +2,9 @@
 
 #include "app/edition.h"
 #include "app/vxmmainwindow.h"
+#include "import/csvimporter.h"
+#include "import/edsimporter.h"
+#include "import/importhandler.h"
 #include "store/databasemodifier.h"
 
 #include <QCoreApplication>
@@ -11,11 +14,15 @@
 #include <QTimer>
 
 #include <array>
+#include <cstdio>
+#include <memory>
 
 namespace {
 
 constexpr quint8 lastCopiedLine = 31;
 constexpr quint32 highestPgn = 0x3FFFF;
+constexpr quint32 firstImported = 0x1000;
+constexpr quint32 lastImported = 0xBFFF;
 
 /// Lets notifications that are on their way reach the forms.
 void runEventsFor(int milliseconds)
@@ -30,13 +37,58 @@ void resetCursor(VxmMainWindow &window)
     window.setCursor(Qt::ArrowCursor);
 }
 
+struct SuffixImporter
+{
+    const char *suffix;
+    std::unique_ptr<BaseDataImporter> (*make)();
+};
+
+template <typename Importer>
+std::unique_ptr<BaseDataImporter> makeImporter()
+{
+    return std::make_unique<Importer>();
+}
+
+constexpr std::array suffixImporters{
+    SuffixImporter{"csv", makeImporter<CsvImporter>},
+    SuffixImporter{"icsv", makeImporter<CsvImporter>},
+    SuffixImporter{"eds", makeImporter<EDSImporter>},
+    SuffixImporter{"dcf", makeImporter<EDSImporter>},
+};
+
+/// The importer for a file by its suffix; null if there is none.
+std::unique_ptr<BaseDataImporter> importerFor(const QString &path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    for (const SuffixImporter &entry : suffixImporters) {
+        if (suffix == QLatin1String(entry.suffix))
+            return entry.make();
+    }
+    return nullptr;
+}
+
 void importIntoLineZero(VxmMainWindow &window)
 {
     const std::optional<QString> &path = window.options().importFile;
     if (!path || !QFileInfo::exists(*path))
         return;
     qDebug() << "try to import " << *path;
-    // No importer takes any suffix yet, so there is nothing to be done with the file.
+    const std::unique_ptr<BaseDataImporter> importer = importerFor(*path);
+    if (!importer)
+        return;
+    importer->setLine(0);
+    importer->setDatabase(&window.database());
+    importer->setRange(firstImported, lastImported);
+    importer->setFile(*path);
+    importer->start();
+    importer->wait();
+    const QStringList messages = importer->messages();
+    for (const QString &message : messages)
+        qDebug().noquote() << message;
+    // Whoever runs this without a user has no other way to learn of it.
+    if (const QString error = importer->errorString(); !error.isEmpty())
+        std::fprintf(stderr, "%s\n", qUtf8Printable(error));
+    runEventsFor(500);
 }
 
 void copyForeignPgns(VxmMainWindow &window)
@@ -62,10 +114,14 @@ void runImportHandler(VxmMainWindow &window)
     const std::optional<QString> &path = window.options().importHandlerFile;
     if (!path)
         return;
-    if (QFileInfo::exists(*path))
-        qDebug() << "Import Handler file: " << *path;
-    else
+    qDebug() << "Import Handler file: " << *path;
+    if (!QFileInfo::exists(*path)) {
         qDebug() << "Import Handler file: " << *path << "does not exist";
+        return;
+    }
+    ImportHandler handler(&window.database());
+    if (!handler.loadImportFile(*path) || !handler.applyImportFile())
+        qDebug() << "Import Handler file error: " << handler.errorString();
 }
 
 void modifyDatabase(VxmMainWindow &window)

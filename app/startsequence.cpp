@@ -6,6 +6,7 @@
 #include "app/support/tolvexbaseapplication.h"
 #include "app/support/usersettings.h"
 #include "app/vxmmainwindow.h"
+#include "resources/codb/standardprofiles.h"
 #include "store/objectdatabase.h"
 
 #include <QFileInfo>
@@ -54,6 +55,8 @@ void startNormally(VxmMainWindow &window)
         window.openProject(last);
     else
         window.newProject();
+    window.loadLibrary(Edition::isJ1939() ? StandardProfiles::additional
+                                          : StandardProfiles::communication);
     window.setActionEnabled("action_Import_File", true);
     window.bringOntoScreen();
     window.selectFirstLine();
@@ -72,6 +75,7 @@ int runQuillforge(int argc, char *argv[], const char *applicationName)
     // The end of a box must not end a hidden run, whose only window that box is.
     QApplication::setQuitOnLastWindowClosed(!options.hidden);
 
+    StandardProfiles::makeAvailable();
     const auto project = std::make_shared<ObjectDataBase>();
     prepareProjectStore(*project);
     const auto library = std::make_shared<ObjectDataBase>();
@@ -83,10 +87,12 @@ int runQuillforge(int argc, char *argv[], const char *applicationName)
     window.selectLine(0);
     if (!options.hidden)
         window.show();
-    if (options.project)
+    if (options.project) {
         window.openProject(*options.project);
-    else
+        window.loadLibrary(StandardProfiles::communication);
+    } else {
         startNormally(window);
+    }
 
     qRegisterMetaType<ObjectDataBase::ChangeSet>("ObjectDataBase::ChangeSet");
     QTimer::singleShot(0, &window, &VxmMainWindow::doThingsAfter1Second);

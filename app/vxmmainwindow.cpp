@@ -6,6 +6,8 @@
 #include "app/support/guihelper.h"
 #include "app/support/lineicon.h"
 #include "app/support/usersettings.h"
+#include "import/codbimporter.h"
+#include "store/undomanager.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
@@ -30,7 +32,8 @@ constexpr std::array actionIcons{
     ActionIcon{"actionNew_Project", "new"},     ActionIcon{"actionOpen_Project", "open"},
     ActionIcon{"actionSave_Project", "save"},   ActionIcon{"actionSave_Project_as", "save-as"},
     ActionIcon{"actionClose_Project", "close"}, ActionIcon{"actionGenerate_Output", "generate"},
-    ActionIcon{"actionQuit", "quit"},           ActionIcon{"action_About", "about"},
+    ActionIcon{"actionQuit", "quit"},           ActionIcon{"actionUndo", "undo"},
+    ActionIcon{"actionRedo", "redo"},           ActionIcon{"action_About", "about"},
 };
 
 /// Entries of the line box below the lines.
@@ -55,6 +58,7 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     ui->setupUi(this);
     decorate();
     makePages();
+    makeUndo();
     makeGenerator();
     restoreGeometryOfUser();
 
@@ -68,7 +72,11 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     leaveProjectPath();
 }
 
-VxmMainWindow::~VxmMainWindow() = default;
+VxmMainWindow::~VxmMainWindow()
+{
+    // Its last signals are about actions that are still there now.
+    delete m_undoManager;
+}
 
 void VxmMainWindow::decorate()
 {
@@ -104,6 +112,7 @@ void VxmMainWindow::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
     for (const Page &page : std::as_const(m_pages))
         page.form->setDatabase(database.get());
     updateLinesComboBox();
+    attachUndo();
 }
 
 void VxmMainWindow::setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &database)
@@ -293,6 +302,7 @@ void VxmMainWindow::setBusy(bool busy)
         action->setEnabled(!busy);
     if (!busy)
         m_pausedActions.clear();
+    updateUndoActions(); // a step may have come or gone meanwhile
     ui->toolBar->setEnabled(!busy);
     ui->mpSelectLine->setEnabled(!busy);
     setAcceptDrops(!busy);

@@ -13,10 +13,13 @@
 #include <memory>
 
 class BaseMainForm;
+class CODBImporter;
 class GUIOutputHandler;
+class GUIPostGenProgressHandler;
 class GeneratorOutputForm;
 class OutputHandlerBase;
 class QProgressDialog;
+class UndoManager;
 struct PageContext;
 struct PageFactory;
 
@@ -41,6 +44,9 @@ public:
     void setDatabase(const std::shared_ptr<ObjectDataBase> &database);
     /// The standard objects on offer; none of them is part of a project.
     void setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &database);
+    /// Fills the staging line of the library with a profile database, on a thread beside the
+    /// window. `importPogress` hears how far it is.
+    void loadLibrary(const QString &profile);
     [[nodiscard]] ObjectDataBase &database() const { return *m_database; }
     [[nodiscard]] const StartOptions &options() const { return m_options; }
 
@@ -76,6 +82,8 @@ signals:
     void lineChanged(quint8 line);
     void expertModeChanged(bool expertModeActive);
     void sigInstrumentFunctions(bool enable);
+    /// The standard objects in the library's staging line are complete.
+    void standardObjectsReady();
 
 public slots:
     void on_actionNew_Project_triggered();
@@ -85,12 +93,15 @@ public slots:
     void on_actionClose_Project_triggered();
     void on_actionGenerate_Output_triggered();
     void on_actionQuit_triggered();
+    void on_actionUndo_triggered();
+    void on_actionRedo_triggered();
     void on_action_About_triggered();
     void on_actionAbout_Qt_triggered();
 
     /// The late part of the start, run once by the event loop.
     void doThingsAfter1Second();
     void finishOpenProcedure();
+    void handleUndoLimitReached();
     /// Opens the project that the sending action of the menu names.
     void openRecent();
     /// A page was activated; the one before it stores its input.
@@ -99,9 +110,14 @@ public slots:
     /// An entry of the line box was chosen: a line, or a flow on the lines.
     void handleLineChanged(int value);
     void updateLinesComboBox();
+    void importPogress(quint8 percent);
     void handleCheckError(QString errorString);
     void generatorFinished(GeneratorMainHandler::GeneratorResult result);
     void projectCorrectionDone();
+    /// Show where a link of the output pane leads to.
+    void handleGotoIndex(quint8 line, quint16 index);
+    void handleGoToSubindex(quint8 line, quint16 index, quint8 subindex);
+    void searchRequestSlot(const QString &searchString);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -160,21 +176,34 @@ private:
     [[nodiscard]] bool askYesNo(const QString &question);
     [[nodiscard]] bool mayAddLine();
 
+    // vxmmainwindow_undo.cpp
+    void makeUndo();
+    void attachUndo();
+    void noteSavedContent();
+    void updateUndoActions();
+    void takeUndoStep(void (UndoManager::*step)(), bool (UndoManager::*isPossible)() const,
+                      const QString &doneText, const QString &failedText);
+    void projectRestored();
+
     // vxmmainwindow_generation.cpp
     void makeGenerator();
     void showGeneratorPage();
     void runGenerator();
     void showProgress();
+    void showDictionaryPage(quint8 line, const QString &what);
 
     std::unique_ptr<Ui::VxmMainWindow> ui;
     StartOptions m_options;
     std::shared_ptr<ObjectDataBase> m_database;
     std::shared_ptr<ObjectDataBase> m_library;
+    std::unique_ptr<CODBImporter> m_libraryImporter; ///< ends before the library does
+    UndoManager *m_undoManager = nullptr;            ///< child of the window
     QList<Page> m_pages;
     QPointer<BaseMainForm> m_currentPage;
     GeneratorOutputForm *m_outputForm = nullptr;
-    OutputHandlerBase *m_outputHandler = nullptr; ///< child of the window
+    OutputHandlerBase *m_outputHandler = nullptr; ///< child of the generator
     GeneratorMainHandler *m_generator = nullptr;  ///< child of the window
+    std::shared_ptr<GUIPostGenProgressHandler> m_postGenProgress;
     QPointer<QProgressDialog> m_progress;
     QList<QAction *> m_pausedActions; ///< actions that a run has disabled
     QTimer m_refreshTimer;
@@ -182,6 +211,8 @@ private:
     QString m_projectDirectory;
     QString m_projectBaseName;
     QString m_projectFilePath;
+    QString m_openedState;  ///< undo state that was opened; empty once another one was saved
+    QString m_savedContent; ///< content hash of what was saved since
     quint8 m_line = 0;
     int m_shownLineType = 0;
     int m_changes = 0; ///< writes since the project was last saved or opened

@@ -3,16 +3,21 @@
 #include "app/edition.h"
 #include "app/generatoroutputform.h"
 #include "app/guioutputhandler.h"
+#include "app/guipostgenprogresshandler.h"
 #include "app/latestart.h"
+#include "app/pagetable.h"
+#include "app/support/basemainform.h"
 #include "app/support/guihelper.h"
 #include "app/support/usersettings.h"
 #include "generators/plaintextoutputhandler.h"
+#include "store/undomanager.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
 #include <QEventLoop>
 #include <QProgressDialog>
 #include <QSignalBlocker>
+#include <QStatusBar>
 
 namespace {
 
@@ -36,11 +41,20 @@ void VxmMainWindow::makeGenerator()
         auto *log = new PlainTextOutputHandler(stdout, this);
         m_outputHandler = new PairedOutputHandler(*pane, *log, this);
     }
-    m_generator = new GeneratorMainHandler(*m_outputHandler, this);
+    m_postGenProgress = std::make_shared<GUIPostGenProgressHandler>();
+    m_generator = new GeneratorMainHandler(*m_outputHandler, m_postGenProgress, this);
+    // The generator speaks to its last moment.
+    for (OutputHandlerBase *handler : findChildren<OutputHandlerBase *>(Qt::FindDirectChildrenOnly))
+        handler->setParent(m_generator);
     m_generator->setQuiet(m_options.hidden);
     connect(m_generator, &GeneratorMainHandler::finished, this, &VxmMainWindow::generatorFinished);
     connect(m_generator, &GeneratorMainHandler::doneCorrection, this,
             &VxmMainWindow::projectCorrectionDone);
+    connect(m_outputForm, &GeneratorOutputForm::gotoObject, this, &VxmMainWindow::handleGotoIndex);
+    connect(m_outputForm, &GeneratorOutputForm::goToSubobj, this,
+            &VxmMainWindow::handleGoToSubindex);
+    connect(m_outputForm, &GeneratorOutputForm::searchRequest, this,
+            &VxmMainWindow::searchRequestSlot);
 }
 
 void VxmMainWindow::on_actionGenerate_Output_triggered()
@@ -77,6 +91,7 @@ void VxmMainWindow::runGenerator()
                                  askYesNo(QStringLiteral("Do you want to generate gen_srdo.c?")));
     m_generator->setProject(m_database, m_projectDirectory, m_projectBaseName);
 
+    const UndoManager::Suspension suspension(*m_undoManager);
     const QSignalBlocker blocker(m_database.get());
     m_generator->generate(ignoreErrors);
 }
@@ -92,6 +107,7 @@ void VxmMainWindow::showProgress()
     m_progress->setAutoReset(false);
     connect(m_progress, &QProgressDialog::canceled, m_generator,
             &GeneratorMainHandler::requestStop);
+    m_postGenProgress->setDialog(m_progress);
     m_progress->adjustSize();
     m_progress->move(frameGeometry().center() - m_progress->rect().center());
     m_progress->show();
@@ -128,4 +144,43 @@ void VxmMainWindow::projectCorrectionDone()
     reload.kind = ObjectDataBase::ProjectReplaced;
     for (const Page &page : std::as_const(m_pages))
         page.form->updateDataSlot(reload);
+}
+
+// --- Links of the output pane -------------------------------------------------------------------
+
+void VxmMainWindow::handleGotoIndex(quint8 line, quint16 index)
+{
+    showDictionaryPage(line, QStringLiteral("Object 0x%1").arg(index, 4, 16, QLatin1Char('0')));
+}
+
+void VxmMainWindow::handleGoToSubindex(quint8 line, quint16 index, quint8 subindex)
+{
+    showDictionaryPage(line, QStringLiteral("Object 0x%1-0x%2")
+                                 .arg(index, 4, 16, QLatin1Char('0'))
+                                 .arg(subindex, 2, 16, QLatin1Char('0')));
+}
+
+/// Brings the line and its object dictionary to the front.
+void VxmMainWindow::showDictionaryPage(quint8 line, const QString &what)
+{
+    if (m_busy)
+        return;
+    const int row = ui->mpSelectLine->findData(int(line));
+    if (row < 0) {
+        statusBar()->showMessage(tr("The project has no line %1.").arg(line));
+        return;
+    }
+    if (line != m_line)
+        ui->mpSelectLine->setCurrentIndex(row);
+    for (const Page &page : std::as_const(m_pages)) {
+        if (page.factory->title == QLatin1String("CANopen Object Dictionary") &&
+            ui->toolBox->indexOf(page.form) >= 0)
+            ui->toolBox->setCurrentWidget(page.form);
+    }
+    statusBar()->showMessage(tr("%1 of line %2").arg(what).arg(line));
+}
+
+void VxmMainWindow::searchRequestSlot(const QString &searchString)
+{
+    statusBar()->showMessage(tr("Setting: %1").arg(searchString));
 }

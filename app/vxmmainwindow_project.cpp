@@ -8,6 +8,7 @@
 #include "app/support/usersettings.h"
 #include "app/versionnotes.h"
 #include "store/projectconverter.h"
+#include "store/undomanager.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
@@ -102,6 +103,7 @@ void VxmMainWindow::newProject()
 void VxmMainWindow::newProject(ProtocolQuestion question)
 {
     const QScopedValueRollback loading(m_loading, true);
+    const UndoManager::Suspension suspension(*m_undoManager);
     const QString source = templatePath();
     const bool opened = m_database->openDataBase(source, true);
     QString openError;
@@ -126,6 +128,7 @@ void VxmMainWindow::newProject(ProtocolQuestion question)
     selectLine(0);
     updateLinesComboBox();
     setModified(false);
+    attachUndo();
 }
 
 void VxmMainWindow::applyLineZeroType(int type)
@@ -156,6 +159,8 @@ bool VxmMainWindow::openProject(const QString &givenPath)
 {
     qDebug() << "open project" << givenPath;
     const QScopedValueRollback loading(m_loading, true);
+    // If the file can't be opened, the former project keeps its steps and gets no new one.
+    const UndoManager::Suspension suspension(*m_undoManager);
     ui->mpSelectLine->setCurrentIndex(0);
     const QString path = givenPath.isEmpty() ? givenPath : QFileInfo(givenPath).absoluteFilePath();
     if (!openStore(path))
@@ -180,6 +185,7 @@ bool VxmMainWindow::openProject(const QString &givenPath)
     selectLine(0, true);
     updateLinesComboBox();
     setModified(false);
+    attachUndo();
     QTimer::singleShot(finishOpenMilliseconds, this, &VxmMainWindow::finishOpenProcedure);
     return true;
 }
@@ -371,6 +377,7 @@ void VxmMainWindow::on_actionSave_Project_triggered()
     bool saved = false;
     {
         const WaitCursor cursor;
+        const UndoManager::Suspension suspension(*m_undoManager);
         saved = m_database->saveDatabase();
     }
     if (!saved) {
@@ -378,6 +385,7 @@ void VxmMainWindow::on_actionSave_Project_triggered()
         return;
     }
     setModified(false);
+    noteSavedContent();
     statusBar()->showMessage(QStringLiteral("%1 is saved.").arg(m_projectBaseName), 5000);
 }
 
@@ -397,12 +405,15 @@ void VxmMainWindow::on_actionSave_Project_as_triggered()
     bool saved = false;
     {
         const WaitCursor cursor;
+        const UndoManager::Suspension suspension(*m_undoManager);
         saved = m_database->saveDatabase(path);
     }
-    if (saved)
-        takeProjectPath(path);
-    else
+    if (!saved) {
         showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
+        return;
+    }
+    takeProjectPath(path);
+    attachUndo();
 }
 
 void VxmMainWindow::on_actionClose_Project_triggered()

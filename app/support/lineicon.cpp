@@ -32,6 +32,10 @@ constexpr std::array drawings{
     Drawing{"generate", "M 4 4 L 12 4 M 4 9 L 10 9 M 4 14 L 8 14 M 4 19 L 8 19 "
                         "M 12 11 L 20 15.5 L 12 20 Z"},
     Drawing{"quit", "M 10 4 L 4 4 L 4 20 L 10 20 M 9 12 L 20 12 M 16 8 L 20 12 L 16 16"},
+    Drawing{"undo",
+            "M 8.5 4 L 4 8.5 L 8.5 13 M 4 8.5 L 14 8.5 C 21.5 8.5 21.5 19.5 14 19.5 L 9 19.5"},
+    Drawing{"redo",
+            "M 15.5 4 L 20 8.5 L 15.5 13 M 20 8.5 L 10 8.5 C 2.5 8.5 2.5 19.5 10 19.5 L 15 19.5"},
     Drawing{"about", "O 12 12 9 M 12 11 L 12 16.5 M 12 7.5 L 12 8"},
     Drawing{"warning", "M 12 3.5 L 22 20.5 L 2 20.5 Z M 12 10 L 12 15 M 12 17.7 L 12 18"},
     Drawing{"error", "O 12 12 9 M 8.5 8.5 L 15.5 15.5 M 15.5 8.5 L 8.5 15.5"},

@@ -1,0 +1,89 @@
+#include "app/vxmmainwindow.h"
+#include "store/undomanager.h"
+#include "ui_vxmmainwindow.h"
+
+#include <QStatusBar>
+
+namespace {
+constexpr int messageMilliseconds = 5000;
+}
+
+void VxmMainWindow::makeUndo()
+{
+    m_undoManager = new UndoManager(this);
+    connect(m_undoManager, &UndoManager::canUndoChanged, this, &VxmMainWindow::updateUndoActions);
+    connect(m_undoManager, &UndoManager::canRedoChanged, this, &VxmMainWindow::updateUndoActions);
+    connect(m_undoManager, &UndoManager::historyLimitReached, this,
+            &VxmMainWindow::handleUndoLimitReached);
+    connect(m_undoManager, &UndoManager::restored, this, &VxmMainWindow::projectRestored);
+    updateUndoActions();
+}
+
+/// The project that is there now is where undo ends, and needs no saving.
+void VxmMainWindow::attachUndo()
+{
+    m_undoManager->setDatabase(m_database);
+    m_openedState = m_undoManager->currentState();
+    m_savedContent.clear();
+}
+
+/// Only after a save: opening a file may have changed what its hash stands for.
+void VxmMainWindow::noteSavedContent()
+{
+    m_openedState.clear();
+    m_savedContent = m_database->getMiscSetting(QStringLiteral("FileHash"));
+}
+
+void VxmMainWindow::updateUndoActions()
+{
+    ui->actionUndo->setEnabled(!m_busy && m_undoManager->canUndo());
+    ui->actionRedo->setEnabled(!m_busy && m_undoManager->canRedo());
+}
+
+void VxmMainWindow::on_actionUndo_triggered()
+{
+    takeUndoStep(&UndoManager::undo, &UndoManager::canUndo, QStringLiteral("Undone."),
+                 QStringLiteral("Cannot undo: %1"));
+}
+
+void VxmMainWindow::on_actionRedo_triggered()
+{
+    takeUndoStep(&UndoManager::redo, &UndoManager::canRedo, QStringLiteral("Redone."),
+                 QStringLiteral("Cannot redo: %1"));
+}
+
+void VxmMainWindow::takeUndoStep(void (UndoManager::*step)(),
+                                 bool (UndoManager::*isPossible)() const, const QString &doneText,
+                                 const QString &failedText)
+{
+    if (m_busy)
+        return;
+    // What is still being typed is the newest edit, and would be lost when the pages reload.
+    storePendingInput();
+    bool done = false;
+    const QMetaObject::Connection watch =
+        connect(m_undoManager, &UndoManager::restored, this, [&done] { done = true; });
+    (m_undoManager->*step)();
+    disconnect(watch);
+    if (done)
+        statusBar()->showMessage(doneText, messageMilliseconds);
+    else if ((m_undoManager->*isPossible)())
+        statusBar()->showMessage(failedText.arg(m_database->lastErrorText()));
+}
+
+void VxmMainWindow::projectRestored()
+{
+    // The store's notification has marked the project as modified. Back at what the file holds
+    // there is nothing to save.
+    const bool isOpened =
+        !m_openedState.isEmpty() && m_undoManager->currentState() == m_openedState;
+    if (isOpened || (!m_savedContent.isEmpty() && m_database->contentHash() == m_savedContent))
+        setModified(false);
+}
+
+void VxmMainWindow::handleUndoLimitReached()
+{
+    statusBar()->showMessage(
+        QStringLiteral("Undo limit reached - the oldest undo step has been dropped."),
+        messageMilliseconds);
+}
