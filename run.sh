@@ -43,7 +43,7 @@ say "generating from $project"
 touch "$private/started"
 status=0
 env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM XDG_CONFIG_HOME="$private/config" \
-  XDG_DATA_HOME="$private/data" XDG_RUNTIME_DIR="$private" \
+  XDG_DATA_HOME="$private/data" XDG_RUNTIME_DIR="$private" QT_LOGGING_RULES='*.debug=false' \
   timeout "${QUILLFORGE_TIMEOUT:-300}" "$program" "$project" -hidden -g </dev/null || status=$?
 ((status == 0)) || die "the program ended with $status"
 

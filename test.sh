@@ -30,6 +30,7 @@ mapfile -t targets < <(ctest --test-dir "$root/build-tsan" -N -L '^tsan$' |
   sed -n 's/^ *Test *#[0-9]*: //p')
 ((${#targets[@]} > 0)) || die "no test carries the label tsan"
 build "$root/build-tsan" "${targets[@]}"
+export TSAN_OPTIONS="suppressions='$root/scripts/tsan.supp'${TSAN_OPTIONS:+ $TSAN_OPTIONS}"
 without_layout_randomisation ctest --test-dir "$root/build-tsan" -L '^tsan$' --output-on-failure \
   --no-tests=error || status=$?
 

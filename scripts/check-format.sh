@@ -11,11 +11,15 @@ fix=0
 [[ ${1:-} == --fix ]] && fix=1
 
 cd "$root"
-# sources PATTERN...: tracked files of the names, or all of them outside a work tree. Expected
-# outputs of tests are laid out by what wrote them.
+# sources PATTERN...: files of the names that are tracked or could be, or all of them outside a work
+# tree. Expected outputs of tests are laid out by what wrote them.
 sources() {
   if git -c safe.directory="$root" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
-    git -c safe.directory="$root" ls-files -z -- "$@" ':!tests/golden/'
+    git -c safe.directory="$root" ls-files -z --cached --others --exclude-standard --deduplicate \
+      -- "$@" ':!tests/golden/' | while IFS= read -r -d '' file; do
+      # What was deleted and not yet committed is still listed.
+      if [[ -f $file ]]; then printf '%s\0' "$file"; fi
+    done
   else
     local -a names=(-false)
     local pattern

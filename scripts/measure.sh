@@ -20,7 +20,9 @@ work=$(mktemp -d)
 display=
 # shellcheck disable=SC2317  # called by the trap
 clean_up() {
-  [[ -n $display ]] && kill "$display" 2>/dev/null
+  if [[ -n $display ]]; then
+    kill "$display" && wait "$display"
+  fi 2>/dev/null || true
   rm -rf -- "$work"
 }
 trap clean_up EXIT
@@ -59,11 +61,11 @@ done
 DISPLAY=:$(tr -d '\n' <"$work/display")
 export DISPLAY
 
-# shown PID: the program has a window of its own that can be seen.
+# The program's main window is on the display.
 window_shown() {
-  xwininfo -root -tree 2>/dev/null | grep -q 'Quillforge.* [0-9][0-9][0-9][0-9]*x[0-9]' &&
-    xwininfo -name "$(xwininfo -root -tree | sed -n 's/.*"\([^"]*Quillforge[^"]*\)".*/\1/p' |
-      head -n 1)" 2>/dev/null | grep -q 'Map State: IsViewable'
+  local id
+  id=$(xwininfo -root -tree | sed -n 's/^ *\(0x[0-9a-f]*\) .*("canopen-quillforge".*/\1/p')
+  [[ -n $id ]] && xwininfo -id "${id%%$'\n'*}" 2>/dev/null | grep -q 'Map State: IsViewable'
 }
 
 printf '\nstart to the main window\n%8s\n' 'wall s'
@@ -71,10 +73,11 @@ for ((run = 0; run < runs; ++run)); do
   begin=$(date +%s%N)
   "$bin/canopen-quillforge" >>"$work/log" 2>&1 &
   program=$!
-  for ((try = 0; try < 2000; ++try)); do
+  for ((try = 0; try < 1000; ++try)); do
     window_shown && break
     sleep 0.005
   done
+  ((try < 1000)) || die "the main window did not appear: $(tail -n 5 "$work/log")"
   end=$(date +%s%N)
   kill "$program" 2>/dev/null || true
   wait "$program" 2>/dev/null || true
