@@ -13,16 +13,37 @@ QString tr(const char *text)
     return QCoreApplication::translate("OutputFile", text);
 }
 
+/// A file that remembers whether less was taken than it was given. A disk that becomes full in the
+/// middle of a large block gives no error of its own, only a smaller count, which text streams pass
+/// over.
+template <typename File>
+class CountingFile : public File
+{
+public:
+    CountingFile(const QString &path, bool &tookLess) : File(path), m_tookLess(tookLess) {}
+
+protected:
+    qint64 writeData(const char *data, qint64 size) override
+    {
+        const qint64 taken = File::writeData(data, size);
+        m_tookLess = m_tookLess || taken != size;
+        return taken;
+    }
+
+private:
+    bool &m_tookLess;
+};
+
 } // namespace
 
 OutputFile::OutputFile(const QString &path) : m_path(path)
 {
     const QFileInfo info(path);
     if (info.exists() && !info.isFile()) {
-        m_file = std::make_unique<QFile>(path);
+        m_file = std::make_unique<CountingFile<QFile>>(path, m_tookLess);
         return;
     }
-    auto file = std::make_unique<QSaveFile>(path);
+    auto file = std::make_unique<CountingFile<QSaveFile>>(path, m_tookLess);
     file->setDirectWriteFallback(true);
     m_file = std::move(file);
 }
@@ -47,6 +68,10 @@ bool OutputFile::commit()
 {
     bool written = m_file->flush() && m_file->error() == QFileDevice::NoError;
     QString reason = m_file->errorString();
+    if (written && m_tookLess) {
+        written = false;
+        reason = tr("No space left on device");
+    }
     if (auto *file = qobject_cast<QSaveFile *>(m_file.get())) {
         if (!written)
             file->cancelWriting();

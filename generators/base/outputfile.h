@@ -34,6 +34,7 @@ public:
 
 private:
     QString m_path;
+    bool m_tookLess = false; ///< less was written than was given
     std::unique_ptr<QFileDevice> m_file;
     QString m_errorText;
 };
