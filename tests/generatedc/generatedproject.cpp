@@ -4,6 +4,7 @@
 #include "generators/canopen/gendefinegenerator.h"
 #include "generators/canopen/indicationgenerator.h"
 #include "generators/canopen/indicationgeneratorv4.h"
+#include "generators/canopen/indicesgenerator.h"
 #include "generators/canopen/objdictgenerator.h"
 #include "generators/canopen/objdictgeneratorv4.h"
 #include "generators/canopen/vobjdictgenerator.h"
@@ -85,6 +86,9 @@ void GeneratedProject::generate()
         run(*virtualGenerator);
     run(*makeGenerator<GenDefineGenerator, CoDefineGenerator>(m_isV4));
     run(*makeGenerator<indicationgeneratorv4, indicationgenerator>(m_isV4));
+    IndicesGenerator indices;
+    indices.setLines(store.getLines());
+    run(indices);
     m_isLineForm = text("gen_objdict.c").contains("coCanOpenStackInit_common");
 }
 

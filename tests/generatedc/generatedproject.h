@@ -26,6 +26,8 @@ public:
     void generateServerOnly();
     /// Puts a file beside the generated ones.
     void addFile(const QString &file) const { write(file, QString()); }
+    /// Where the files are.
+    [[nodiscard]] QString folder() const { return m_folder.path(); }
     [[nodiscard]] QString errorText() const { return m_errorText; }
     [[nodiscard]] TestProject &project() { return m_project; }
     [[nodiscard]] QString text(const QString &file) const;

@@ -1,6 +1,9 @@
 #include "tests/generatedc/expectedobjects.h"
 #include "tests/generatedc/generatedproject.h"
+#include "tests/golden/foldercompare.h"
 
+#include <QDir>
+#include <QRegularExpression>
 #include <QTest>
 
 #include <memory>
@@ -11,6 +14,7 @@ class TestGeneratedC : public QObject
     Q_OBJECT
 
 private slots:
+    void initTestCase() { qputenv("SOURCE_DATE_EPOCH", "1704067200"); }
     void dictionary_data();
     void dictionary();
     void initialisation_data();
@@ -26,6 +30,20 @@ const ProjectCase &caseNamed(const QString &name)
     const auto &cases = projectCases();
     return *std::find_if(cases.begin(), cases.end(),
                          [&](const ProjectCase &entry) { return entry.name == name; });
+}
+
+/// What the sources differ in from the expected ones of the case; empty if in nothing.
+QString differencesFromGolden(const QString &name, bool isV4, const QString &folder)
+{
+    QString caseFolder = name + (isV4 ? "-v4" : "-v3");
+    caseFolder.replace(QRegularExpression("[ ,]+"), "-");
+    const QString expected =
+        QLatin1String(QUILLFORGE_SOURCE_DIR "/tests/generatedc/golden/") + caseFolder;
+    if (!FolderCompare::isUpdateWanted())
+        return FolderCompare::differences(expected, folder);
+    return QDir(expected).removeRecursively() && FolderCompare::copyTree(folder, expected)
+               ? QString()
+               : "can't write " + expected;
 }
 
 void compare(const QMap<QString, ExpectedSub> &actual, const QMap<QString, ExpectedSub> &expected)
@@ -70,6 +88,8 @@ void TestGeneratedC::dictionary()
     GeneratedProject generated(projectCase, isV4);
     generated.generate();
     QCOMPARE(!generated.errorText().isEmpty(), projectCase.hasError);
+    const QString report = differencesFromGolden(name, isV4, generated.folder());
+    QVERIFY2(report.isEmpty(), qPrintable(report));
     QCOMPARE(generated.compile("clang"), QString());
     QCOMPARE(generated.compile("gcc"), QString());
     QString output;

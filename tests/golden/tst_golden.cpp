@@ -3,9 +3,9 @@
 #include "resources/builder/datawriter.h"
 #include "resources/builder/sourcereader.h"
 #include "store/objectdatabase.h"
+#include "tests/golden/foldercompare.h"
 
 #include <QDir>
-#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -13,82 +13,6 @@
 namespace {
 
 const QString casesFolder = QStringLiteral(QUILLFORGE_SOURCE_DIR "/tests/golden");
-
-bool isUpdateWanted()
-{
-    return qEnvironmentVariableIntValue("QUILLFORGE_UPDATE_GOLDENS") != 0;
-}
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-/// Paths below a folder, sorted.
-QStringList filesBelow(const QString &folder)
-{
-    QStringList files;
-    QDirIterator walk(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-    while (walk.hasNext())
-        files.append(QDir(folder).relativeFilePath(walk.next()));
-    files.sort();
-    return files;
-}
-
-bool copyTree(const QString &from, const QString &to)
-{
-    const QStringList files = filesBelow(from);
-    for (const QString &file : files) {
-        const QString target = to + QLatin1Char('/') + file;
-        if (!QDir().mkpath(QFileInfo(target).absolutePath()))
-            return false;
-        QFile copy(target);
-        if (!copy.open(QIODevice::WriteOnly) ||
-            copy.write(contentOf(from + QLatin1Char('/') + file)) < 0)
-            return false;
-    }
-    return true;
-}
-
-/// The first line that differs, for the eye.
-QString difference(const QString &name, const QByteArray &expected, const QByteArray &actual)
-{
-    const QList<QByteArray> before = expected.split('\n');
-    const QList<QByteArray> after = actual.split('\n');
-    qsizetype line = 0;
-    while (line < before.size() && line < after.size() && before.at(line) == after.at(line))
-        ++line;
-    const auto text = [line](const QList<QByteArray> &lines) {
-        return line < lines.size() ? QString::fromUtf8(lines.at(line)) : QStringLiteral("(end)");
-    };
-    return QStringLiteral("%1:%2:\n  expected: %3\n  actual:   %4\n")
-        .arg(name)
-        .arg(line + 1)
-        .arg(text(before), text(after));
-}
-
-QString differences(const QString &expected, const QString &actual)
-{
-    const QStringList before = filesBelow(expected);
-    const QStringList after = filesBelow(actual);
-    QString report;
-    for (const QString &file : before) {
-        if (!after.contains(file)) {
-            report += QStringLiteral("%1: missing\n").arg(file);
-            continue;
-        }
-        const QByteArray old = contentOf(expected + QLatin1Char('/') + file);
-        const QByteArray made = contentOf(actual + QLatin1Char('/') + file);
-        if (old != made)
-            report += difference(file, old, made);
-    }
-    for (const QString &file : after) {
-        if (!before.contains(file))
-            report += QStringLiteral("%1: not expected\n").arg(file);
-    }
-    return report;
-}
 
 /// Opens a case's project; the error text if that fails.
 QString openProject(ObjectDataBase &store, const QString &path)
@@ -149,7 +73,7 @@ void TestGolden::generation()
 
     const QString folder = QFileInfo(project).absolutePath();
     QTemporaryDir output;
-    QVERIFY(copyTree(folder + QLatin1String("/before"), output.path()));
+    QVERIFY(FolderCompare::copyTree(folder + QLatin1String("/before"), output.path()));
     PlainTextOutputHandler messages(nullptr);
     GeneratorMainHandler handler(messages);
     handler.setProject(store, output.path(), QFileInfo(project).completeBaseName());
@@ -157,12 +81,12 @@ void TestGolden::generation()
     QVERIFY2(result == GeneratorMainHandler::Completed, qPrintable(messages.loggingText()));
 
     const QString expected = folder + QLatin1String("/expected");
-    if (isUpdateWanted()) {
+    if (FolderCompare::isUpdateWanted()) {
         QVERIFY(QDir(expected).removeRecursively());
-        QVERIFY(copyTree(output.path(), expected));
+        QVERIFY(FolderCompare::copyTree(output.path(), expected));
         return;
     }
-    const QString report = differences(expected, output.path());
+    const QString report = FolderCompare::differences(expected, output.path());
     QVERIFY2(report.isEmpty(), qPrintable(report));
 }
 
@@ -178,13 +102,13 @@ void TestGolden::runnerSeesDifferences()
     };
     write(expected, "same", "a\nb\n");
     write(actual, "same", "a\nb\n");
-    QCOMPARE(differences(expected.path(), actual.path()), QString());
+    QCOMPARE(FolderCompare::differences(expected.path(), actual.path()), QString());
     write(expected, "changed", "a\nb\n");
     write(actual, "changed", "a\nb");
     write(expected, "gone", "");
     QVERIFY(QDir(actual.path()).mkdir("sub"));
     write(actual, "sub/new", "");
-    QCOMPARE(differences(expected.path(), actual.path()),
+    QCOMPARE(FolderCompare::differences(expected.path(), actual.path()),
              QStringLiteral("changed:3:\n  expected: \n  actual:   (end)\n"
                             "gone: missing\nsub/new: not expected\n"));
 }

@@ -1,0 +1,3 @@
+#ifndef APP_H
+#define APP_H 1
+#endif
