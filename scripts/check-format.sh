@@ -16,7 +16,7 @@ cd "$root"
 sources() {
   if git -c safe.directory="$root" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
     git -c safe.directory="$root" ls-files -z --cached --others --exclude-standard --deduplicate \
-      -- "$@" ':!tests/golden/*/' ':!tests/generatedc/golden/' | while IFS= read -r -d '' file; do
+      -- "$@" ':!tests/golden/*/*' ':!tests/generatedc/golden/' | while IFS= read -r -d '' file; do
       # What was deleted and not yet committed is still listed.
       if [[ -f $file ]]; then printf '%s\0' "$file"; fi
     done
