@@ -3,7 +3,9 @@
 #include "import/vxmpimporter.h"
 
 #include <QDebug>
+#include <QDir>
 #include <QEventLoop>
+#include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSet>

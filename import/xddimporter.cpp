@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QXmlStreamReader>
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -114,7 +115,9 @@ void XDDImporter::read()
         reportError(tr("%1: The file can't be opened: %2.").arg(fileName(), file.errorString()));
         return;
     }
-    const QByteArray content = file.read(mostBytes + 1);
+    // The size of what is no plain file says nothing.
+    const qint64 expected = file.size() > 0 ? file.size() : mostBytes;
+    const QByteArray content = file.read(std::min(expected, mostBytes) + 1);
     if (content.size() > mostBytes) {
         reportError(tr("%1: The file is larger than %2 MB, which no device description is.")
                         .arg(fileName())

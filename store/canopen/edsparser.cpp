@@ -62,6 +62,7 @@ struct EdsParser::State
     std::optional<EdsSections> sections;
     std::optional<EdsObjectReader> reader;
     QHash<quint16, Facts> objects;
+    bool hasLists = false;
     mutable QHash<QByteArray, QHash<QByteArray, QString>> deviceSections;
 
     void collectObjects();
@@ -239,7 +240,7 @@ void EdsParser::State::mendObject(Facts &facts)
         if (facts.section)
             messages.add(facts.firstLine, tr("%1 has no name.").arg(where));
     }
-    if (!facts.isListed && record.index >= firstObject)
+    if (hasLists && !facts.isListed && record.index >= firstObject)
         messages.add(facts.firstLine, tr("%1 stands in no list of objects.").arg(where));
     if (!facts.isComplex())
         return;
@@ -297,6 +298,9 @@ void EdsParser::State::checkList(const char *name, bool mandatory)
 
 void EdsParser::State::checkLists()
 {
+    hasLists = hasOneOf({"mandatoryobjects", "optionalobjects", "manufacturerobjects"});
+    if (!hasLists && !objects.isEmpty())
+        messages.add(0, tr("The file has no lists of its objects."));
     checkList("MandatoryObjects", true);
     checkList("OptionalObjects", false);
     checkList("ManufacturerObjects", false);

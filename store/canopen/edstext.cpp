@@ -45,7 +45,8 @@ bool EdsText::load(const QString &path)
     if (file.size() > mostBytes)
         return fail(tooLarge());
     // The size of what is no plain file says nothing.
-    QByteArray content = file.read(mostBytes + 1);
+    const qint64 expected = file.size() > 0 ? file.size() : mostBytes;
+    const QByteArray content = file.read(expected + 1);
     if (file.error() != QFileDevice::NoError)
         return fail(tr("The file can't be read: %1.").arg(file.errorString()));
     if (content.size() > mostBytes)

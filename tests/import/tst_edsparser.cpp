@@ -178,6 +178,9 @@ private slots:
             << changed("2=0x2000\n", "") << u"0x2000 stands in no list"_s << 3 << 4;
         QTest::newRow("no lists") << changed("1=0x1000\n", "").replace("1=0x1018\n2=0x2000\n", "")
                                   << u"0x1018 stands in no list"_s << 3 << 4;
+        QTest::newRow("no sections of lists")
+            << changed("[MandatoryObjects]", "[Tools]").replace("[OptionalObjects]", "[Tools]")
+            << u"a.eds: The file has no lists of its objects."_s << 3 << 4;
         QTest::newRow("count of subindices") << changed("SubNumber=2", "SubNumber=9")
                                              << u"SubNumber is 9, but the file has 2"_s << 3 << 4;
         QTest::newRow("object twice")
