@@ -18,7 +18,6 @@ namespace {
 
 std::atomic<int> instanceCount{0};
 constexpr int cachePagesNew = 16384;
-constexpr int cachePagesOpen = 64000;
 
 } // namespace
 
@@ -124,7 +123,7 @@ bool ObjectDataBase::openDataBase(const QString &path, bool)
     d->externallyModified = formerFlag;
     d->clearCaches();
     if (!formerFile.isEmpty() && d->runner.open(formerFile)) {
-        d->runPragmas(cachePagesOpen);
+        d->runPragmas(State::cachePagesOpen);
         d->strings.rebuild();
     }
     return false;
@@ -177,7 +176,7 @@ bool ObjectDataBase::openSql(const QString &path)
         return false;
     }
     checkExternalModification();
-    d->runPragmas(cachePagesOpen);
+    d->runPragmas(State::cachePagesOpen);
     runSchemaSteps();
     if (!editionAllowed()) {
         d->lastError = QStringLiteral("File was not created with this tool.");

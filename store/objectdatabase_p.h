@@ -54,6 +54,7 @@ struct ObjectDataBase::State
     /// Settings that give up safety: the working copy is disposable, and opening a project runs
     /// thousands of small statements.
     void runPragmas(int cachePages);
+    static constexpr int cachePagesOpen = 64000; ///< for a project with content
     void clearCaches();
 
     [[nodiscard]] QString internedId(const QString &text)

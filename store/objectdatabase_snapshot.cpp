@@ -5,10 +5,6 @@
 #include <QDir>
 #include <QFile>
 
-namespace {
-constexpr int cachePagesOpen = 64000;
-}
-
 bool ObjectDataBase::takeSnapshot(const QString &path)
 {
     QFile::remove(path);
@@ -45,7 +41,7 @@ bool ObjectDataBase::restoreSnapshot(const QString &path)
     }
     const bool opened = d->runner.open(QDir::toNativeSeparators(file));
     if (opened) {
-        d->runPragmas(cachePagesOpen);
+        d->runPragmas(State::cachePagesOpen);
         d->clearCaches();
         d->strings.rebuild();
     }
