@@ -120,9 +120,11 @@ bool ObjectWriter::write()
 {
     dropOutdatedEntries();
     flagDomains();
-    bool done = true;
+    QList<ObjectDataBase::IndexEntry> objects;
+    objects.reserve(m_order.size());
     for (const quint16 index : std::as_const(m_order))
-        done &= m_store.addIndex(m_line, index, m_objects.value(index));
+        objects.append({m_line, index, m_objects.value(index)});
+    bool done = m_store.addIndices(objects);
     done &= m_store.addSubIndices(m_entries);
     // The batch goes past the caches.
     m_store.clearSubCache(m_line);

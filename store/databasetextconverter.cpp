@@ -3,13 +3,13 @@
 #include "store/metadatablob.h"
 #include "store/objectdatabase_p.h"
 #include "store/projecttext.h"
+#include "store/resultrow.h"
 
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
 #include <QSaveFile>
-#include <QSqlRecord>
 
 #include <algorithm>
 
@@ -167,6 +167,99 @@ private:
     QList<BatchRow> m_rows;
 };
 
+/// Turns rows of a table into lines of a project text.
+class RowWriter
+{
+public:
+    RowWriter(const Layout &layout, const QString &table, const StringTable::Texts &strings)
+        : m_layout(layout), m_table(table), m_strings(strings), m_columns(columnsOf(layout))
+    {
+        for (const Column &column : m_columns)
+            m_names.append(IniText::separator + IniText::encodeKey(column.name) + '=');
+    }
+
+    void write(const ResultRow &row, QByteArray &text)
+    {
+        if (m_places.isEmpty())
+            findColumns(row);
+        std::array<quint64, maximumKeys> keys{};
+        for (int i = 0; i < m_layout.keyCount(); ++i) {
+            keys[i] = quint64(row.integer(m_keyPlaces.at(i)));
+            if (keys[i] > m_layout.keys[i].maximum) {
+                qDebug() << "Ignored row of" << m_table << m_layout.keys[i].column
+                         << row.value(m_keyPlaces.at(i));
+                return;
+            }
+        }
+        const QByteArray firstPath = rowPath(m_layout, keys);
+        const int repetition = m_paths[firstPath]++;
+        const QByteArray path = repetition ? rowPath(m_layout, keys, repetition) : firstPath;
+        for (int i = 0; i < m_columns.size(); ++i) {
+            if (m_columns.at(i).kind == Kind::MetaData) {
+                writeMetaData(row, i, path, text);
+                continue;
+            }
+            text += path;
+            text += m_names.at(i);
+            writeValue(row, i, text);
+            text += '\n';
+        }
+    }
+
+private:
+    /// The table may have grown its columns in another order.
+    void findColumns(const ResultRow &row)
+    {
+        for (const Column &column : m_columns)
+            m_places.append(row.columnOf(column.name));
+        for (int i = 0; i < m_layout.keyCount(); ++i)
+            m_keyPlaces.append(row.columnOf(QLatin1String(m_layout.keys[i].column)));
+    }
+
+    void writeValue(const ResultRow &row, int i, QByteArray &text) const
+    {
+        const int place = m_places.at(i);
+        switch (m_columns.at(i).kind) {
+        case Kind::Integer:
+            text += QByteArray::number(row.integer(place));
+            break;
+        case Kind::Text:
+            if (const QByteArrayView bytes = row.bytes(place); IniText::isPlain(bytes))
+                text += bytes;
+            else
+                IniText::encodeValue(ResultRow::textOf(bytes), text);
+            break;
+        case Kind::StringId:
+            IniText::encodeValue(m_strings.text(row.integer(place)), text);
+            break;
+        case Kind::MetaData:
+            break;
+        }
+    }
+
+    void writeMetaData(const ResultRow &row, int i, const QByteArray &path, QByteArray &text) const
+    {
+        if (!row.isBlob(m_places.at(i)))
+            return;
+        const auto map = MetaDataBlob::fromValue(row.value(m_places.at(i)));
+        for (auto it = map.cbegin(); it != map.cend(); ++it) {
+            text += path + m_names.at(i).chopped(1) + IniText::separator +
+                    IniText::encodeKey(it.key()) + '=';
+            IniText::encodeValue(it.value(), text);
+            text += '\n';
+        }
+    }
+
+    const Layout &m_layout;
+    const QString &m_table;
+    const StringTable::Texts &m_strings;
+    QList<Column> m_columns;
+    QList<QByteArray> m_names;      ///< by column, with what stands around them
+    QList<int> m_places;            ///< in the table, by column; -1 for one that it lacks
+    QList<int> m_keyPlaces;         ///< by key
+    QHash<QByteArray, int> m_paths; ///< how often each is taken
+};
+
 void writeSetting(ObjectDataBase &store, const QString &table, const QString &item,
                   const QString &value)
 {
@@ -215,7 +308,7 @@ QStringList DatabaseTextConverter::allTables()
     QStringList tables;
     m_store.d->runner.forEachRow(
         QStringLiteral("SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
-        [&](const QSqlQuery &row) { tables.append(row.value(0).toString()); });
+        [&](const ResultRow &row) { tables.append(row.value(0).toString()); });
     return tables;
 }
 
@@ -228,7 +321,7 @@ void DatabaseTextConverter::normaliseNulls(const QString &table)
     m_store.d->runner.forEachRow(
         QStringLiteral("SELECT name,type FROM PRAGMA_TABLE_INFO('%1') ORDER BY name")
             .arg(SqlText::escaped(table)),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             const QString name = u'"' + row.value(0).toString() + u'"';
             const QString type = row.value(1).toString().toLower();
             if (type != QLatin1String("integer") && type != QLatin1String("text"))
@@ -316,7 +409,7 @@ bool DatabaseTextConverter::writeSettings(const QString &table, QIODevice &out)
     QByteArray text = (out.pos() > 0 ? "\n[" : "[") + IniText::encodeKey(table) + "]\n";
     const bool read = m_store.d->runner.forEachRow(
         QStringLiteral("SELECT * FROM %1 ORDER BY item").arg(table),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             if (row.isNull(0)) { // can't be asked for
                 qDebug() << "Ignored row of" << table;
                 return;
@@ -332,63 +425,19 @@ bool DatabaseTextConverter::writeSettings(const QString &table, QIODevice &out)
 bool DatabaseTextConverter::writeRows(const Layout &layout, const QString &table, QIODevice &out)
 {
     QByteArray text = (out.pos() > 0 ? "\n[" : "[") + IniText::encodeKey(table) + "]\n";
-    const QList<Column> columns = columnsOf(layout);
-    QList<QByteArray> keys;
-    for (const Column &column : columns)
-        keys.append(IniText::separator + IniText::encodeKey(column.name) + '=');
-    QList<int> places; // of the columns in the table, which may have grown in another order
-    QHash<QByteArray, int> paths; // how often each is taken
+    const StringTable::Texts strings(m_store.d->strings);
+    RowWriter writer(layout, table, strings);
     bool written = true;
-    const auto integer = [](const QVariant &value) { return value.toLongLong(); };
-
-    const auto writeRow = [&](const QSqlQuery &row) {
-        if (places.isEmpty()) {
-            const QSqlRecord record = row.record();
-            for (const Column &column : columns)
-                places.append(record.indexOf(column.name));
-        }
-        std::array<quint64, maximumKeys> rowKeys{};
-        for (int i = 0; i < layout.keyCount(); ++i) {
-            const QVariant value = row.value(QLatin1String(layout.keys[i].column));
-            rowKeys[i] = quint64(integer(value));
-            if (rowKeys[i] > layout.keys[i].maximum) {
-                qDebug() << "Ignored row of" << table << layout.keys[i].column << value;
-                return;
-            }
-        }
-        const QByteArray firstPath = rowPath(layout, rowKeys);
-        const int repetition = paths[firstPath]++;
-        const QByteArray path = repetition ? rowPath(layout, rowKeys, repetition) : firstPath;
-        for (int i = 0; i < columns.size(); ++i) {
-            const QVariant value = places.at(i) < 0 ? QVariant() : row.value(places.at(i));
-            if (columns.at(i).kind == Kind::MetaData) {
-                const auto map = MetaDataBlob::fromValue(value);
-                for (auto it = map.cbegin(); it != map.cend(); ++it) {
-                    text += path + keys.at(i).chopped(1) + IniText::separator +
-                            IniText::encodeKey(it.key()) + '=';
-                    IniText::encodeValue(it.value(), text);
-                    text += '\n';
-                }
-                continue;
-            }
-            text += path;
-            text += keys.at(i);
-            if (columns.at(i).kind == Kind::Integer)
-                text += QByteArray::number(integer(value));
-            else if (columns.at(i).kind == Kind::Text)
-                IniText::encodeValue(value.toString(), text);
-            else
-                IniText::encodeValue(m_store.d->text(value), text);
-            text += '\n';
-        }
-        if (text.size() > flushSize) {
-            written = written && put(text, out);
-            text.clear();
-        }
-    };
     const bool read = m_store.d->runner.forEachRow(
         QStringLiteral("SELECT * FROM %1 ORDER by %2").arg(table, QLatin1String(layout.order)),
-        writeRow, Q_FUNC_INFO);
+        [&](const ResultRow &row) {
+            writer.write(row, text);
+            if (text.size() > flushSize) {
+                written = written && put(text, out);
+                text.resize(0);
+            }
+        },
+        Q_FUNC_INFO);
     return read && written && put(text, out);
 }
 

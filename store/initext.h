@@ -89,23 +89,31 @@ inline bool decodeKey(QByteArrayView bytes, QString &part)
     return true;
 }
 
+/// Whether a text stands in a file as it is.
+inline bool isPlain(QByteArrayView bytes)
+{
+    return bytes.isEmpty() ||
+           (bytes.front() != '@' && bytes.front() != ' ' && bytes.back() != ' ' &&
+            std::all_of(bytes.begin(), bytes.end(), [](char c) {
+                return c >= 0x20 && c < 0x7F && c != '"' && c != '\\' && c != ';' && c != ',' &&
+                       c != '=';
+            }));
+}
+
 /// Appends the value of a text. A leading '@' is doubled, since it marks other types.
 inline void encodeValue(const QString &text, QByteArray &out)
 {
     const bool marked = text.startsWith(u'@');
-    bool plain = !marked && !text.startsWith(u' ') && !text.endsWith(u' ');
-    for (qsizetype i = 0; plain && i < text.size(); ++i) {
-        const ushort c = text.at(i).unicode();
-        plain = c >= 0x20 && c < 0x80 && c != '"' && c != '\\' && c != ';' && c != ',' && c != '=';
-    }
-    if (plain) {
-        out += text.toLatin1();
+    QByteArray bytes = text.toUtf8();
+    if (isPlain(bytes)) {
+        out += bytes;
         return;
     }
+    if (marked)
+        bytes.prepend('@');
     static constexpr char letters[] = "\aa\bb\ff\nn\rr\tt\vv\"\"\\\\";
     // QSettings drops a byte order mark that stands in front.
     static constexpr char byteOrderMark[] = "\xEF\xBB\xBF";
-    const QByteArray bytes = (marked ? u'@' + text : text).toUtf8();
     QByteArray body;
     body.reserve(bytes.size() + bytes.size() / 8);
     bool quoted = bytes.startsWith(' ') || bytes.endsWith(' ');

@@ -1,16 +1,19 @@
 #include "store/objectcache.h"
 
 #include <algorithm>
+#include <functional>
 #include <mutex>
 
 void ObjectCache::Subs::reserve(qsizetype count)
 {
     m_places.reserve(count);
+    m_keys.reserve(count);
     m_records.reserve(size_t(count));
 }
 
 void ObjectCache::Subs::insert(quint32 key, SUBINDEX_DATA_T &&data)
 {
+    m_keys.append(key);
     m_places.insert(key, qsizetype(m_records.size()));
     m_records.push_back(std::move(data));
 }
@@ -29,6 +32,10 @@ ObjectCache::SUBINDEX_DATA_T *ObjectCache::Subs::find(quint32 key)
 
 QList<quint32> ObjectCache::Subs::sortedKeys() const
 {
+    // Rows mostly lie in the order of their keys; then the list is right as it is.
+    if (m_keys.size() == m_places.size() &&
+        std::is_sorted(m_keys.begin(), m_keys.end(), std::less_equal<>()))
+        return m_keys;
     QList<quint32> keys = m_places.keys();
     std::sort(keys.begin(), keys.end());
     return keys;

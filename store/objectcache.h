@@ -43,6 +43,7 @@ public:
 
     private:
         QHash<quint32, qsizetype> m_places;
+        QList<quint32> m_keys; ///< of all records, those of removed and replaced ones too
         std::vector<SUBINDEX_DATA_T> m_records;
     };
 

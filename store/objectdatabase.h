@@ -13,9 +13,8 @@
 #include <QVariant>
 
 #include <memory>
+#include <string>
 #include <utility>
-
-class QSqlQuery;
 
 /// The one class through which everything reads and writes a project.
 ///
@@ -126,6 +125,14 @@ public:
         quint32 signalid = 0;
         bool nvstorage = false;
         MetaData metadata;
+    };
+
+    /// One entry of a batch for `addIndices`.
+    struct IndexEntry
+    {
+        quint8 line = 0;
+        quint16 index = 0;
+        INDEX_DATA_T data;
     };
 
     /// One entry of a batch for `addSubIndices`.
@@ -329,6 +336,8 @@ public:
     [[nodiscard]] QMap<std::pair<quint16, int>, MetaData> getAllMetaData(quint8 line);
 
     bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
+    /// As `addIndex` for each entry, in one transaction. Notifies of each when all are written.
+    bool addIndices(const QList<IndexEntry> &entries);
     bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
     /// In one transaction, without notification and without touching a cache.
     bool addSubIndices(const QList<SubEntry> &entries);
@@ -505,9 +514,6 @@ private:
     void notify(const ChangeSet &change) { emit updateNotify(change); }
 
     // objects
-    INDEX_DATA_T readIndexRow(const QSqlQuery &row);
-    SUBINDEX_DATA_T readSubIndexRow(const QSqlQuery &row);
-    [[nodiscard]] QMap<quint16, INDEX_DATA_T> readObjects(quint8 line);
     [[nodiscard]] QString columnLiteral(const char *stringIds, const QString &column,
                                         const QVariant &value);
     [[nodiscard]] QVariant subIndexColumn(quint8 line, quint16 index, quint8 subindex,
@@ -516,11 +522,13 @@ private:
     [[nodiscard]] QList<quint32> selectNumbers(const QString &statement);
     [[nodiscard]] QList<SPN> readSPNs(quint8 line, quint32 pgn, quint8 direction);
     [[nodiscard]] QList<DataElement> readDataElements(quint8 line, quint32 canId, quint8 direction);
-    [[nodiscard]] QString insertSubIndexHead(quint8 line);
-    void appendSubIndexValues(QString &statement, quint16 index, quint8 subindex,
+    void appendSubIndexValues(std::string &statement, quint16 index, quint8 subindex,
                               const SUBINDEX_DATA_T &data);
     static void traceDeviceType(quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
     qsizetype writeBatch(const QList<SubEntry> &entries, qsizetype from, bool &done);
+    qsizetype writeBatch(const QList<IndexEntry> &entries, qsizetype from, bool &done);
+    bool writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
+    bool writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata);
     bool writeSubMetaData(quint8 line, quint16 index, quint8 subindex, const MetaData &metadata);
     [[nodiscard]] QString sqlValueText(const QString &column, const QVariant &value);
 

@@ -42,7 +42,7 @@ const QString spnColumns = QStringLiteral(
     "datatype,implementation,varname,defaultvalue,name,desc,pos,bitsize,slot_df,bitposition,"
     "pgnnumber,direction,spnnumber");
 
-ObjectDataBase::SPN readSpn(StringTable &strings, const QSqlQuery &row)
+ObjectDataBase::SPN readSpn(StringTable &strings, const ResultRow &row)
 {
     ObjectDataBase::SPN spn;
     spn.dataType = quint16(row.value(0).toUInt());
@@ -136,7 +136,7 @@ bool ObjectDataBase::getPGN(quint8 line, quint32 number, quint8 direction, PGN &
                       "direction,name,desc,issafe,srvt_ms,FD_TrailerFormat,FD_AssuranceType,"
                       "FD_AssuranceDataSize,multisourceaddress,safetytype,FD_DataId from ") +
             pgnTable(line) + QLatin1String(" where ") + wherePgn(number, direction),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             const auto number8 = [&](int column) { return quint8(row.value(column).toUInt()); };
             const auto number16 = [&](int column) { return quint16(row.value(column).toUInt()); };
             data.number = row.value(0).toUInt();
@@ -180,7 +180,7 @@ QList<quint32> ObjectDataBase::selectNumbers(const QString &statement)
 {
     QList<quint32> numbers;
     d->runner.forEachRow(statement,
-                         [&](const QSqlQuery &row) { numbers.append(row.value(0).toUInt()); });
+                         [&](const ResultRow &row) { numbers.append(row.value(0).toUInt()); });
     return numbers;
 }
 
@@ -223,7 +223,7 @@ bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 
     d->runner.forEachRow(
         QLatin1String("select ") + spnColumns + QLatin1String(" from ") + spnTable(line) +
             QLatin1String(" where ") + whereSpn(pgn, direction, spn),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             data = readSpn(d->strings, row);
             found = true;
         },
@@ -340,7 +340,7 @@ bool ObjectDataBase::loadSPNCache(quint8 line)
     const bool done = d->runner.forEachRow(
         QLatin1String("SELECT ") + spnColumns + QLatin1String(" from ") + spnTable(line) +
             QLatin1String(" order by pgnnumber asc, pos asc"),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             const SPN spn = readSpn(d->strings, row);
             spns.insert({line, spn.pgn, spn.direction, spn.spn}, spn);
             lists[{line, spn.pgn, spn.direction}].append(spn.spn);
@@ -373,7 +373,7 @@ void ObjectDataBase::repairMappingCounts(quint8 line)
             QLatin1String(" s on s.pgnnumber = p.number and s.direction = p.direction "
                           "group by p.rowid having ifnull(p.mappingcount,-1) != "
                           "count(s.spnnumber)"),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             statements.append(QStringLiteral("update PGNs%1 SET mappingcount = %2 where number = "
                                              "%3 AND direction = %4 ")
                                   .arg(QString::number(line), row.value(2).toString(),

@@ -45,7 +45,7 @@ void ObjectDataBase::State::clearCaches()
     objects.clear();
     {
         const std::scoped_lock lock(orderMutex);
-        tableOrders.clear();
+        intoClauses.clear();
     }
     const std::unique_lock lock(signalCache.mutex);
     signalCache.spns.clear();
@@ -162,7 +162,7 @@ bool ObjectDataBase::openSql(const QString &path)
     }
     int lines = 0;
     const bool read = d->runner.forEachRow(QStringLiteral("select nodeId from nodes"),
-                                           [&](const QSqlQuery &) { ++lines; });
+                                           [&](const ResultRow &) { ++lines; });
     if (lines == 0) {
         // A database of another purpose has no such table and gives no text.
         const QString text = d->runner.lastError();
@@ -211,7 +211,7 @@ bool ObjectDataBase::executeSql(const QString &statement)
 {
     constexpr int maximumColumns = 10;
     d->statementResults.clear();
-    const bool done = d->runner.forEachRow(statement, [&](const QSqlQuery &row) {
+    const bool done = d->runner.forEachRow(statement, [&](const ResultRow &row) {
         QString text;
         for (int column = 0; column < maximumColumns; ++column) {
             const QVariant value = row.value(column);

@@ -52,7 +52,7 @@ void ObjectDataBase::copyUDSSettings(ObjectDataBase &target, ObjectDataBase &sou
     const QString columns = Schema::columnList(table);
     source.d->runner.forEachRow(QLatin1String("select ") + columns + QLatin1String(" from ") +
                                     SqlText::lineTable(table.name, sourceLine),
-                                [&](const QSqlQuery &row) {
+                                [&](const ResultRow &row) {
                                     rows.append(row.value(0).toString() + u',' +
                                                 SqlText::number(row.value(1).toInt() != 0) + u',' +
                                                 SqlText::quoted(row.value(2).toString()) + u',' +
@@ -76,7 +76,7 @@ bool ObjectDataBase::copySettings(ObjectDataBase &source)
         // Read first, so that a source that can't be read costs nothing.
         QList<std::pair<QString, QString>> rows;
         const QString select = QLatin1String("select item, value from ") + QLatin1String(name);
-        if (!source.d->runner.forEachRow(select, [&](const QSqlQuery &row) {
+        if (!source.d->runner.forEachRow(select, [&](const ResultRow &row) {
                 rows.append({row.value(0).toString(), row.value(1).toString()});
             }))
             return false;

@@ -158,7 +158,7 @@ QStringList Migration::columnsOf(const QString &table)
     QStringList names;
     m_runner.forEachRow(
         QStringLiteral("SELECT name FROM pragma_table_info(%1)").arg(SqlText::quoted(table)),
-        [&](const QSqlQuery &row) { names.append(row.value(0).toString()); });
+        [&](const ResultRow &row) { names.append(row.value(0).toString()); });
     return names;
 }
 
@@ -283,12 +283,12 @@ void ObjectDataBase::repairSPNDirections(const QList<quint8> &lines)
             continue;
         QMap<quint32, QSet<quint8>> ofPgn;
         d->runner.forEachRow(QStringLiteral("select number, direction from PGNs%1").arg(line),
-                             [&](const QSqlQuery &row) {
+                             [&](const ResultRow &row) {
                                  ofPgn[row.value(0).toUInt()].insert(quint8(row.value(1).toUInt()));
                              });
         QSet<quint32> wrong;
         d->runner.forEachRow(QStringLiteral("select pgnnumber,direction from SPNs%1").arg(line),
-                             [&](const QSqlQuery &row) {
+                             [&](const ResultRow &row) {
                                  const quint32 pgn = row.value(0).toUInt();
                                  const auto found = ofPgn.constFind(pgn);
                                  if (found != ofPgn.constEnd() &&

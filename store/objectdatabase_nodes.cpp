@@ -86,23 +86,28 @@ bool ObjectDataBase::State::upsert(const QString &table, const QString &where,
                        context);
 }
 
-bool ObjectDataBase::State::hasOrderOfSchema(const Schema::Table &table, quint8 line)
+std::string ObjectDataBase::State::intoClause(const char *table, quint8 line)
 {
-    const QString name = SqlText::lineTable(table.name, line);
+    const QByteArray name = table + QByteArray::number(line);
     {
         const std::scoped_lock lock(orderMutex);
-        if (const auto found = tableOrders.constFind(name); found != tableOrders.constEnd())
+        if (const auto found = intoClauses.constFind(name); found != intoClauses.constEnd())
             return *found;
     }
     QStringList columns;
     runner.forEachRow(QStringLiteral("SELECT name FROM pragma_table_info(%1) ORDER BY cid")
-                          .arg(SqlText::quoted(name)),
-                      [&](const QSqlQuery &row) { columns.append(row.value(0).toString()); });
-    const bool same = columns == Schema::columnNames(table);
+                          .arg(SqlText::quoted(QString::fromLatin1(name))),
+                      [&](const ResultRow &row) { columns.append(row.text(0)); });
+    const Schema::Table &schema = Schema::table(QString::fromLatin1(table));
+    std::string clause = "into " + name.toStdString();
+    // Older files hold the columns in another order; only there they have to be named.
+    if (columns != Schema::columnNames(schema))
+        clause += " (" + Schema::columnList(schema).toStdString() + ')';
+    clause += " values";
     const std::scoped_lock lock(orderMutex);
     if (!columns.isEmpty())
-        tableOrders.insert(name, same);
-    return same;
+        intoClauses.insert(name, clause);
+    return clause;
 }
 
 bool ObjectDataBase::State::createLineTables(quint8 line)
@@ -187,7 +192,7 @@ bool ObjectDataBase::deleteNode(quint8 line)
     d->objects.clear(line);
     {
         const std::scoped_lock lock(d->orderMutex);
-        d->tableOrders.clear();
+        d->intoClauses.clear();
     }
     notify({.kind = NodeDeleted, .line = line});
     return deleted;
@@ -237,7 +242,7 @@ void ObjectDataBase::cutLineFromSettings(const char *table, quint8 line)
 QList<quint8> ObjectDataBase::getLines()
 {
     QList<quint8> lines;
-    d->runner.forEachRow(QStringLiteral("select nodeId from nodes"), [&](const QSqlQuery &row) {
+    d->runner.forEachRow(QStringLiteral("select nodeId from nodes"), [&](const ResultRow &row) {
         lines.append(quint8(row.value(0).toUInt()));
     });
     return lines;
@@ -260,7 +265,7 @@ bool ObjectDataBase::getNodeData(quint8 line, NODE_DATA_T &data)
                       "isbootupmanager, isconfigmanager, excludepdolinking, multilinedata, "
                       "lssslave from Nodes where nodeId = ") +
             SqlText::number(line),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             int column = 0;
             const auto text = [&] { return row.value(column++).toString(); };
             const auto number = [&] { return row.value(column++).toUInt(); };

@@ -1,6 +1,7 @@
 #include "store/objectdatabase_p.h"
 
 #include "store/metadatablob.h"
+#include "store/recordcolumns.h"
 
 namespace {
 
@@ -9,24 +10,36 @@ QString objectTable(quint8 line)
     return SqlText::lineTable("Objects", line);
 }
 
-const QString objectColumns = QStringLiteral(
-    "name,datatype,objecttype,description,category,device_class,fwsupported,metadata");
+/// Reads rows for `readIndexRow`.
+QString selectObjects(quint8 line)
+{
+    static const QString select = QLatin1String("select ") +
+                                  Schema::columnList(Schema::table(QStringLiteral("Objects"))) +
+                                  QLatin1String(" from ");
+    return select + objectTable(line);
+}
+
+/// Behind an insert: objects that are there already get the new values. Their metadata stay, as
+/// those of the row are empty.
+std::string updateOfOthers()
+{
+    QStringList terms;
+    for (const QString &column : Schema::columnNames(Schema::table(QStringLiteral("Objects")))) {
+        if (column != QLatin1String("objectindex") && column != QLatin1String("metadata"))
+            terms.append(column + QLatin1String("=excluded.") + column);
+    }
+    return " on conflict(objectindex) do update set " + terms.join(u',').toStdString();
+}
+
+/// Gives the object's index.
+quint16 readIndexRow(RecordColumns::Reader values, ObjectDataBase::INDEX_DATA_T &data)
+{
+    const auto index = quint16(values.key());
+    RecordColumns::visit(values, data);
+    return index;
+}
 
 } // namespace
-
-ObjectDataBase::INDEX_DATA_T ObjectDataBase::readIndexRow(const QSqlQuery &row)
-{
-    INDEX_DATA_T data;
-    data.name = d->text(row.value(0));
-    data.datatype = quint16(row.value(1).toUInt());
-    data.objecttype = row.value(2).toUInt();
-    data.description = d->text(row.value(3));
-    data.category = quint16(row.value(4).toUInt());
-    data.deviceclass = d->text(row.value(5));
-    data.fwsupported = row.value(6).toInt() != 0;
-    data.metadata = MetaDataBlob::fromValue(row.value(7));
-    return data;
-}
 
 bool ObjectDataBase::getIndexData(quint8 line, quint16 index, INDEX_DATA_T &data)
 {
@@ -36,11 +49,11 @@ bool ObjectDataBase::getIndexData(quint8 line, quint16 index, INDEX_DATA_T &data
         return entry->hasObject;
     }
     bool found = false;
-    d->runner.forEachRow(QLatin1String("select ") + objectColumns + QLatin1String(" from ") +
-                             objectTable(line) + QLatin1String(" where objectindex = ") +
+    d->runner.forEachRow(selectObjects(line) + QLatin1String(" where objectindex = ") +
                              SqlText::number(index),
-                         [&](const QSqlQuery &row) {
-                             data = readIndexRow(row);
+                         [&](const ResultRow &row) {
+                             data = {};
+                             readIndexRow({row, StringTable::Texts(d->strings)}, data);
                              found = true;
                          });
     return found;
@@ -53,7 +66,7 @@ QList<quint16> ObjectDataBase::getIndices(quint8 line, int low, int high)
     QList<quint16> indices;
     d->runner.forEachRow(QLatin1String("select objectindex from ") + objectTable(line) +
                              QLatin1String(" order by objectindex asc"),
-                         [&](const QSqlQuery &row) {
+                         [&](const ResultRow &row) {
                              const int index = row.value(0).toInt();
                              if (index >= low && (high < 0 || index <= high))
                                  indices.append(quint16(index));
@@ -96,7 +109,7 @@ QList<quint16> ObjectDataBase::findIndices(quint8 line, const QString &column,
     d->runner.forEachRow(
         QLatin1String("select objectindex from ") + objectTable(line) + QLatin1String(" where ") +
             column + columnLiteral("name,description,device_class", column, value),
-        [&](const QSqlQuery &row) { indices.append(quint16(row.value(0).toUInt())); });
+        [&](const ResultRow &row) { indices.append(quint16(row.value(0).toUInt())); });
     return indices;
 }
 
@@ -104,6 +117,14 @@ bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &da
 {
     if (d->refusesWrites())
         return false;
+    const bool done = writeIndex(line, index, data);
+    d->objects.dropWalk(line);
+    notify({.kind = IndexAdded, .index = index, .line = line});
+    return done;
+}
+
+bool ObjectDataBase::writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
+{
     const QString description = d->internedId(data.description);
     const QString name = d->internedId(data.name);
     const QString deviceClass = d->internedId(data.deviceclass);
@@ -120,18 +141,64 @@ bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &da
         {QStringLiteral("fwsupported"), SqlText::number(data.fwsupported)},
         {QStringLiteral("metadata"), QStringLiteral("0")}};
     // An update with an empty map leaves the metadata that is there.
-    bool done = d->upsert(objectTable(line), where, values,
-                          {QStringLiteral("objectindex"), QStringLiteral("metadata")}, Q_FUNC_INFO);
-    if (!data.metadata.isEmpty())
-        done &= d->runner.execBound(
-            QLatin1String("update ") + objectTable(line) +
-                QLatin1String(" SET metadata = :metadata where objectindex = :objectindex"),
-            {{QStringLiteral(":metadata"), MetaDataBlob::toBlob(data.metadata)},
-             {QStringLiteral(":objectindex"), index}},
-            Q_FUNC_INFO);
-    d->objects.dropWalk(line);
-    notify({.kind = IndexAdded, .index = index, .line = line});
-    return done;
+    const bool done =
+        d->upsert(objectTable(line), where, values,
+                  {QStringLiteral("objectindex"), QStringLiteral("metadata")}, Q_FUNC_INFO);
+    return writeIndexMetaData(line, index, data.metadata) && done;
+}
+
+bool ObjectDataBase::writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata)
+{
+    return metadata.isEmpty() ||
+           d->runner.execBound(
+               QLatin1String("update ") + objectTable(line) +
+                   QLatin1String(" SET metadata = :metadata where objectindex = :objectindex"),
+               {{QStringLiteral(":metadata"), MetaDataBlob::toBlob(metadata)},
+                {QStringLiteral(":objectindex"), index}},
+               Q_FUNC_INFO);
+}
+
+bool ObjectDataBase::addIndices(const QList<IndexEntry> &entries)
+{
+    if (d->refusesWrites())
+        return false;
+    bool done = true;
+    const bool committed = d->runner.transaction([&] {
+        for (qsizetype from = 0; from < entries.size();)
+            from = writeBatch(entries, from, done);
+    });
+    for (const IndexEntry &entry : entries)
+        d->objects.dropWalk(entry.line);
+    for (const IndexEntry &entry : entries)
+        notify({.kind = IndexAdded, .index = entry.index, .line = entry.line});
+    return done && committed;
+}
+
+/// Writes neighbouring rows of one line with one statement; gives the place behind the last.
+qsizetype ObjectDataBase::writeBatch(const QList<IndexEntry> &entries, qsizetype from, bool &done)
+{
+    const quint8 line = entries.at(from).line;
+    std::string statement = "insert " + d->intoClause("Objects", line);
+    qsizetype next = from;
+    for (; next < entries.size() && entries.at(next).line == line &&
+           next - from < State::mostRowsOfInsert;
+         ++next) {
+        if (next != from)
+            statement += ',';
+        const INDEX_DATA_T &data = entries.at(next).data;
+        RecordColumns::Writer values(statement, d->strings);
+        values.intern(std::array{&data.description, &data.name, &data.deviceclass});
+        values.key(entries.at(next).index);
+        RecordColumns::visit(values, data);
+    }
+    // A table without the key, as other programs leave behind, takes no such statement.
+    const bool written = d->runner.execUtf8(statement + updateOfOthers());
+    for (; from < next; ++from) {
+        const IndexEntry &entry = entries.at(from);
+        done &= written ? writeIndexMetaData(line, entry.index, entry.data.metadata)
+                        : writeIndex(line, entry.index, entry.data);
+    }
+    return next;
 }
 
 bool ObjectDataBase::deleteIndex(quint8 line, quint16 index, bool keepConnections)
@@ -173,7 +240,9 @@ QMap<std::pair<quint16, int>, ObjectDataBase::MetaData> ObjectDataBase::getAllMe
 {
     QMap<std::pair<quint16, int>, MetaData> result;
     const auto collect = [&](const QString &statement) {
-        d->runner.forEachRow(statement, [&](const QSqlQuery &row) {
+        d->runner.forEachRow(statement, [&](const ResultRow &row) {
+            if (!row.isBlob(2))
+                return;
             MetaData map = MetaDataBlob::fromValue(row.value(2));
             if (!map.isEmpty())
                 result.insert({quint16(row.value(0).toUInt()), row.value(1).toInt()},
@@ -187,13 +256,12 @@ QMap<std::pair<quint16, int>, ObjectDataBase::MetaData> ObjectDataBase::getAllMe
     return result;
 }
 
-QMap<quint16, ObjectDataBase::INDEX_DATA_T> ObjectDataBase::readObjects(quint8 line)
+void ObjectDataBase::State::readObjects(quint8 line, ObjectCache::Walk &walk)
 {
-    QMap<quint16, INDEX_DATA_T> objects;
-    d->runner.forEachRow(QLatin1String("select ") + objectColumns +
-                             QLatin1String(",objectindex from ") + objectTable(line),
-                         [&](const QSqlQuery &row) {
-                             objects.insert(quint16(row.value(8).toUInt()), readIndexRow(row));
-                         });
-    return objects;
+    const StringTable::Texts texts(strings);
+    runner.forEachRow(selectObjects(line), [&](const ResultRow &row) {
+        ObjectCache::WalkEntry entry{.hasObject = true, .data = {}, .subindices = {}};
+        const quint16 index = readIndexRow({row, texts}, entry.data);
+        walk.insert(walk.cend(), index, std::move(entry));
+    });
 }

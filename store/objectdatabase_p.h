@@ -46,7 +46,7 @@ struct ObjectDataBase::State
     bool externallyModified = false;
     quint8 descriptionLine = 0;
     std::mutex orderMutex;
-    QHash<QString, bool> tableOrders; ///< guarded by orderMutex
+    QHash<QByteArray, std::string> intoClauses; ///< by table; guarded by orderMutex
 
     [[nodiscard]] bool refusesWrites() const { return writesBlocked || generating; }
     /// Reserves a working file and notes it for deletion.
@@ -72,8 +72,12 @@ struct ObjectDataBase::State
 
     // --- lines -------------------------------------------------------------------------------
     bool createLineTables(quint8 line);
-    /// The line's table has exactly the schema's columns, in its order.
-    [[nodiscard]] bool hasOrderOfSchema(const Schema::Table &table, quint8 line);
+    /// What stands between "insert" and the rows for a table of the line.
+    [[nodiscard]] std::string intoClause(const char *table, quint8 line);
+    static constexpr qsizetype mostRowsOfInsert = 20;
+    bool readLine(quint8 line, ObjectCache::Subs &subs, ObjectCache::Walk &walk);
+    void readObjects(quint8 line, ObjectCache::Walk &walk);
+    bool readSubs(quint8 line, quint16 index, ObjectCache::Subs &subs);
     void writeMissingDescriptionDefaults(quint8 line);
     [[nodiscard]] QString descriptionKey(const QString &key) const
     {

@@ -102,7 +102,7 @@ bool ObjectDataBase::getCANID(quint8 line, quint32 id, quint8 direction, CANID &
         QLatin1String(
             "select id,cycletime_ms,inhibittime_ms,mappingcount,direction,name,desc from ") +
             idTable(line) + QLatin1String(" where ") + whereId(id, direction),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             data.id = row.value(0).toUInt();
             data.cycleTime = quint16(row.value(1).toUInt());
             data.inhibitTime = quint16(row.value(2).toUInt());
@@ -138,7 +138,7 @@ bool ObjectDataBase::getDataElement(quint8 line, quint32 canId, quint8 direction
         QLatin1String("select datatype,implementation,varname,defaultvalue,name,desc,pos,bitsize,"
                       "bitpos from ") +
             elementTable(line) + QLatin1String(" where ") + whereElement(canId, direction, number),
-        [&](const QSqlQuery &row) {
+        [&](const ResultRow &row) {
             data.dataType = quint16(row.value(0).toUInt());
             data.implementation = quint8(row.value(1).toUInt());
             data.varName = row.value(2).toString();

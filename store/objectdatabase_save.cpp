@@ -22,17 +22,25 @@ QString identifier(QString name)
     return u'"' + name.replace(u'"', QLatin1String("\"\"")) + u'"';
 }
 
-/// The select list that gives a row's values, and which of its fields hold the "|" already.
-/// The database forms the text of neighbouring values, since fetching each by itself would take
-/// most of the time of an open; metadata are fetched, as a blob's text form is not the
-/// database's.
+/// The select list that gives a row's values, and how each of its fields enters the hash.
 struct HashFields
 {
+    enum Form {
+        Value,   ///< as its text form
+        Joined,  ///< the text form of several values, with the "|" behind each
+        MetaData ///< a blob, whose text form is not the database's
+    };
     QStringList fields;
-    QList<bool> joined;
+    QList<Form> forms;
+
+    void append(const QString &field, Form form)
+    {
+        fields.append(field);
+        forms.append(form);
+    }
 };
 
-HashFields hashFields(const QStringList &columns)
+HashFields hashFields(const QStringList &columns, bool direct)
 {
     constexpr int mostArguments = 100; // the database's limit is a little higher
     HashFields result;
@@ -40,17 +48,19 @@ HashFields hashFields(const QStringList &columns)
     const auto closeRun = [&] {
         if (run.isEmpty())
             return;
-        result.fields.append(QStringLiteral("cast(printf('%1',%2) as blob)")
-                                 .arg(QStringLiteral("%s|").repeated(run.size()), run.join(u',')));
-        result.joined.append(true);
+        result.append(QStringLiteral("cast(printf('%1',%2) as blob)")
+                          .arg(QStringLiteral("%s|").repeated(run.size()), run.join(u',')),
+                      HashFields::Joined);
         run.clear();
     };
     for (const QString &column : columns) {
         if (column == QLatin1String("metadata")) {
             closeRun();
-            result.fields.append(column);
-            result.joined.append(false);
+            result.append(column, HashFields::MetaData);
+        } else if (direct) {
+            result.append(identifier(column), HashFields::Value);
         } else {
+            // Fetching each value by itself would take most of the time of an open.
             run.append(identifier(column));
             if (run.size() == mostArguments)
                 closeRun();
@@ -60,29 +70,49 @@ HashFields hashFields(const QStringList &columns)
     return result;
 }
 
+void appendField(std::string &text, const ResultRow &row, int field, HashFields::Form form)
+{
+    switch (form) {
+    case HashFields::Value:
+        row.appendText(text, field);
+        break;
+    case HashFields::Joined:
+        text += row.bytes(field).toByteArray().toStdString();
+        return;
+    case HashFields::MetaData:
+        text += row.value(field).toString().toStdString();
+        break;
+    }
+    text += '|';
+}
+
 bool addTableToHash(StatementRunner &runner, const QString &table, QCryptographicHash &hash)
 {
+    constexpr size_t portion = 1 << 14;
     QStringList columns;
     runner.forEachRow(QStringLiteral("SELECT name FROM pragma_table_info(%1) ORDER BY cid")
                           .arg(SqlText::quoted(table)),
-                      [&](const QSqlQuery &row) { columns.append(row.value(0).toString()); });
-    const HashFields select = hashFields(columns);
+                      [&](const ResultRow &row) { columns.append(row.value(0).toString()); });
+    const HashFields select = hashFields(columns, runner.isDirect());
     const QString where = table == QLatin1String("MiscSettings")
                               ? QStringLiteral(" WHERE item NOT IN ('FileHash','TamperLog')")
                               : QString();
     const QString statement = QLatin1String("SELECT ") + select.fields.join(u',') +
                               QLatin1String(" FROM ") + identifier(table) + where +
                               QLatin1String(" ORDER BY rowid");
-    return runner.forEachRow(statement, [&](const QSqlQuery &row) {
-        for (qsizetype i = 0; i < select.joined.size(); ++i) {
-            const QVariant value = row.value(int(i));
-            if (select.joined.at(i))
-                hash.addData(value.toByteArray());
-            else
-                hash.addData(value.toString().toUtf8() + '|');
-        }
-        hash.addData(QByteArrayView("\n"));
+    std::string text;
+    text.reserve(2 * portion);
+    const bool done = runner.forEachRow(statement, [&](const ResultRow &row) {
+        for (qsizetype i = 0; i < select.forms.size(); ++i)
+            appendField(text, row, int(i), select.forms.at(i));
+        text += '\n';
+        if (text.size() < portion)
+            return;
+        hash.addData(text);
+        text.clear();
     });
+    hash.addData(text);
+    return done;
 }
 
 /// Why a file can't be saved to; empty if it can. The permission bits count as well, since for
@@ -119,7 +149,7 @@ QString ObjectDataBase::contentHash()
         QStringList tables;
         d->runner.forEachRow(
             QStringLiteral("SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
-            [&](const QSqlQuery &row) { tables.append(row.value(0).toString()); });
+            [&](const ResultRow &row) { tables.append(row.value(0).toString()); });
         for (const QString &table : tables) {
             hash.addData(table.toUtf8() + '\n');
             if (!addTableToHash(d->runner, table, hash))
@@ -145,13 +175,13 @@ void ObjectDataBase::purgeStrings()
 {
     QSet<qint64> unused;
     d->runner.forEachRow(QStringLiteral("select id from Strings"),
-                         [&](const QSqlQuery &row) { unused.insert(row.value(0).toLongLong()); });
+                         [&](const ResultRow &row) { unused.insert(row.integer(0)); });
     const QList<quint8> lines = getLines();
     const auto keepUsed = [&](const QString &table, const char *columns) {
         for (const QString &column : QString::fromLatin1(columns).split(u','))
-            d->runner.forEachRow(
-                QLatin1String("select distinct ") + column + QLatin1String(" from ") + table,
-                [&](const QSqlQuery &row) { unused.remove(row.value(0).toLongLong()); });
+            d->runner.forEachRow(QLatin1String("select distinct ") + column +
+                                     QLatin1String(" from ") + table,
+                                 [&](const ResultRow &row) { unused.remove(row.integer(0)); });
     };
     for (const Schema::Table &table : Schema::tables()) {
         if (*table.stringIds == '\0')

@@ -36,7 +36,7 @@ QStringList ObjectDataBase::State::settingKeys(const char *table)
 {
     QStringList keys;
     runner.forEachRow(QLatin1String("select item from ") + QLatin1String(table),
-                      [&](const QSqlQuery &row) { keys.append(row.value(0).toString()); });
+                      [&](const ResultRow &row) { keys.append(row.value(0).toString()); });
     return keys;
 }
 

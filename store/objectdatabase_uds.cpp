@@ -26,7 +26,7 @@ UdsRow readRow(StatementRunner &runner, quint8 line, UDS::SID sid)
     UdsRow data;
     runner.forEachRow(QLatin1String("select sessions,userlevels,authentication,active") +
                           whereSid(line, sid),
-                      [&](const QSqlQuery &row) {
+                      [&](const ResultRow &row) {
                           data = {row.value(3).toInt() != 0, row.value(0).toString(),
                                   row.value(1).toString(), row.value(2).toString()};
                       });
@@ -57,7 +57,7 @@ QMap<UDS::SID, bool> ObjectDataBase::getUDSServices(quint8 line)
 {
     QMap<UDS::SID, bool> services;
     d->runner.forEachRow(
-        QLatin1String("select active, sid from ") + udsTable(line), [&](const QSqlQuery &row) {
+        QLatin1String("select active, sid from ") + udsTable(line), [&](const ResultRow &row) {
             services.insert(UDS::SID(row.value(1).toInt()), row.value(0).toInt() != 0);
         });
     return services;

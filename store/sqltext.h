@@ -2,6 +2,10 @@
 
 #include <QString>
 
+#include <array>
+#include <charconv>
+#include <string>
+
 /// Forms of values inside statements. Statements are made as text, so every text that comes from
 /// outside goes through `quoted`.
 namespace SqlText {
@@ -34,46 +38,50 @@ inline QString number(bool value)
     return value ? QStringLiteral("1") : QStringLiteral("0");
 }
 
-/// Builds the value list of an insert. Rows are written by the ten thousand, so nothing is made
-/// that is not needed for the text itself.
+/// Appends decimal digits.
+template <typename Number>
+void appendNumber(std::string &text, Number value)
+{
+    if (value >= 0 && value <= 9) {
+        text += char('0' + int(value));
+        return;
+    }
+    std::array<char, 24> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value);
+    text.append(digits.data(), end.ptr);
+}
+
+/// Builds the value list of an insert, in UTF-8. Rows are written by the ten thousand, so nothing
+/// is made that is not needed for the text itself.
 class ValueList
 {
 public:
-    explicit ValueList(QString &statement) : m_statement(statement) {}
+    explicit ValueList(std::string &statement) : m_statement(statement) {}
 
     void number(quint64 value)
     {
         separate();
-        char16_t digits[20];
-        int count = 0;
-        do {
-            digits[count++] = char16_t(u'0' + value % 10);
-            value /= 10;
-        } while (value != 0);
-        while (count > 0)
-            m_statement += QChar(digits[--count]);
+        appendNumber(m_statement, value);
     }
     void id(qint64 value)
     {
-        if (value >= 0)
-            number(quint64(value));
-        else
-            raw(QString::number(value));
+        separate();
+        appendNumber(m_statement, value);
     }
     void text(const QString &value)
     {
         separate();
-        m_statement += u'\'';
-        if (value.contains(u'\'') || value.contains(QChar(u'\0')) || !value.isValidUtf16())
-            m_statement += escaped(value);
-        else
-            m_statement += value;
-        m_statement += u'\'';
-    }
-    void raw(const QString &literal)
-    {
-        separate();
-        m_statement += literal;
+        const size_t start = m_statement.size();
+        m_statement += '\'';
+        for (const QChar c : value) {
+            if (c.unicode() == 0 || c.unicode() >= 0x80 || c == u'\'') {
+                m_statement.resize(start);
+                m_statement += quoted(value).toStdString();
+                return;
+            }
+            m_statement += char(c.unicode());
+        }
+        m_statement += '\'';
     }
 
 private:
@@ -82,10 +90,10 @@ private:
         if (m_first)
             m_first = false;
         else
-            m_statement += u',';
+            m_statement += ',';
     }
 
-    QString &m_statement;
+    std::string &m_statement;
     bool m_first = true;
 };
 

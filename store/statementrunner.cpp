@@ -3,28 +3,79 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QElapsedTimer>
-#include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+
+#include <algorithm>
+#include <cstring>
 
 namespace {
 
 constexpr int statementWaitMs = 5000;
 
-bool writes(QStringView statement)
+bool writes(QByteArrayView statement)
 {
-    static constexpr QLatin1String prefixes[] = {QLatin1String("insert"), QLatin1String("update"),
-                                                 QLatin1String("delete"), QLatin1String("replace"),
-                                                 QLatin1String("create"), QLatin1String("drop"),
-                                                 QLatin1String("alter")};
-    const QStringView trimmed = statement.trimmed();
-    return std::any_of(std::begin(prefixes), std::end(prefixes), [&](QLatin1String prefix) {
-        return trimmed.startsWith(prefix, Qt::CaseInsensitive);
+    static constexpr QByteArrayView prefixes[] = {"insert", "update", "delete", "replace",
+                                                  "create", "drop",   "alter"};
+    const QByteArrayView trimmed = statement.trimmed();
+    return std::any_of(std::begin(prefixes), std::end(prefixes), [&](QByteArrayView prefix) {
+        return trimmed.size() >= prefix.size() &&
+               trimmed.first(prefix.size()).compare(prefix, Qt::CaseInsensitive) == 0;
     });
 }
 
-void logFailure(const char *context, const QString &statement, const QString &error)
+/// A row as Qt's driver gives it.
+class DriverRow final : public ResultRow
 {
-    qDebug() << context << statement << error;
+public:
+    explicit DriverRow(const QSqlQuery &query) : m_query(query) {}
+
+    [[nodiscard]] QStringList columnNames() const override
+    {
+        QStringList names;
+        const QSqlRecord record = m_query.record();
+        for (int i = 0; i < record.count(); ++i)
+            names.append(record.fieldName(i));
+        return names;
+    }
+    [[nodiscard]] QVariant value(int column) const override
+    {
+        return column < 0 ? QVariant() : m_query.value(column);
+    }
+    [[nodiscard]] bool isNull(int column) const override { return m_query.isNull(column); }
+    [[nodiscard]] qint64 integer(int column) const override { return value(column).toLongLong(); }
+    [[nodiscard]] QByteArrayView bytes(int column) const override
+    {
+        const QVariant whole = value(column);
+        m_bytes = whole.typeId() == QMetaType::QByteArray ? whole.toByteArray()
+                                                          : whole.toString().toUtf8();
+        return m_bytes;
+    }
+    [[nodiscard]] bool isBlob(int column) const override
+    {
+        return value(column).typeId() == QMetaType::QByteArray;
+    }
+    void appendText(std::string &text, int column) const override
+    {
+        const QByteArrayView all = bytes(column);
+        if (!all.isEmpty())
+            text.append(all.data(), strnlen(all.data(), size_t(all.size())));
+    }
+
+private:
+    const QSqlQuery &m_query;
+    mutable QByteArray m_bytes; ///< what the last view shows
+};
+
+void takeRows(QSqlQuery &query, const StatementRunner::RowFunction &row, DirectAccess::Rows rows)
+{
+    const DriverRow current(query);
+    while (query.next()) {
+        row(current);
+        if (rows == DirectAccess::Rows::First)
+            break;
+    }
 }
 
 } // namespace
@@ -51,6 +102,7 @@ StatementRunner::StatementRunner(const QString &connectionName)
 StatementRunner::~StatementRunner()
 {
     waitForStatements();
+    m_direct.release();
     m_database.close();
     m_database = QSqlDatabase();
     QSqlDatabase::removeDatabase(m_connectionName);
@@ -60,16 +112,20 @@ bool StatementRunner::open(const QString &fileName)
 {
     bool opened = false;
     exclusive([&] {
+        m_direct.release();
         m_database.close();
         m_database.setDatabaseName(fileName);
-        opened = m_database.open();
+        opened = m_direct.open(m_database);
     });
     return opened;
 }
 
 void StatementRunner::close()
 {
-    exclusive([&] { m_database.close(); });
+    exclusive([&] {
+        m_direct.release();
+        m_database.close();
+    });
 }
 
 bool StatementRunner::mayPass()
@@ -105,61 +161,70 @@ void StatementRunner::leave()
     --m_inFlight;
 }
 
-bool StatementRunner::runLocked(QSqlQuery &query, const QString &statement, const char *context)
+/// Needs the connection.
+bool StatementRunner::run(QByteArrayView statement, const RowFunction *row, Rows rows,
+                          const char *context)
 {
-    const bool done = statement.isEmpty() ? query.exec() : query.exec(statement);
+    QString error;
+    bool done = false;
+    if (m_direct.isAvailable()) {
+        done = m_direct.run(statement, row, rows, error);
+    } else {
+        QSqlQuery query(m_database);
+        query.setForwardOnly(true);
+        done = query.exec(QString::fromUtf8(statement));
+        if (done && row != nullptr)
+            takeRows(query, *row, rows);
+        error = query.lastError().text();
+        done = done && !query.lastError().isValid();
+    }
+    return finish(done, statement, error, context);
+}
+
+/// What follows on a statement, however it was run.
+bool StatementRunner::finish(bool done, QByteArrayView statement, const QString &error,
+                             const char *context)
+{
     if (done) {
-        reportWrite(statement, query);
+        if (m_writeSignals && m_onWrite && writes(statement))
+            m_onWrite();
         return true;
     }
-    const QString error = query.lastError().text();
     {
         const std::scoped_lock lock(m_errorMutex);
         m_lastError = error;
     }
     if (context != nullptr)
-        logFailure(context, statement.isEmpty() ? query.lastQuery() : statement, error);
+        qDebug() << context << QString::fromUtf8(statement) << error;
     return false;
-}
-
-void StatementRunner::reportWrite(const QString &statement, const QSqlQuery &query)
-{
-    if (m_writeSignals && m_onWrite && writes(statement.isEmpty() ? query.lastQuery() : statement))
-        m_onWrite();
 }
 
 bool StatementRunner::exec(const QString &statement, const char *context)
 {
     const Passage passage(*this);
-    QSqlQuery query(m_database);
-    return runLocked(query, statement, context);
+    return run(statement.toUtf8(), nullptr, Rows::All, context);
+}
+
+bool StatementRunner::execUtf8(const std::string &statement, const char *context)
+{
+    const Passage passage(*this);
+    return run(statement, nullptr, Rows::All, context);
 }
 
 bool StatementRunner::forEachRow(const QString &statement, const RowFunction &row,
                                  const char *context)
 {
     const Passage passage(*this);
-    QSqlQuery query(m_database);
-    query.setForwardOnly(true);
-    if (!runLocked(query, statement, context))
-        return false;
-    while (query.next())
-        row(query);
-    if (!query.lastError().isValid())
-        return true;
-    const std::scoped_lock lock(m_errorMutex);
-    m_lastError = query.lastError().text();
-    return false;
+    return run(statement.toUtf8(), &row, Rows::All, context);
 }
 
 QVariant StatementRunner::value(const QString &statement)
 {
+    QVariant value;
+    const RowFunction keep = [&](const ResultRow &row) { value = row.value(0); };
     const Passage passage(*this);
-    QSqlQuery query(m_database);
-    query.setForwardOnly(true);
-    if (!runLocked(query, statement, nullptr) || !query.next())
-        return {};
-    return query.value(0);
+    run(statement.toUtf8(), &keep, Rows::First, nullptr);
+    return value;
 }
 
 bool StatementRunner::execBound(const QString &statement,
@@ -168,23 +233,23 @@ bool StatementRunner::execBound(const QString &statement,
 {
     const Passage passage(*this);
     QSqlQuery query(m_database);
-    if (!query.prepare(statement)) {
-        if (context != nullptr)
-            logFailure(context, statement, query.lastError().text());
-        return false;
+    bool done = query.prepare(statement);
+    if (done) {
+        for (const auto &[name, value] : values)
+            query.bindValue(name, value);
+        done = query.exec();
     }
-    for (const auto &[name, value] : values)
-        query.bindValue(name, value);
-    return runLocked(query, QString(), context);
+    return finish(done, statement.toUtf8(), query.lastError().text(), context);
 }
 
 qint64 StatementRunner::insert(const QString &statement, const char *context)
 {
     const Passage passage(*this);
-    QSqlQuery query(m_database);
-    if (!runLocked(query, statement, context))
+    if (!run(statement.toUtf8(), nullptr, Rows::All, context))
         return -1;
-    return query.lastInsertId().toLongLong();
+    return m_direct.isAvailable()
+               ? m_direct.lastInsertId()
+               : value(QStringLiteral("select last_insert_rowid()")).toLongLong();
 }
 
 void StatementRunner::migrationExec(const QString &statement)

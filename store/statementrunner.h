@@ -1,9 +1,10 @@
 #pragma once
 
+#include "store/directaccess.h"
+
 #include <QList>
 #include <QMutex>
 #include <QSqlDatabase>
-#include <QSqlQuery>
 #include <QString>
 #include <QThread>
 #include <QVariant>
@@ -11,6 +12,7 @@
 #include <atomic>
 #include <functional>
 #include <mutex>
+#include <string>
 
 /// The one way to the database connection. Serialises the statements of all threads, counts the
 /// ones in flight, and holds back threads that a block does not name.
@@ -20,7 +22,7 @@
 class StatementRunner
 {
 public:
-    using RowFunction = std::function<void(const QSqlQuery &)>;
+    using RowFunction = DirectAccess::RowFunction;
 
     explicit StatementRunner(const QString &connectionName);
     ~StatementRunner();
@@ -32,9 +34,13 @@ public:
     bool open(const QString &fileName);
     void close();
     [[nodiscard]] QString fileName() const { return m_database.databaseName(); }
+    /// Whether rows come straight from the database library, so that each value costs little.
+    [[nodiscard]] bool isDirect() const { return m_direct.isAvailable(); }
 
     /// Runs a statement. On failure false; logged under `context` unless that is null.
     bool exec(const QString &statement, const char *context = nullptr);
+    /// The same for a statement in UTF-8.
+    bool execUtf8(const std::string &statement, const char *context = nullptr);
     /// Runs a statement and calls `row` for each of its rows.
     bool forEachRow(const QString &statement, const RowFunction &row,
                     const char *context = nullptr);
@@ -71,11 +77,13 @@ private:
     void enter();
     void leave();
     [[nodiscard]] bool mayPass();
-    bool runLocked(QSqlQuery &query, const QString &statement, const char *context);
-    void reportWrite(const QString &statement, const QSqlQuery &query);
+    using Rows = DirectAccess::Rows;
+    bool run(QByteArrayView statement, const RowFunction *row, Rows rows, const char *context);
+    bool finish(bool done, QByteArrayView statement, const QString &error, const char *context);
 
     QString m_connectionName;
     QSqlDatabase m_database;
+    DirectAccess m_direct; ///< guarded by m_connection
     std::recursive_mutex m_connection;
     std::atomic<Qt::HANDLE> m_owner{nullptr};
     int m_depth = 0;     ///< guarded by m_connection

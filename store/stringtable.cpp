@@ -1,5 +1,6 @@
 #include "store/stringtable.h"
 
+#include "store/resultrow.h"
 #include "store/sqltext.h"
 #include "store/statementrunner.h"
 
@@ -46,7 +47,7 @@ QString StringTable::lookup(qint64 id)
 {
     {
         const std::shared_lock lock(m_mutex);
-        if (const auto found = m_texts.constFind(id); found != m_texts.constEnd())
+        if (const QString *found = m_texts.find(id))
             return *found;
         if (m_complete || id == 0)
             return {};
@@ -65,7 +66,7 @@ QList<qint64> StringTable::idsOf(const QString &text)
     QList<qint64> ids;
     m_runner.forEachRow(QLatin1String("select id from Strings where string = ") +
                             SqlText::quoted(text),
-                        [&](const QSqlQuery &row) { ids.append(row.value(0).toLongLong()); });
+                        [&](const ResultRow &row) { ids.append(row.value(0).toLongLong()); });
     return ids;
 }
 
@@ -77,9 +78,9 @@ bool StringTable::rebuild()
         m_ids.clear();
         m_texts.clear();
         done =
-            m_runner.forEachRow(QStringLiteral("select * from Strings"), [&](const QSqlQuery &row) {
-                const qint64 id = row.value(0).toLongLong();
-                const QString text = row.value(1).toString();
+            m_runner.forEachRow(QStringLiteral("select * from Strings"), [&](const ResultRow &row) {
+                const qint64 id = row.integer(0);
+                const QString text = row.text(1);
                 m_texts.insert(id, text);
                 if (!m_ids.contains(text))
                     m_ids.insert(text, id);
@@ -110,4 +111,54 @@ void StringTable::remove(const QSet<qint64> &ids)
                 m_ids.remove(text);
         }
     });
+}
+
+StringTable::Texts::Texts(StringTable &table) : m_table(table), m_lock(table.m_mutex)
+{
+    if (!m_table.m_complete)
+        m_lock.unlock();
+}
+
+QString StringTable::Texts::text(qint64 id) const
+{
+    if (!m_lock)
+        return m_table.lookup(id);
+    const QString *found = m_table.m_texts.find(id);
+    return found == nullptr ? QString() : *found;
+}
+
+void StringTable::TextMap::insert(qint64 id, const QString &text)
+{
+    constexpr qint64 widestGap = 4096;
+    if (id < 0 || id > qint64(m_near.size()) + widestGap) {
+        m_far.insert(id, text);
+        return;
+    }
+    if (size_t(id) >= m_near.size())
+        m_near.resize(size_t(id) + 1);
+    m_near[size_t(id)] = text.isNull() ? QStringLiteral("") : text;
+}
+
+const QString *StringTable::TextMap::find(qint64 id) const
+{
+    if (id >= 0 && size_t(id) < m_near.size() && !m_near[size_t(id)].isNull())
+        return &m_near[size_t(id)];
+    const auto found = m_far.constFind(id);
+    return found == m_far.constEnd() ? nullptr : &*found;
+}
+
+QString StringTable::TextMap::take(qint64 id)
+{
+    const QString *found = find(id);
+    const QString text = found == nullptr ? QString() : *found;
+    if (id >= 0 && size_t(id) < m_near.size())
+        m_near[size_t(id)] = QString();
+    m_far.remove(id);
+    return text;
+}
+
+void StringTable::TextMap::clear()
+{
+    m_near.clear();
+    m_far.clear();
 }

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <shared_mutex>
+#include <vector>
 
 class StatementRunner;
 
@@ -28,10 +29,37 @@ public:
     /// used again.
     void remove(const QSet<qint64> &ids);
 
+    /// The texts for a reader of many rows, who asks without a lock for each. While it lives, its
+    /// thread must not intern.
+    class Texts
+    {
+    public:
+        explicit Texts(StringTable &table);
+        [[nodiscard]] QString text(qint64 id) const;
+
+    private:
+        StringTable &m_table;
+        std::shared_lock<std::shared_mutex> m_lock; ///< only while all texts are there
+    };
+
 private:
+    /// Ids are given from 1 upwards, so nearly all texts stand in a plain list.
+    class TextMap
+    {
+    public:
+        void insert(qint64 id, const QString &text);
+        [[nodiscard]] const QString *find(qint64 id) const;
+        [[nodiscard]] QString take(qint64 id);
+        void clear();
+
+    private:
+        std::vector<QString> m_near; ///< by id; null for one that isn't there
+        QHash<qint64, QString> m_far;
+    };
+
     StatementRunner &m_runner;
     std::shared_mutex m_mutex;
     QHash<QString, qint64> m_ids;
-    QHash<qint64, QString> m_texts;
+    TextMap m_texts;
     bool m_complete = false; ///< the maps hold every row
 };

@@ -41,7 +41,8 @@ QString findingText(EdsValue::Finding finding)
     case EdsValue::Finding::TruthValue:
         return tr("%1: '%2' is read as %3.");
     case EdsValue::Finding::RealBits:
-        return tr("%1: '%2' are the bits of a real number, not its value; kept as written.");
+        return tr("%1: '%2' are the bits of a real number, not its value; kept as "
+                  "written, but generating asks for the value.");
     case EdsValue::Finding::NodeIdForm:
         return tr("%1: '%2' is no sum of $NODEID and numbers; kept as written.");
     case EdsValue::Finding::OutOfRange:

@@ -13,7 +13,7 @@
 class EdsText
 {
 public:
-    static constexpr qint64 mostBytes = 64 * 1024 * 1024;
+    static constexpr qint64 mostBytes = qint64(64) * 1024 * 1024;
     static constexpr qsizetype mostSections = 500000;
     /// Lines that are longer are passed over.
     static constexpr qsizetype longestLine = 1024 * 1024;

@@ -3,6 +3,8 @@
 #include "store/canopen/canopentypes.h"
 #include "store/canopen/cohelper.h"
 
+#include <QRegularExpression>
+
 #include <algorithm>
 
 namespace {
@@ -62,8 +64,8 @@ QString withoutLeadingZeros(const QString &text)
     return text.mid(zeros);
 }
 
-/// The summands of an expression brought into the one form; nothing if there is anything else
-/// than one node-ID and numbers.
+/// The summands of an expression brought into the one form, with a hexadecimal number, as the model
+/// check compares them; nothing if there is anything else than one node-ID and numbers.
 std::optional<QString> nodeIdForm(const QString &text)
 {
     int nodeIds = 0;
@@ -85,9 +87,11 @@ std::optional<QString> nodeIdForm(const QString &text)
     }
     if (nodeIds != 1)
         return std::nullopt;
-    const QString number = numbers.isEmpty()     ? QStringLiteral("0")
-                           : numbers.size() == 1 ? numbers.first()
-                                                 : QStringLiteral("0x") + QString::number(sum, 16);
+    static const QRegularExpression plain(QStringLiteral("^0[xX]([1-9a-fA-F]|[0-9a-fA-F]{8}$)"));
+    const QString number = numbers.isEmpty() ? QStringLiteral("0")
+                           : numbers.size() == 1 && plain.match(numbers.first()).hasMatch()
+                               ? numbers.first()
+                               : QStringLiteral("0x") + QString::number(sum, 16);
     return QLatin1String("$NODEID+") + number;
 }
 

@@ -1,5 +1,6 @@
 #include "tests/store/storetest.h"
 
+#include <QCryptographicHash>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QSignalSpy>

@@ -18,6 +18,8 @@ private slots:
     void brokenTextsHarmNothing();
     void metadataFollowsItsRules();
     void batchIsSilent();
+    void batchOfObjects_data();
+    void batchOfObjects();
     void findsAndLists();
     void cachesAnswerLikeTheDatabase();
     void singleColumnWrites();
@@ -247,6 +249,45 @@ void TestStoreObjects::batchIsSilent()
     QCOMPARE(m_store->getSubIndexName(0, 0x3000, 199), QStringLiteral("it's 199"));
 }
 
+void TestStoreObjects::batchOfObjects_data()
+{
+    QTest::addColumn<bool>("withoutKey");
+    QTest::newRow("own table") << false;
+    QTest::newRow("table of another program, without the key") << true;
+}
+
+void TestStoreObjects::batchOfObjects()
+{
+    QFETCH(bool, withoutKey);
+    const Store::MetaData former = {{QStringLiteral("k"), QStringLiteral("v")}};
+    const Store::MetaData later = {{QStringLiteral("l"), QStringLiteral("w")}};
+    QVERIFY(m_store->addIndex(0, 0x2000, {.name = QStringLiteral("old"), .metadata = former}));
+    if (withoutKey) {
+        QVERIFY(m_store->executeSql(QStringLiteral("create table t as select * from Objects0")));
+        QVERIFY(m_store->executeSql(QStringLiteral("drop table Objects0")));
+        QVERIFY(m_store->executeSql(QStringLiteral("alter table t rename to Objects0")));
+    }
+    m_store->cacheAllSubs(0);
+    QList<Store::IndexEntry> entries;
+    for (int i = 0; i < 250; ++i)
+        entries.append({0, quint16(0x2000 + i), {.name = QStringLiteral("it's %1").arg(i)}});
+    entries[7].data.metadata = later;
+    entries.append({0, 0x2001, {.name = QStringLiteral("twice"), .category = 1}});
+    QSignalSpy changes(m_store.get(), &Store::updateNotify);
+    QVERIFY(m_store->addIndices(entries));
+    QCOMPARE(changes.size(), entries.size());
+    QCOMPARE(changes.last().first().value<Store::ChangeSet>().index, quint16(0x2001));
+    QCOMPARE(m_store->getIndices(0).size(), 250);
+    QCOMPARE(m_store->getIndexName(0, 0x20F9), QStringLiteral("it's 249"));
+    QCOMPARE(m_store->getIndexName(0, 0x2001), QStringLiteral("twice"));
+    Store::INDEX_DATA_T data;
+    QVERIFY(m_store->getIndexData(0, 0x2000, data));
+    QCOMPARE(data.name, QStringLiteral("it's 0"));
+    QCOMPARE(data.metadata, former);
+    QVERIFY(m_store->getIndexData(0, 0x2007, data));
+    QCOMPARE(data.metadata, later);
+}
+
 void TestStoreObjects::findsAndLists()
 {
     for (const int index : {0x6000, 0x1000, 0x2000, 0x1A00})
@@ -395,6 +436,7 @@ void TestStoreObjects::refusesWhileBlocked()
         setMode(true);
         QVERIFY(!m_store->addIndex(0, 0x2001, {}));
         QVERIFY(!m_store->addSubIndex(0, 0x2000, 1, {}));
+        QVERIFY(!m_store->addIndices({{0, 0x2001, {}}}));
         QVERIFY(!m_store->addSubIndices({{0, 0x2000, 1, {}}}));
         QVERIFY(!m_store->deleteIndex(0, 0x2000));
         QVERIFY(!m_store->deleteSubIndex(0, 0x2000, 0));

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "store/resultrow.h"
+
+#include <QByteArrayView>
+#include <QSqlDatabase>
+
+#include <functional>
+
+/// Runs statements on Qt's connection by the database library itself. Qt's driver makes an object
+/// of every value and every statement, which takes most of the time where there are ten thousands
+/// of them.
+///
+/// That works where Qt's driver and this program share one copy of the library. Where the driver
+/// brings its own, as it does on some platforms, where the library's header was not there to build
+/// with, or where the environment has `QUILLFORGE_PLAIN_SQL`, `isAvailable` is false and everything
+/// goes through the driver.
+///
+/// Used under the lock of the connection.
+class DirectAccess
+{
+public:
+    using RowFunction = std::function<void(const ResultRow &)>;
+    enum class Rows { All, First };
+
+    /// Opens the connection and takes hold of it if possible.
+    bool open(QSqlDatabase &database);
+    /// Before the connection is closed.
+    void release() { m_handle = nullptr; }
+    [[nodiscard]] bool isAvailable() const { return m_handle != nullptr; }
+
+    /// Runs one statement, in UTF-8 with a NUL behind it. On failure false, with the words of Qt's
+    /// driver in `error`. Rows go to `row`, unless that is null.
+    bool run(QByteArrayView statement, const RowFunction *row, Rows rows, QString &error) const;
+    [[nodiscard]] qint64 lastInsertId() const;
+
+private:
+    void *m_handle = nullptr; ///< the library's connection, which belongs to Qt's driver
+};
