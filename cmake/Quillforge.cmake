@@ -9,8 +9,8 @@ target_compile_definitions(quillforge_options INTERFACE
 if(MSVC)
   target_compile_options(quillforge_options INTERFACE /W4 /WX /utf-8 /permissive-)
 else()
-  target_compile_options(quillforge_options INTERFACE -Wall -Wextra -Wpedantic -Wshadow=local
-    -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
+  target_compile_options(quillforge_options INTERFACE -Wall -Wextra -Wpedantic
+    $<$<CXX_COMPILER_ID:GNU>:-Wshadow=local> -Wnon-virtual-dtor -Woverloaded-virtual -Werror)
 endif()
 if(QUILLFORGE_SANITIZERS)
   target_compile_options(quillforge_options INTERFACE -fsanitize=${QUILLFORGE_SANITIZERS}

@@ -89,6 +89,18 @@ tr td {
 color: #000000;
 overflow-wrap: anywhere;
 }
+p, div.left {
+margin: 0 0 14px 0;
+}
+p:has(th) {
+margin-bottom: 4px;
+}
+table + br {
+display: none;
+}
+td[style] {
+border-top: 2px solid #a5a5a5;
+}
 th {
 text-align: left;
 scroll-margin-top: 10px;
@@ -102,7 +114,7 @@ background-color: #f0f0f0;
 }
 hr {
 width: 70%;
-margin-left: 0;
+margin: 18px 0;
 border: 0;
 border-top: 1px solid #a5a5a5;
 }
@@ -143,9 +155,28 @@ a:active {
 color: #6a6a6a;
 }
 }
+@page {
+margin: 15mm;
+}
 @media print {
-table, hr {
+html {
+font-size: 75%;
+}
+table {
 width: 100%;
+}
+hr {
+display: none;
+}
+table, td, th {
+padding: 2px 8px 2px 8px;
+}
+p:has(th) {
+margin-top: 24px;
+break-after: avoid;
+}
+tr {
+break-inside: avoid;
 }
 th {
 color: #000000;
@@ -157,6 +188,8 @@ border-bottom: 1px solid #d5d5d5;
 }
 div.toc {
 columns: 6;
+padding: 10px 0;
+font-size: 0.9em;
 }
 }
 )";

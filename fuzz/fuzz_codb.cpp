@@ -12,9 +12,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
 {
     constexpr quint8 line = ObjectDataBase::stagingLine;
     ObjectDataBase &store = FuzzSupport::store();
-    if (store.lineExists(line))
-        store.deleteNode(line);
-    store.addNode(line, ObjectDataBase::NODE_DATA_T());
+    FuzzSupport::emptyLine(line);
 
     CODBImporter importer;
     importer.setLine(line);

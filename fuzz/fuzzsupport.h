@@ -46,4 +46,14 @@ inline ObjectDataBase &store()
     return store;
 }
 
+/// A line of it as if new, in a tenth of the time that a new one takes.
+inline void emptyLine(quint8 line)
+{
+    if (!store().lineExists(line))
+        store().addNode(line, ObjectDataBase::NODE_DATA_T());
+    const QList<quint16> indices = store().getIndices(line);
+    for (const quint16 index : indices)
+        store().deleteIndex(line, index);
+}
+
 } // namespace FuzzSupport

@@ -8,7 +8,7 @@
 namespace {
 
 // A few lines can ask for copies without end; no real profile comes near these.
-constexpr qint64 largestFile = 32 * 1024 * 1024;
+constexpr qint64 largestFile = qint64(32) * 1024 * 1024;
 constexpr qsizetype mostEntries = 500000;
 constexpr qsizetype mostMessages = 100;
 constexpr qsizetype entriesPerBatch = 20000;
@@ -157,7 +157,7 @@ void CODBImporter::addEntry(const CodbLine &line)
     record.accessType = entry.accesstype;
     record.pdoMapping = entry.pdomapping != PDOMapping::Forbidden;
     record.defaultValue = entry.defaultvalue;
-    m_staged[line.index()].entries.insert(line.subindex(), std::move(entry));
+    m_staged[line.index()].entries.insert(line.subindex(), entry);
     ++m_entryCount;
     emit newSubIndex(record);
 }
@@ -206,17 +206,18 @@ bool CODBImporter::copyObject(quint16 source, quint16 target)
 bool CODBImporter::write()
 {
     bool done = true;
+    QList<ObjectDataBase::IndexEntry> objects;
     QList<ObjectDataBase::SubEntry> batch;
     const auto flush = [&] {
-        done &= store()->addSubIndices(batch);
-        batch.clear();
+        done &= store()->addIndices(std::exchange(objects, {}));
+        done &= store()->addSubIndices(std::exchange(batch, {}));
     };
     for (auto staged = m_staged.cbegin(); staged != m_staged.cend() && !isCancelled(); ++staged) {
         const quint16 index = staged.key();
         if (staged->replaces && m_present.contains(index))
             done &= store()->deleteIndex(line(), index);
         if (staged->object)
-            done &= store()->addIndex(line(), index, *staged->object);
+            objects.append({line(), index, *staged->object});
         for (auto entry = staged->entries.cbegin(); entry != staged->entries.cend(); ++entry)
             batch.append({line(), index, entry.key(), entry.value()});
         if (batch.size() >= entriesPerBatch)

@@ -64,8 +64,8 @@ QString lastNumber(const QString &text)
 {
     const QString decimalMatch = lastMatch(decimalNumber(), text);
     const QString hexMatch = lastMatch(hexNumber(), text);
-    const QString decimal = decimalText(decimalMatch);
-    const QString hex = decimalText(hexMatch);
+    QString decimal = decimalText(decimalMatch);
+    QString hex = decimalText(hexMatch);
     if (hexMatch.isEmpty())
         return decimal;
     return decimal.toULongLong() > hex.toULongLong() && !hex.isEmpty() ? decimal : hex;

@@ -6,6 +6,7 @@
 #include "store/canopen/wordtable.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -481,8 +482,14 @@ void CsvImporter::completeObject(const Key &key, Object &object)
 bool CsvImporter::write()
 {
     bool done = true;
+    QList<ObjectDataBase::IndexEntry> objects;
     QList<ObjectDataBase::SubEntry> batch;
     qsizetype written = 0;
+    const auto flush = [&] {
+        written += batch.size();
+        done &= store()->addIndices(std::exchange(objects, {}));
+        done &= store()->addSubIndices(std::exchange(batch, {}));
+    };
     for (auto &[key, object] : m_objects) {
         if (isCancelled())
             break;
@@ -496,17 +503,16 @@ bool CsvImporter::write()
             }
         }
         if (object.isChanged)
-            done &= store()->addIndex(line, index, object.data);
+            objects.append({line, index, object.data});
         for (auto &[subindex, entry] : object.entries)
             batch.append({line, index, subindex, std::move(entry)});
         if (batch.size() >= batchSize) {
-            written += batch.size();
-            done &= store()->addSubIndices(batch);
-            batch.clear();
+            flush();
             emit progress(static_cast<quint8>(50 + 45 * written / m_entryCount));
         }
     }
-    return store()->addSubIndices(batch) && done;
+    flush();
+    return done;
 }
 
 void CsvImporter::tell(int lineNumber, const QString &text)

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr qint64 mostBytes = 64 * 1024 * 1024;
+constexpr qint64 mostBytes = qint64(64) * 1024 * 1024;
 constexpr qsizetype longestLine = 1024 * 1024;
 constexpr qsizetype longestRecord = 1024 * 1024;
 constexpr qsizetype mostFields = 256;
@@ -72,7 +72,9 @@ bool CsvReader::load(const QString &path)
         m_errorText = tr("%1: The file can't be opened: %2.").arg(path, file.errorString());
         return false;
     }
-    return setBytes(file.read(mostBytes + 1), path);
+    // The size only saves memory; what has none, such as a pipe, is read up to the limit.
+    const qint64 expected = file.size() > 0 ? std::min(file.size(), mostBytes) : mostBytes;
+    return setBytes(file.read(expected + 1), path);
 }
 
 bool CsvReader::setBytes(const QByteArray &bytes, const QString &name)

@@ -17,7 +17,7 @@
 namespace {
 
 constexpr qint64 fewestBytes = 11;
-constexpr qint64 mostBytes = 1024 * 1024;
+constexpr qint64 mostBytes = qint64(1024) * 1024;
 constexpr int fewestKeys = 2;
 constexpr int firstObject = 0x1000;
 constexpr quint32 highestIndex = 0xFFFF;

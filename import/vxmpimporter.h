@@ -2,23 +2,41 @@
 
 #include "import/basedataimporter.h"
 
-/// Takes the objects of one line of another project. The whole line comes along, with its PGNs,
-/// messages and UDS services. A source line that the project doesn't have brings nothing.
+#include <QList>
+
+/// Takes the objects of one line of another project. The whole line comes along, with its
+/// messages, its UDS services and those PGNs that the range and the direction choose. A source line
+/// that the project doesn't have brings nothing.
 class VXMPImporter : public BaseDataImporter
 {
     Q_OBJECT
 
 public:
+    static constexpr quint32 highestPgn = 0x3FFFF; ///< 18 bits (SAE J1939-21)
+    static constexpr quint8 bothDirections = 0;
+
     VXMPImporter();
     ~VXMPImporter() override;
 
     void setSourceLine(quint8 line) { m_sourceLine = line; }
+    /// The PGNs that come along, both ends inside; all by default, none if `low` is the greater.
+    void setPgnRange(quint32 low, quint32 high);
+    /// `ObjectDataBase::transmit`, `receive` or, by default, `bothDirections`.
+    void setDirection(quint8 direction) { m_direction = direction; }
+    /// The lines of the file of the last run, ascending; between two runs.
+    [[nodiscard]] QList<quint8> sourceLines() const { return m_sourceLines; }
 
 public slots:
     void doImport() override;
 
 private:
     void copy();
+    bool copyObjects(ObjectDataBase &source);
+    void dropUnwantedPgns(ObjectDataBase &source) const;
 
     quint8 m_sourceLine = 0;
+    quint32 m_lowPgn = 0;
+    quint32 m_highPgn = highestPgn;
+    quint8 m_direction = bothDirections;
+    QList<quint8> m_sourceLines;
 };

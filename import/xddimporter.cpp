@@ -15,7 +15,7 @@ namespace {
 
 using Entry = ObjectDataBase::SUBINDEX_DATA_T;
 
-constexpr qint64 mostBytes = 64 * 1024 * 1024;
+constexpr qint64 mostBytes = qint64(64) * 1024 * 1024;
 constexpr qsizetype mostEntries = 500000;
 constexpr int deepestElement = 32;
 constexpr int mostMessages = 500;
@@ -126,10 +126,11 @@ void XDDImporter::read()
     }
     QXmlStreamReader xml;
     if (const int line = XmlGuard::firstOverloadedTag(content); line > 0) {
-        reportError(tr("%1:%2: An element has more than %3 attributes.")
+        reportError(tr("%1:%2: An element has more than %3 attributes or %4 MB.")
                         .arg(fileName())
                         .arg(line)
-                        .arg(XmlGuard::mostAttributes));
+                        .arg(XmlGuard::mostAttributes)
+                        .arg(XmlGuard::longestPart / 1024 / 1024));
         return;
     }
     XmlGuard::feed(xml, content);

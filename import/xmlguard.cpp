@@ -34,13 +34,17 @@ public:
 
     int firstOverloadedTag()
     {
-        while ((m_at = m_text.indexOf('<', m_at)) >= 0) {
-            if (skipRegion())
+        for (;;) {
+            const qsizetype start = m_text.indexOf('<', m_at);
+            if (start < 0)
+                return 0;
+            const bool isLong = start - m_at > XmlGuard::longestPart;
+            m_at = start;
+            if (!isLong && skipRegion())
                 continue;
-            if (tagIsOverloaded())
-                return static_cast<int>(m_text.first(m_at).count('\n')) + 1;
+            if (isLong || tagIsOverloaded())
+                return static_cast<int>(m_text.first(start).count('\n')) + 1;
         }
-        return 0;
     }
 
 private:
@@ -60,7 +64,10 @@ private:
     {
         int attributes = 0;
         char quote = 0;
+        const qsizetype last = m_at + XmlGuard::longestPart;
         for (++m_at; m_at < m_text.size(); ++m_at) {
+            if (m_at > last)
+                return true;
             const char c = m_text[m_at];
             if (quote != 0)
                 quote = c == quote ? '\0' : quote;

@@ -17,8 +17,6 @@ private slots:
     void fileNames();
     void fields_data();
     void fields();
-    void csv();
-    void icsv();
     void exportedDefaults();
 
 private:
@@ -71,58 +69,6 @@ void TestCsvGenerators::fields()
 {
     QFETCH(QString, text);
     QTEST(CsvRow::field(text), "expected");
-}
-
-void TestCsvGenerators::csv()
-{
-    m_project->fill();
-    CSVGenerator generator;
-    QCOMPARE(
-        m_project->generate(generator),
-        QStringLiteral(
-            "Index,Sub,EDSname,Datatype,Access,Value,varname,LowLimit,UpLimit,hasDefault,hasLimit,"
-            "refuseRead,refuseWrite,defaultInEDS,implementation,Size,ObjectCode,mapable\n"
-            "0x1018,,Identity,0x0023,,,,,,,,,,,,,RECORD,\n"
-            "0x1018,0x00,Highest subindex,UNSIGNED8,const,1,,,,NONE,NONE,NONE,NONE,NONE,"
-            "ManagedVariable,0,,none\n"
-            "0x1018,0x01,Vendor $i,UNSIGNED32,ro,|x0x319,,,,yes,NONE,NONE,NONE,yes,"
-            "ManagedConst,0,,none\n"
-            "0x2000,0x00,Level {$I},INTEGER16,rwr,-5,level$i,-10,10,NONE,yes,NONE,NONE,NONE,"
-            "Variable,0,VARIABLE,tpdo\n"
-            "0x2001,0x00,unnamed object,DOMAIN,wo,,,,,NONE,NONE,NONE,NONE,NONE,"
-            "ManagedVariable,512,DOMAIN,none\n"));
-}
-
-void TestCsvGenerators::icsv()
-{
-    m_project->fill();
-    const QString mark = Helper::csvDescLinebreak;
-    const QString head =
-        QStringLiteral("# This is an importable ICSV file for the device project.\n"
-                       "#\n"
-                       "index,sub,objectcode,datatype,edsname,varname,access,"
-                       "mapable,hasdefault,defaultineds,value,%1size,"
-                       "implementation,haslimit,lowlimit,uplimit,nvstorage\n");
-    ICSVGenerator generator;
-    QCOMPARE(m_project->generate(generator),
-             head.arg("description,") + "0x1018,,RECORD,0x0023,Identity,,,,,,,Who" + mark +
-                 "it is,,,,,,\n"
-                 "0x1018,0x00,RECORD,UNSIGNED8,Highest subindex,,const,none,no,no,1,,0,"
-                 "ManagedVariable,no,,,0\n"
-                 "0x1018,0x01,,UNSIGNED32,Vendor $i,,ro,none,yes,yes,|x0x319,number" +
-                 mark +
-                 "of CiA,0,ManagedConst,no,,,0\n"
-                 "0x2000,0x00,VARIABLE,INTEGER16,Level {$I},level$i,rwr,tpdo,no,no,-5,,0,"
-                 "Variable,yes,-10,10,1\n"
-                 "0x2001,0x00,DOMAIN,DOMAIN,unnamed object,,wo,none,no,no,,,512,"
-                 "ManagedVariable,no,,,0\n");
-
-    ICSVGenerator bare;
-    bare.setWithDescription(false);
-    const QStringList lines = m_project->generate(bare).split(QLatin1Char('\n'));
-    QCOMPARE(lines.mid(0, 3).join(QLatin1Char('\n')) + QLatin1Char('\n'), head.arg(QString()));
-    for (const QString &line : lines.mid(3, lines.size() - 4))
-        QCOMPARE(line.count(QLatin1Char(',')), 16);
 }
 
 /// What stands in the device description is told by two flags of three values.

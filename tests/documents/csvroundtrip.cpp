@@ -5,8 +5,6 @@
 #include "store/canopen/cohelper.h"
 #include "tests/documents/textdocproject.h"
 
-#include <QSignalSpy>
-
 using Entry = DocumentProject::Entry;
 using Object = DocumentProject::Object;
 
@@ -130,7 +128,6 @@ private slots:
     void refusedFiles();
     void messages();
     void quotationMarksAreBounded();
-    void ownThread();
 
 private:
     /// Imports a text and gives back the importer's messages and errors.
@@ -346,6 +343,9 @@ void TestCsvImport::refusedFiles_data()
     QTest::newRow("no index") << QByteArray("a,b\n1,2\n") << "no column \"index\"";
     QTest::newRow("EDS") << QByteArray("[FileInfo]\nFileName=x\n") << "no column \"index\"";
     QTest::newRow("binary") << QByteArray("index\n\0\1\2", 9) << "binary data";
+    QTest::newRow("large") << QByteArray(65 * 1024 * 1024, '#') << "larger than 64 MB";
+    QTest::newRow("long line") << "index\n0x2000," + QByteArray(2 * 1024 * 1024, 'x')
+                               << "in.csv:2: The line is too long";
 }
 
 void TestCsvImport::refusedFiles()
@@ -386,24 +386,6 @@ void TestCsvImport::quotationMarksAreBounded()
     import(table);
     QVERIFY(timer.elapsed() < 20000);
     QCOMPARE(m_project->store().getSubIndexDefaultValue(0, 0x2000, 0), QStringLiteral("c"));
-}
-
-void TestCsvImport::ownThread()
-{
-    QFile file(m_project->folder() + "/in.csv");
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write("index\n0x2000\n");
-    file.close();
-    CsvImporter importer;
-    importer.setLine(0);
-    importer.setDatabase(&m_project->store());
-    importer.setRange(0x1000, 0xFFFF);
-    importer.setFile(file.fileName());
-    QSignalSpy progress(&importer, &BaseDataImporter::progress);
-    QVERIFY(importer.start());
-    QTRY_VERIFY(importer.isFinished());
-    QCOMPARE(progress.constLast().constFirst().toInt(), 100);
-    QVERIFY(m_project->store().indexExists(0, 0x2000));
 }
 
 QTEST_GUILESS_MAIN(TestCsvImport)

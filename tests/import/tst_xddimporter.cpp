@@ -156,6 +156,10 @@ private slots:
         for (int i = 0; i < 1000000; ++i)
             attributes += "a" + QByteArray::number(i) + "='>' ";
         QTest::newRow("attributes") << "<a " + attributes + "/>" << u"more than 64 attributes"_s;
+        const QByteArray longText(2 * 1024 * 1024, 'x');
+        QTest::newRow("long name") << document(object("unit=\"" + longText + '"')) << u"or 1 MB"_s;
+        QTest::newRow("long product name")
+            << QByteArray(good).replace(" Node ", longText) << u"or 1 MB"_s;
         QTest::newRow("large") << QByteArray(200 * 1024 * 1024, ' ') << u"larger than 64 MB"_s;
     }
 

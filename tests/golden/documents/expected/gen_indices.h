@@ -32,4 +32,5 @@
 #define S_PART_11_B	11u
 #define S_PART_12_C	12u
 #define I_TEXT	0x2002u
+#define I_FIRMWARE	0x2003u
 #endif /* GEN_INDICES_H */

@@ -64,8 +64,8 @@ CO_SERVICE_INIT_VAL_T	serviceInitVars = {
 
 
 /* number of objects */
-#define CO_OD_ASSIGN_CNT 7u
-#define CO_OBJ_DESC_CNT 24u
+#define CO_OD_ASSIGN_CNT 8u
+#define CO_OBJ_DESC_CNT 25u
 
 /* definition of managed variables */
 static UNSIGNED8 CORE_STORAGE_CLASS	od_u8[1];
@@ -120,6 +120,15 @@ static INTEGER16 CORE_CONST_STORAGE_CLASS * CORE_CONST 	od_ptr_i16[12] = {
 	&(part11),
 	&(part12)
 };
+static CO_DOMAIN_PTR	od_domain[1] = {
+	(CO_DOMAIN_PTR)&(firmware)
+};
+static UNSIGNED32	od_domain_len[1] = {
+	512ul
+};
+static UNSIGNED32	od_domain_actLen[1] = {
+	512ul
+};
 
 /* description of the objects */
 CORE_CONST CO_OBJECT_DESC_T CORE_CONST_STORAGE_CLASS od_description[CO_OBJ_DESC_CNT] = {
@@ -147,6 +156,7 @@ CORE_CONST CO_OBJECT_DESC_T CORE_CONST_STORAGE_CLASS od_description[CO_OBJ_DESC_
 	{ (UNSIGNED8)11u, CORE_DTYPE_I16, CO_DSPEC_PTR, (UNSIGNED16)10u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL | CO_ATTR_STORE, (UNSIGNED16)0u},/* 0x2001:11*/ 
 	{ (UNSIGNED8)12u, CORE_DTYPE_I16, CO_DSPEC_PTR, (UNSIGNED16)11u, CO_ATTR_NUM | CO_ATTR_READ | CO_ATTR_WRITE | CO_ATTR_DEFVAL | CO_ATTR_STORE, (UNSIGNED16)0u},/* 0x2001:12*/ 
 	{ (UNSIGNED8)0u, CORE_DTYPE_STRING_NULL, CO_DSPEC_CONST, (UNSIGNED16)0u, CO_ATTR_READ, (UNSIGNED16)0u},/* 0x2002:0*/ 
+	{ (UNSIGNED8)0u, CORE_DTYPE_DOMAIN, CO_DSPEC_PTR, (UNSIGNED16)0u, CO_ATTR_WRITE, (UNSIGNED16)0u},/* 0x2003:0*/ 
 };
 
 /* object dictionary assignment */
@@ -158,6 +168,7 @@ CORE_CONST CO_OD_ASSIGN_T CORE_CONST_STORAGE_CLASS od_assign[CO_OD_ASSIGN_CNT] =
 	{ 0x2000u, 1u, 0u, CO_ODTYPE_VAR, 9u },
 	{ 0x2001u, 13u, 12u, CO_ODTYPE_STRUCT, 10u },
 	{ 0x2002u, 1u, 0u, CO_ODTYPE_VAR, 23u },
+	{ 0x2003u, 1u, 0u, CO_ODTYPE_DOM, 24u },
 };
 
 /* static PDO mapping tables */
@@ -218,9 +229,9 @@ CORE_CONST CO_OD_DATA_VARIABLES_T od_data_variables = {
     , NULL
     , NULL
     , NULL
-    , NULL
-    , NULL
-    , NULL
+    , od_domain
+    , od_domain_len
+    , od_domain_actLen
 };
 
 

@@ -1,0 +1,125 @@
+#include "import/fileimportformat.h"
+
+#include "import/codbimporter.h"
+#include "import/csvimporter.h"
+#include "import/edsimporter.h"
+#include "import/vxmpimporter.h"
+#include "import/xddimporter.h"
+
+#include <QCoreApplication>
+#include <QDir>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+template <typename Importer>
+std::unique_ptr<BaseDataImporter> made()
+{
+    return std::make_unique<Importer>();
+}
+
+void asItIs(BaseDataImporter &, const FileImportOptions &) {}
+
+void withCopies(BaseDataImporter &importer, const FileImportOptions &options)
+{
+    static_cast<CODBImporter &>(importer).setExpandCopies(options.expandCopies);
+}
+
+void asDcf(BaseDataImporter &importer, const FileImportOptions &)
+{
+    static_cast<EDSImporter &>(importer).setDcf(true);
+}
+
+void ofSourceLine(BaseDataImporter &importer, const FileImportOptions &options)
+{
+    static_cast<VXMPImporter &>(importer).setSourceLine(options.sourceLine);
+}
+
+/// The commands are for the project, and not for the copy that the objects are chosen from.
+void withoutCommands(BaseDataImporter &importer, const FileImportOptions &)
+{
+    static_cast<CsvImporter &>(importer).setRunsCommands(false);
+}
+
+using Format = FileImportFormat;
+
+constexpr std::array formats{
+    Format{"codb", Format::Copies, made<CODBImporter>, withCopies},
+    Format{"eds", Format::Batch | Format::DeviceData, made<EDSImporter>, asItIs},
+    Format{"xdd", 0, made<XDDImporter>, asItIs},
+    Format{"dcf", Format::Batch | Format::DeviceData, made<EDSImporter>, asDcf},
+    Format{"vxmp", Format::Project, made<VXMPImporter>, ofSourceLine},
+    Format{"vxmt", Format::Project, made<VXMPImporter>, ofSourceLine},
+    Format{"vxmp.bak", Format::Project, made<VXMPImporter>, ofSourceLine},
+    Format{"csv", Format::Batch, made<CsvImporter>, withoutCommands},
+    Format{"icsv", Format::Batch, made<CsvImporter>, withoutCommands},
+};
+
+enum class Audience : quint8 { J1939, EnergyBus };
+
+/// Databases that only some editions have a use for, by a part of their name.
+struct DatabaseRule
+{
+    const char *part;
+    Audience audience;
+};
+constexpr std::array databaseRules{
+    DatabaseRule{"j19", Audience::J1939},
+    DatabaseRule{"nmea", Audience::J1939},
+    DatabaseRule{"ebd", Audience::EnergyBus},
+};
+
+bool belongsTo(Audience audience, const QString &applicationName)
+{
+    if (applicationName == QLatin1String("CAN Quillforge"))
+        return true;
+    return audience == Audience::J1939 ? applicationName.contains(QLatin1String("J1939"))
+                                       : applicationName == QLatin1String("EnergyBus Marlwright");
+}
+
+bool isOffered(const QString &fileName, const QString &applicationName)
+{
+    return std::all_of(databaseRules.begin(), databaseRules.end(), [&](const DatabaseRule &rule) {
+        return !fileName.contains(QLatin1String(rule.part), Qt::CaseInsensitive) ||
+               belongsTo(rule.audience, applicationName);
+    });
+}
+
+QFileInfoList filesOf(const QString &folder, const QString &pattern)
+{
+    return QDir(folder).entryInfoList({pattern}, QDir::Files | QDir::Readable, QDir::Name);
+}
+
+} // namespace
+
+const FileImportFormat *FileImportFormat::of(const QString &path)
+{
+    const auto found = std::find_if(formats.begin(), formats.end(), [&](const Format &format) {
+        return path.endsWith(u'.' + QLatin1String(format.suffix), Qt::CaseInsensitive);
+    });
+    return found == formats.end() ? nullptr : &*found;
+}
+
+QList<FileImportSource> FileImportSource::shipped(const QString &applicationName,
+                                                  const QStringList &dataFolders)
+{
+    QList<FileImportSource> sources;
+    for (const QFileInfo &file : filesOf(QStringLiteral(":/codb/"), QStringLiteral("*.codb")))
+        sources.append({file.fileName(), file.filePath()});
+    for (const QString &folder : dataFolders) {
+        for (const QFileInfo &file : filesOf(folder, QStringLiteral("*.vxmp"))) {
+            if (isOffered(file.fileName(), applicationName))
+                sources.append({file.fileName(), file.filePath()});
+        }
+    }
+    return sources;
+}
+
+QList<FileImportSource> FileImportSource::shipped()
+{
+    return shipped(QCoreApplication::applicationName(),
+                   {QStringLiteral(":/databases/data/"),
+                    QCoreApplication::applicationDirPath() + QLatin1String("/data")});
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+
+class BaseDataImporter;
+
+/// How a file is to be read for a choice among its objects.
+struct FileImportOptions
+{
+    QString path;
+    quint32 low = 0x1000; ///< first object that is read
+    quint32 high = 0xFFFF;
+    quint8 sourceLine = 0;     ///< of a project
+    bool expandCopies = false; ///< the copies that a profile database asks for
+};
+
+/// One kind of file that objects can be read from.
+struct FileImportFormat
+{
+    enum Trait : quint8 {
+        Batch = 1,      ///< the command line reads it too
+        Project = 2,    ///< has lines and implementation types of its own
+        DeviceData = 4, ///< describes the device besides its objects
+        Copies = 8      ///< can repeat objects under other numbers
+    };
+
+    const char *suffix;
+    quint8 traits; ///< of `Trait`
+    std::unique_ptr<BaseDataImporter> (*make)();
+    /// Prepares an importer that `make` has made for a choice among the objects.
+    void (*setUp)(BaseDataImporter &importer, const FileImportOptions &options);
+
+    [[nodiscard]] bool is(Trait trait) const { return (traits & trait) != 0; }
+    /// The format of a file by its name, whatever the case; null if there is none.
+    [[nodiscard]] static const FileImportFormat *of(const QString &path);
+};
+
+/// A file with objects that comes with the program.
+struct FileImportSource
+{
+    QString label;
+    QString path;
+
+    /// The profile databases, then the projects of the given folders that belong to the edition,
+    /// each by name.
+    [[nodiscard]] static QList<FileImportSource> shipped(const QString &applicationName,
+                                                         const QStringList &dataFolders);
+    /// Of the running program.
+    [[nodiscard]] static QList<FileImportSource> shipped();
+};
