@@ -58,6 +58,9 @@ constexpr CheckDefinition definitions[] = {
     {CheckId::ProjectNumericSetting, "PRJ-NUMERIC", error, 0, true,
      MARK_ERROR "\"%1\" has non-numeric value \"%2\".",
      "The value becomes a number in the generated code."},
+    {CheckId::ProjectLineType, "PRJ-LINE-TYPE", warning, 0, false,
+     "Warning line type not set for line %1.",
+     "A line without a protocol is neither checked nor generated."},
 
     {CheckId::StackNoPath, "CO-STACK-NO-PATH", info, 7, false,
      "Info: Path to protocol stack not specified. Cannot check if generated code fits to installed stack/framework.",

@@ -24,6 +24,7 @@ enum class CheckId : quint8 {
     ProjectTimerInterval,
     ProjectNmtMasterMultiProtocol,
     ProjectNumericSetting,
+    ProjectLineType,
     // fit of the installed stack
     StackNoPath,
     StackNoPathNote,

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr qint64 maximumSize = 4 * 1024 * 1024;
+constexpr qint64 maximumSize = qint64(4) * 1024 * 1024;
 constexpr int maximumDepth = 200;
 
 /// Whether a document may be built from the text: without entities of its own, which could grow

@@ -6,8 +6,6 @@
 #include "cli/projectaccess.h"
 #include "generators/generatormainhandler.h"
 #include "generators/plaintextoutputhandler.h"
-#include "generators/runfacts.h"
-#include "store/objectdatabase.h"
 
 #include <QFileInfo>
 
@@ -27,20 +25,6 @@ const QList<Format> &formats()
                                        {QStringLiteral("json"), CheckReports::json},
                                        {QStringLiteral("sarif"), CheckReports::sarif}};
     return list;
-}
-
-/// Lines that the check passes over, as nothing is known of their protocols.
-QList<CheckFinding> untypedLines(const std::shared_ptr<ObjectDataBase> &store)
-{
-    RunFacts facts;
-    facts.store = store;
-    facts.classify();
-    QList<CheckFinding> findings;
-    for (const quint8 line : std::as_const(facts.activeLines)) {
-        if (!facts.lineProtocols(line))
-            findings.append(CheckReports::lineTypeMissing(line));
-    }
-    return findings;
 }
 
 } // namespace
@@ -93,7 +77,7 @@ ExitCode CheckCommand::run(const CommandCall &call, Console &console) const
     CheckReport report{.projectPath = QFileInfo(path).absoluteFilePath(),
                        .errorCount = handler.checkModel(),
                        .findings = {}};
-    report.findings = handler.modelChecker()->findings() + untypedLines(handler.store());
+    report.findings = handler.modelChecker()->findings();
     for (const Format &format : formats()) {
         if (format.name == call.value(formatKey))
             console.result(QString::fromUtf8(format.make(report)));

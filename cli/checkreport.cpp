@@ -13,8 +13,6 @@ namespace CheckReports {
 
 namespace {
 
-const QString lineTypeIdentifier = QStringLiteral("PRJ-LINE-TYPE");
-
 QString plain(const QString &richText)
 {
     return PlainTextOutputHandler::plainText(richText).simplified();
@@ -34,9 +32,6 @@ QList<CheckRule> makeRules()
                      withoutMarkers(plain(QString::fromUtf8(definition.text))),
                      QString::fromUtf8(definition.reason)});
     }
-    list.append({lineTypeIdentifier, CheckClass::Warning, 0,
-                 QStringLiteral("Warning line type not set for line ...."),
-                 QStringLiteral("A line without protocols is neither checked nor generated.")});
     return list;
 }
 
@@ -80,14 +75,6 @@ const CheckRule &rule(const QString &identifier)
         return map;
     }();
     return rules().at(positions.value(identifier));
-}
-
-CheckFinding lineTypeMissing(quint8 line)
-{
-    return {.identifier = lineTypeIdentifier,
-            .kind = CheckClass::Warning,
-            .text = QStringLiteral("Warning line type not set for line %1.").arg(line),
-            .place = {.line = line}};
 }
 
 QString plainMessage(const CheckFinding &finding)

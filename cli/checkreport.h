@@ -35,11 +35,9 @@ namespace CheckReports {
 
 // --- What the formats share ---
 
-/// Every rule: the table of the model check and what the run itself tells.
+/// Every rule of the model check.
 [[nodiscard]] const QList<CheckRule> &rules();
 [[nodiscard]] const CheckRule &rule(const QString &identifier);
-/// The finding for a line whose protocols are not known, which the check passes over.
-[[nodiscard]] CheckFinding lineTypeMissing(quint8 line);
 /// Message without mark-up, in one line.
 [[nodiscard]] QString plainMessage(const CheckFinding &finding);
 /// "line0/0x1018/0x01", "line0/0x1018", "line0", or "project" for what belongs to no line.

@@ -2,8 +2,8 @@
 
 #include "cli/console.h"
 #include "cli/projectaccess.h"
-#include "cli/runoutputhandler.h"
 #include "generators/generatormainhandler.h"
+#include "generators/plaintextoutputhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>
@@ -54,13 +54,17 @@ ExitCode codeOf(GeneratorMainHandler::GeneratorResult result)
 }
 
 /// A run that went to its end, judged by the outputs that it did not bring about.
-ExitCode judgeOutputs(const RunOutputHandler &output, Console &console)
+ExitCode judgeOutputs(const QList<OutputFault> &faults, Console &console)
 {
-    for (const QString &message : output.failed() + output.notWritable())
-        console.error(message);
-    if (!output.failed().isEmpty())
-        return ExitCode::GenerationFailed;
-    return output.notWritable().isEmpty() ? ExitCode::Done : ExitCode::FileFailed;
+    ExitCode code = ExitCode::Done;
+    for (const OutputFault &fault : faults) {
+        console.error(PlainTextOutputHandler::plainText(fault.text));
+        if (fault.kind == OutputFault::Failed)
+            code = ExitCode::GenerationFailed;
+        else if (code == ExitCode::Done)
+            code = ExitCode::FileFailed;
+    }
+    return code;
 }
 
 } // namespace
@@ -106,7 +110,7 @@ QList<CommandOption> GenerateCommand::options() const
 
 ExitCode GenerateCommand::run(const CommandCall &call, Console &console) const
 {
-    RunOutputHandler output;
+    PlainTextOutputHandler output;
     GeneratorMainHandler handler(output);
     const QString fault = ProjectAccess::open(handler, call.arguments.first());
     if (!fault.isEmpty()) {
@@ -130,7 +134,7 @@ ExitCode GenerateCommand::run(const CommandCall &call, Console &console) const
 
     const auto result = handler.generate(call.isSet(ignoreKey));
     if (result == GeneratorMainHandler::Completed)
-        return judgeOutputs(output, console);
+        return judgeOutputs(handler.outputFaults(), console);
     console.error(stopReason(result, handler));
     return codeOf(result);
 }

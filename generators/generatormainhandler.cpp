@@ -93,7 +93,7 @@ void GeneratorMainHandler::setProject(const std::shared_ptr<ObjectDataBase> &sto
     m_facts.projectName = projectName;
 }
 
-bool GeneratorMainHandler::openProject(QString filePath)
+bool GeneratorMainHandler::openProject(const QString &filePath)
 {
     qDebug().noquote() << "GeneratorMainHandler::openProject" << filePath;
     m_openErrorText.clear();
@@ -173,7 +173,8 @@ int GeneratorMainHandler::checkLine(quint8 line)
     if (protocols.testFlag(Protocol::CANopen))
         errors += m_checker->checkCANopenLine(line, m_facts.store.get(), &m_corrected);
     if (!protocols)
-        message(QStringLiteral("Warning line type not set for line %1.").arg(line));
+        errors +=
+            m_checker->report(CheckId::ProjectLineType, {QString::number(line)}, {.line = line});
     return errors;
 }
 
@@ -184,6 +185,7 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::generate(bool ignore
         return CheckFailed;
     }
     m_isRunning = true;
+    m_faults.clear();
     const GeneratorResult result = run(ignoreCheckErrors);
     m_isRunning = false;
     emit finished(result);
@@ -245,6 +247,7 @@ bool GeneratorMainHandler::writeOutputs()
 {
     const QList<OutputRow> &rows = outputList();
     for (auto first = rows.begin(); first != rows.end();) {
+        emit runProgress(static_cast<quint8>((first - rows.begin()) * 100 / rows.size()));
         const auto last = std::find_if(first, rows.end(), [&](const OutputRow &row) {
             return qstrcmp(row.step, first->step);
         });
@@ -259,6 +262,7 @@ bool GeneratorMainHandler::writeOutputs()
         }
         first = last;
     }
+    emit runProgress(100);
     return true;
 }
 
@@ -267,7 +271,7 @@ bool GeneratorMainHandler::writeRow(const OutputRow &row, quint8 line)
     if (!isMadeFor(row.lines, m_facts, line) || !row.applies(m_facts))
         return true;
     if (row.action) {
-        row.action(m_facts, m_output);
+        tellAction(row, row.action(m_facts));
         return true;
     }
     OutputJobs jobs = row.make(m_facts, line);
@@ -278,6 +282,16 @@ bool GeneratorMainHandler::writeRow(const OutputRow &row, quint8 line)
     if (jobs.closing)
         message(QLatin1String(jobs.closing));
     return true;
+}
+
+void GeneratorMainHandler::tellAction(const OutputRow &row, bool done)
+{
+    const char *format = done ? row.started : row.notWritable;
+    const QString text = outputMessageText(format, m_facts.outputFolder, QString());
+    if (!done)
+        m_faults.append({OutputFault::NotWritable, text});
+    if (!text.isEmpty())
+        message(text);
 }
 
 bool GeneratorMainHandler::runJob(const OutputRow &row, OutputJob &job, quint8 line)
@@ -303,7 +317,9 @@ bool GeneratorMainHandler::runJob(const OutputRow &row, OutputJob &job, quint8 l
     const QString name =
         row.namesBase ? QFileInfo(generator.fileName()).completeBaseName() : generator.fileName();
     if (!generator.isOutputWritable()) {
-        message(outputMessageText(row.notWritable, m_facts.outputFolder, name));
+        const QString text = outputMessageText(row.notWritable, m_facts.outputFolder, name);
+        m_faults.append({OutputFault::NotWritable, text});
+        message(text);
         return true;
     }
     connect(&generator, &AbstractGenerator::progress, this,
@@ -374,8 +390,10 @@ void GeneratorMainHandler::generatorProgress(quint8 progress)
     if (label.isEmpty())
         label = QStringLiteral("output");
     if (generator && generator->errorCode() != 0) {
-        message(QStringLiteral("<b>ERROR - Generation of %1 failed. %2</b>")
-                    .arg(label, generator->errorString()));
+        const QString text =
+            QStringLiteral("Generation of %1 failed. %2").arg(label, generator->errorString());
+        m_faults.append({OutputFault::Failed, text});
+        message(QStringLiteral("<b>ERROR - %1</b>").arg(text));
         return;
     }
     QString version;

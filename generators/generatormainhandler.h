@@ -2,6 +2,7 @@
 
 #include "generators/runfacts.h"
 
+#include <QList>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -16,6 +17,14 @@ class PostGenProcessor;
 class PostGenProgressHandler;
 struct OutputJob;
 struct OutputRow;
+
+/// An output that a run did not bring about. The run goes on without it and still counts as
+/// complete, which is not enough for a build server.
+struct OutputFault
+{
+    enum Kind : quint8 { Failed, NotWritable } kind;
+    QString text; ///< as the message of the run tells it, without mark-up
+};
 
 /// Decides which files one generation produces, in which order, and when it stops. Owns no text of
 /// any output. Runs on the thread that created it and pumps its events; not re-entrant.
@@ -52,6 +61,8 @@ public:
     void setGenerateSrdo(bool on) { m_facts.generateSrdo = on; }
     void setVirtualObjects(bool on) { m_facts.virtualObjects = on; }
     void setSkipEdsCheck(bool on) { m_skipEdsCheck = on; }
+    /// The run is made for the network tool, which counts the generations itself.
+    void setFromNetworkTool(bool on) { m_facts.fromNetworkTool = on; }
     /// Hidden mode: nothing is shown.
     void setQuiet(bool on) { m_quiet = on; }
 
@@ -66,6 +77,9 @@ public:
     /// The checker of the last run with its findings; null before the first.
     [[nodiscard]] const ModelChecker *modelChecker() const { return m_checker.get(); }
 
+    /// What the last run did not write, in its order.
+    [[nodiscard]] const QList<OutputFault> &outputFaults() const { return m_faults; }
+
     /// Checks the project and writes all outputs. With `ignoreCheckErrors` errors of the check are
     /// told but don't stop the run. The result is also sent by `finished`.
     GeneratorResult generate(bool ignoreCheckErrors);
@@ -77,7 +91,7 @@ public:
 
 public slots:
     /// Opens a project without a window, for the newer stack generation.
-    bool openProject(QString filePath);
+    bool openProject(const QString &filePath);
     void handleCheckError(QString errorString);
     void generatorProgress(quint8 progress);
     /// Asks the generator that is at work to stop.
@@ -85,6 +99,8 @@ public slots:
 
 signals:
     void finished(GeneratorMainHandler::GeneratorResult result);
+    /// How much of the outputs is done; at 100 only what follows the last generator is left.
+    void runProgress(quint8 percent);
     /// The check has changed the model.
     void doneCorrection();
 
@@ -98,6 +114,7 @@ private:
     GeneratorResult run(bool ignoreCheckErrors);
     bool writeOutputs();
     bool writeRow(const OutputRow &row, quint8 line);
+    void tellAction(const OutputRow &row, bool done);
     bool runJob(const OutputRow &row, OutputJob &job, quint8 line);
     void applyUpgrades();
     void message(const QString &text);
@@ -106,6 +123,7 @@ private:
     std::shared_ptr<PostGenProgressHandler> m_progress; ///< null for a run without a window
     std::shared_ptr<PostGenProcessor> m_postGenProcessor;
     RunFacts m_facts;
+    QList<OutputFault> m_faults;
     QString m_projectFilePath;
     QString m_openErrorText;
     bool m_skipEdsCheck = false;

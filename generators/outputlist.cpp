@@ -7,7 +7,6 @@
 #include "documents/textdocgenerator.h"
 #include "documents/xddgenerator.h"
 #include "generators/base/outputfile.h"
-#include "generators/base/outputhandlerbase.h"
 #include "generators/canopen/extdeclgeneratorv4.h"
 #include "generators/canopen/gendefinegenerator.h"
 #include "generators/canopen/indicationgeneratorv4.h"
@@ -168,8 +167,9 @@ OutputJobs edsJobs(const RunFacts &facts, quint8 line)
 
 // --- Attributes and questions ---------------------------------------------------------------
 
-void setProtocols(const RunFacts &facts, AbstractGenerator &generator)
+void setDefineAttributes(const RunFacts &facts, AbstractGenerator &generator)
 {
+    static_cast<CoDefineGenerator &>(generator).setFromNetworkTool(facts.fromNetworkTool);
     const bool hasJ1939 = facts.protocols.testFlag(Protocol::J1939);
     const bool hasRawCan = facts.protocols.testFlag(Protocol::RawCAN);
     const bool hasOthers = facts.protocols.testFlag(Protocol::CANopen) || hasRawCan;
@@ -202,18 +202,14 @@ QString userSectionRemark(AbstractGenerator &generator)
 
 // --- Actions --------------------------------------------------------------------------------
 
-void writeProps(const RunFacts &facts, OutputHandlerBase &output)
+bool writeProps(const RunFacts &facts)
 {
-    const bool written =
-        PropsWriter::write(facts.outputFolder + QLatin1String("/gen_define.h"), facts.outputFolder);
-    const char *text =
-        written ? "Generation of gen_define.props and Directory.Build.props in %1 finished"
-                : "The files gen_define.props and Directory.Build.props in %1 are not writable";
-    output.outputMessage(outputMessageText(text, facts.outputFolder, QString()));
+    return PropsWriter::write(facts.outputFolder + QLatin1String("/gen_define.h"),
+                              facts.outputFolder);
 }
 
 /// Files that a former setting has left would be compiled along with the new ones.
-void removeStaleJ1939Files(const RunFacts &facts, OutputHandlerBase &)
+bool removeStaleJ1939Files(const RunFacts &facts)
 {
     if (facts.j1939("j1939adapter") != 1) {
         for (const char *name : {"/gen_j1939_adapter.c", "/gen_j1939_adapter.cs",
@@ -221,13 +217,14 @@ void removeStaleJ1939Files(const RunFacts &facts, OutputHandlerBase &)
             QFile::remove(facts.outputFolder + QLatin1String(name));
     }
     QFile::remove(facts.outputFolder + QLatin1String("/gen_indication.h"));
+    return true;
 }
 
-void copyForCpp(const RunFacts &facts, OutputHandlerBase &)
+bool copyForCpp(const RunFacts &facts)
 {
     const QFileInfo folder(facts.outputFolder);
     if (facts.outputFolder.isEmpty() || !folder.isDir() || !folder.isWritable())
-        return;
+        return true;
     const auto path = [&](const char *name) {
         return facts.outputFolder + QLatin1Char('/') + QLatin1String(name);
     };
@@ -236,11 +233,12 @@ void copyForCpp(const RunFacts &facts, OutputHandlerBase &)
 
     QFile userHeader(path("gen_user.h"));
     if (!userHeader.open(QIODevice::ReadOnly | QIODevice::Text))
-        return;
+        return true;
     QFile::remove(path("gen_user.hpp"));
     QString text = QString::fromUtf8(userHeader.readAll());
     text.replace(QLatin1String("RET_T"), QLatin1String("extern \"C\" RET_T"));
     OutputFile::write(path("gen_user.hpp"), text);
+    return true;
 }
 
 } // namespace
@@ -285,11 +283,16 @@ const QList<OutputRow> &outputList()
         {.step = "8",
          .applies = always,
          .make = either<GenDefineGenerator, CoDefineGenerator>,
-         .attributes = setProtocols,
+         .attributes = setDefineAttributes,
          .started = "Generation of gen_define.h in %1 started",
          .notWritable = "The file gen_define.h in %1 is not writable",
          .remark = userSectionRemark},
-        {.step = "9", .applies = whenProps, .action = writeProps},
+        {.step = "9",
+         .applies = whenProps,
+         .started = "Generation of gen_define.props and Directory.Build.props in %1 finished",
+         .notWritable =
+             "The files gen_define.props and Directory.Build.props in %1 are not writable",
+         .action = writeProps},
         {.step = "11",
          .applies = whenJ1939Server,
          .make = serverObjDictJob,

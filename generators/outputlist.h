@@ -9,7 +9,6 @@
 #include <vector>
 
 class AbstractGenerator;
-class OutputHandlerBase;
 
 /// The lines that an output is made for.
 enum class OutputLines : quint8 {
@@ -56,7 +55,9 @@ struct OutputRow
     bool (*hasContent)(AbstractGenerator &generator) = nullptr;
     bool failureEndsRun = false;
 
-    void (*action)(const RunFacts &facts, OutputHandlerBase &output) = nullptr;
+    /// False if it could not be done, which `notWritable` then tells. `started` is told after one
+    /// that could.
+    bool (*action)(const RunFacts &facts) = nullptr;
 };
 
 /// All outputs of a run in their order. A new generator is one row here.

@@ -1,6 +1,7 @@
 #include "generators/runfacts.h"
 
 #include "generators/base/stackdialect.h"
+#include "store/linetype.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>
@@ -8,26 +9,6 @@
 namespace {
 
 constexpr quint8 firstLineWithoutProtocol = 240;
-
-Protocols protocolsOfType(int lineType)
-{
-    switch (lineType) {
-    case 1:
-        return Protocol::CANopen;
-    case 2:
-        return Protocol::J1939;
-    case 4:
-        return Protocol::RawCAN;
-    case 5:
-        return Protocol::CANopen | Protocol::J1939;
-    case 6:
-        return Protocol::CANopen | Protocol::RawCAN;
-    case 7:
-        return Protocol::J1939 | Protocol::RawCAN;
-    default:
-        return {};
-    }
-}
 
 } // namespace
 
@@ -48,7 +29,12 @@ void RunFacts::classify()
 
 Protocols RunFacts::lineProtocols(quint8 line) const
 {
-    return protocolsOfType(store->getLineType(line));
+    const LineType &type = LineType::of(store->getLineType(line));
+    Protocols result;
+    result.setFlag(Protocol::CANopen, type.hasCANopen);
+    result.setFlag(Protocol::J1939, type.hasJ1939);
+    result.setFlag(Protocol::RawCAN, type.hasRawCan);
+    return result;
 }
 
 bool RunFacts::isMultiProtocol() const

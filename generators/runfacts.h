@@ -23,6 +23,7 @@ struct RunFacts
     QString projectFolder; ///< base of relative paths in the project
     bool generateSrdo = true;
     bool virtualObjects = false;
+    bool fromNetworkTool = false; ///< the network tool counts the generations
 
     QList<quint8> activeLines; ///< ascending
     Protocols protocols;       ///< of all lines

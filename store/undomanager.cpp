@@ -8,8 +8,10 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QScopedValueRollback>
 #include <QSettings>
 #include <QStandardPaths>
+#include <QThread>
 #include <QVariant>
 
 namespace {
@@ -72,13 +74,19 @@ void UndoManager::setDatabase(const std::shared_ptr<ObjectDataBase> &store)
     if (m_store != nullptr) {
         disconnect(m_store.get(), &ObjectDataBase::databaseWriteExecuted, this,
                    &UndoManager::handleDatabaseWrite);
+        disconnect(m_store.get(), &ObjectDataBase::blockStateChanged, this,
+                   &UndoManager::handleBlock);
     }
     clear();
     m_disabled = false;
+    m_blocked = false;
     m_store = store;
     if (m_store != nullptr) {
         connect(m_store.get(), &ObjectDataBase::databaseWriteExecuted, this,
                 &UndoManager::handleDatabaseWrite);
+        // On the thread that blocks, so that no step can come between the block and the news of it.
+        connect(m_store.get(), &ObjectDataBase::blockStateChanged, this, &UndoManager::handleBlock,
+                Qt::DirectConnection);
         takeSnapshot();
         m_store->setWriteSignals(true);
     }
@@ -96,6 +104,23 @@ void UndoManager::endSuspend()
         return;
     if (--m_suspendCount == 0 && m_pending)
         m_debounceTimer.start();
+}
+
+/// Blocks don't nest: the end of our own would end that of an importer in the midst of its work.
+void UndoManager::handleBlock(bool block)
+{
+    const bool isOurs = m_ownBlock && QThread::currentThread() == thread();
+    if (isOurs)
+        return;
+    m_blocked = block;
+    if (!block)
+        QMetaObject::invokeMethod(
+            this,
+            [this] {
+                if (m_pending && m_suspendCount == 0)
+                    m_debounceTimer.start();
+            },
+            Qt::QueuedConnection);
 }
 
 QString UndoManager::currentState() const
@@ -129,7 +154,7 @@ void UndoManager::handleDatabaseWrite()
 
 void UndoManager::handleDebounceTimeout()
 {
-    if (!m_pending || m_suspendCount > 0)
+    if (!m_pending || m_suspendCount > 0 || m_blocked)
         return;
     m_pending = false;
     if (!takeSnapshot())
@@ -183,6 +208,7 @@ bool UndoManager::takeSnapshot()
 {
     ++m_counter;
     const QString path = QStringLiteral("%1/snap_%2.db").arg(m_folder, QString::number(m_counter));
+    const QScopedValueRollback ownBlock(m_ownBlock, true);
     if (m_store->takeSnapshot(path)) {
         m_undoStack.append(path);
         return true;
@@ -196,11 +222,12 @@ bool UndoManager::takeSnapshot()
 
 bool UndoManager::mayStep() const
 {
-    return m_store != nullptr && m_suspendCount == 0 && !m_store->writesBlocked();
+    return m_store != nullptr && m_suspendCount == 0 && !m_store->writesBlocked() && !m_blocked;
 }
 
 bool UndoManager::restoreLast(const QStringList &target)
 {
+    const QScopedValueRollback ownBlock(m_ownBlock, true);
     const bool done = m_store->restoreSnapshot(target.constLast());
     if (!done)
         qDebug() << Q_FUNC_INFO << "restore failed:" << m_store->lastErrorText();

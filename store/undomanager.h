@@ -5,6 +5,7 @@
 #include <QStringList>
 #include <QTimer>
 
+#include <atomic>
 #include <memory>
 
 class ObjectDataBase;
@@ -18,6 +19,9 @@ class ObjectDataBase;
 /// How many steps can be undone is the user setting `undomaxdepth` of the group "General" (default
 /// 20, at least 1), which also bounds the disk use: one snapshot more than steps, undone ones
 /// included.
+///
+/// While a thread holds the store's block, as an importer does, no step is taken and no snapshot
+/// either; what was written meanwhile becomes one step behind the block.
 ///
 /// Lives on the main thread, as the store it is attached to; writes of other threads are heard of
 /// through queued signals. Shares the store with its other owners.
@@ -58,6 +62,8 @@ public:
     void endSuspend();
     [[nodiscard]] bool canUndo() const { return m_undoStack.size() > 1; }
     [[nodiscard]] bool canRedo() const { return !m_redoStack.isEmpty(); }
+    /// Somebody, such as an importer, has the store for himself, so that no step is possible now.
+    [[nodiscard]] bool isBlocked() const { return m_blocked; }
     /// Names the store's present state for as long as it can be stepped back to; empty while there
     /// are edits that have no snapshot yet.
     [[nodiscard]] QString currentState() const;
@@ -65,8 +71,9 @@ public:
     void clear();
 
 public slots:
-    /// One step back; edits that have no snapshot yet are the step. Ignored while suspended and
-    /// while the store's writes are blocked, as they are during a generation.
+    /// One step back; edits that have no snapshot yet are the step. Ignored while suspended, while
+    /// the store's writes are blocked, as they are during a generation, and while an importer has
+    /// the store for itself.
     void undo();
     /// One step forward; ignored as undo is.
     void redo();
@@ -86,6 +93,7 @@ signals:
 private:
     bool takeSnapshot();
     [[nodiscard]] bool mayStep() const;
+    void handleBlock(bool block);
     /// Restores the last snapshot of `target`; logs a failure.
     bool restoreLast(const QStringList &target);
     void tellState();
@@ -99,6 +107,8 @@ private:
     int m_counter = 0; ///< number of the newest snapshot
     int m_suspendCount = 0;
     int m_maxDepth = 1;
-    bool m_pending = false;  ///< written to, and no snapshot taken of it yet
-    bool m_disabled = false; ///< a snapshot failed
+    std::atomic<bool> m_blocked{false}; ///< somebody has the store for himself
+    bool m_ownBlock = false;            ///< that of a snapshot or a step
+    bool m_pending = false;             ///< written to, and no snapshot taken of it yet
+    bool m_disabled = false;            ///< a snapshot failed
 };

@@ -25,7 +25,7 @@ constexpr quint32 identifierMask = 0x1FFFFFFF;
 QString signalType(quint16 dataType)
 {
     const int bits = COHelper::getDataLengthBits(dataType);
-    const QString word = COHelper::index2DataTypeString(dataType);
+    QString word = COHelper::index2DataTypeString(dataType);
     if (word.startsWith(QLatin1String("REAL")))
         return word;
     int width = 8;

@@ -122,7 +122,10 @@ private slots:
         QStringList missing;
         for (const CheckDefinition &row : checkTable()) {
             const QString identifier = QLatin1String(row.identifier);
-            if (!m_drawn.contains(identifier) && !identifier.startsWith(u"CO-STACK-")) {
+            // A line without a type gets no pass of its own; the driver of the passes tells of it.
+            const bool isElsewhere =
+                identifier.startsWith(u"CO-STACK-") || row.id == CheckId::ProjectLineType;
+            if (!m_drawn.contains(identifier) && !isElsewhere) {
                 missing.append(identifier);
             }
         }

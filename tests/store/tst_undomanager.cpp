@@ -113,6 +113,7 @@ private slots:
     void aFailedSnapshotEndsUndo();
     void aSlowStatementEndsUndo();
     void writesOfOtherThreadsCount();
+    void anImportIsOneStep();
     void anotherStoreStartsAnew();
     void oldFoldersGo();
     void everyStateComesBack();
@@ -294,20 +295,16 @@ void TestUndoManager::suspensionHidesWrites()
 
 void TestUndoManager::blockedWritesKeepUndoAway_data()
 {
-    QTest::addColumn<bool>("generating");
-    QTest::newRow("blocked") << false;
-    QTest::newRow("generating") << true;
+    using Block = std::function<void(bool)>;
+    QTest::addColumn<Block>("block");
+    QTest::newRow("blocked") << Block([this](bool on) { m_store->setBlockUpdates(on); });
+    QTest::newRow("generating") << Block([this](bool on) { m_store->setGenerating(on); });
+    QTest::newRow("importing") << Block([this](bool on) { m_store->setThreadBlock(on); });
 }
 
 void TestUndoManager::blockedWritesKeepUndoAway()
 {
-    QFETCH(bool, generating);
-    const auto block = [&](bool on) {
-        if (generating)
-            m_store->setGenerating(on);
-        else
-            m_store->setBlockUpdates(on);
-    };
+    QFETCH(std::function<void(bool)>, block);
     attach();
     step(QStringLiteral("1"));
     step(QStringLiteral("2"));
@@ -421,6 +418,39 @@ void TestUndoManager::writesOfOtherThreadsCount()
     QVERIFY(!m_manager->canUndo());
     QTRY_VERIFY_WITH_TIMEOUT(m_manager->canUndo(), 3000);
     QCOMPARE(snapshots().size(), 2);
+    m_manager->undo();
+    QCOMPARE(edited(), QString());
+}
+
+/// However long an importer pauses between two writes, nobody takes its block away.
+void TestUndoManager::anImportIsOneStep()
+{
+    attach();
+    std::binary_semaphore written(0);
+    std::binary_semaphore goOn(0);
+    bool blockedToTheEnd = true;
+    std::thread importer([&] {
+        m_store->setThreadBlock(true);
+        const auto watch = connect(
+            m_store.get(), &Store::blockStateChanged, this, [&] { blockedToTheEnd = false; },
+            Qt::DirectConnection);
+        m_store->setGeneralSetting(QStringLiteral("edited"), QStringLiteral("1"));
+        written.release();
+        goOn.acquire();
+        m_store->setGeneralSetting(QStringLiteral("edited"), QStringLiteral("2"));
+        disconnect(watch);
+        m_store->setThreadBlock(false);
+    });
+    written.acquire();
+    QTest::qWait(700); // the burst would be over by now
+    m_manager->undo();
+    QCOMPARE(snapshots().size(), 1);
+    goOn.release();
+    importer.join();
+    QVERIFY(blockedToTheEnd);
+    QTRY_VERIFY_WITH_TIMEOUT(m_manager->canUndo(), 3000);
+    QCOMPARE(snapshots().size(), 2);
+    QCOMPARE(edited(), QStringLiteral("2"));
     m_manager->undo();
     QCOMPARE(edited(), QString());
 }
