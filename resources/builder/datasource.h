@@ -73,6 +73,7 @@ struct Project
 {
     Settings general;
     Settings misc;
+    Settings j1939;
     QList<Line> lines = {Line{}};
 };
 

@@ -79,16 +79,26 @@ QString DataWriter::fill(ObjectDataBase &store, const DataSource::Project &proje
         if (const QString problem = fillLine(store, line); !problem.isEmpty())
             return problem;
     }
-    const QString problem = fillSettings(project.general, QStringLiteral("GeneralSettings"),
-                                         [&store](const QString &key, const QString &value) {
-                                             return store.setGeneralSetting(key, value);
-                                         });
-    if (!problem.isEmpty())
-        return problem;
-    return fillSettings(project.misc, QStringLiteral("MiscSettings"),
-                        [&store](const QString &key, const QString &value) {
-                            return store.setMiscSetting(key, value);
-                        });
+    struct Table
+    {
+        const Settings &settings;
+        const char *name;
+        bool (ObjectDataBase::*write)(const QString &key, const QString &value);
+    };
+    const Table tables[] = {
+        {project.general, "GeneralSettings", &ObjectDataBase::setGeneralSetting},
+        {project.j1939, "J1939Settings", &ObjectDataBase::setJ1939Setting},
+        {project.misc, "MiscSettings", &ObjectDataBase::setMiscSetting},
+    };
+    for (const Table &table : tables) {
+        const QString problem = fillSettings(table.settings, QLatin1String(table.name),
+                                             [&](const QString &key, const QString &value) {
+                                                 return (store.*table.write)(key, value);
+                                             });
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return {};
 }
 
 QString DataWriter::writeFile(const DataSource::Project &project, const QString &path)

@@ -60,6 +60,7 @@ private:
     void readLine(const QString &text);
     void readGeneral(const QString &rest) { readSetting(m_result.project.general, rest); }
     void readMisc(const QString &rest) { readSetting(m_result.project.misc, rest); }
+    void readJ1939(const QString &rest) { readSetting(m_result.project.j1939, rest); }
     void readDescription(const QString &rest) { readSetting(line().description, rest); }
     void readSetting(Settings &settings, const QString &rest);
     void readNode(const QString &rest);
@@ -91,13 +92,10 @@ private:
 };
 
 const Reader::Directive Reader::directives[] = {
-    {"general", &Reader::readGeneral},
-    {"misc", &Reader::readMisc},
-    {"description", &Reader::readDescription},
-    {"line", &Reader::readNode},
-    {"uds", &Reader::readUds},
-    {"object", &Reader::readObject},
-    {"sub", &Reader::readSub},
+    {"general", &Reader::readGeneral}, {"misc", &Reader::readMisc},
+    {"j1939", &Reader::readJ1939},     {"description", &Reader::readDescription},
+    {"line", &Reader::readNode},       {"uds", &Reader::readUds},
+    {"object", &Reader::readObject},   {"sub", &Reader::readSub},
     {"include", &Reader::readInclude},
 };
 

@@ -238,8 +238,8 @@ void TestProfiles::indicesAreKnown_data()
                       sent,
                       {0x6007, 0x6007},
                       {0x603F, 0x60FF},
-                      {0x6402, 0x6404},
-                      {0x6502, 0x6502},
+                      {0x6402, 0x6407},
+                      {0x6502, 0x6505},
                       {0x67FF, 0x67FF}});
     row("v406.codb", {deviceType,
                       {0x1A00, 0x1A01},

@@ -1,6 +1,7 @@
 #include "check/modelchecker.h"
 #include "resources/builder/datawriter.h"
 #include "resources/builder/sourcereader.h"
+#include "resources/templates/projecttemplates.h"
 #include "store/canopen/cohelper.h"
 #include "store/objectdatabase.h"
 
@@ -61,6 +62,7 @@ private slots:
     void templateFile();
     void templateOpensInEveryEdition_data();
     void templateOpensInEveryEdition();
+    void j1939TemplateHoldsTheSettings();
     void exampleOpensUnmodified();
     void exampleHasEveryDataType();
     void exampleMappingsResolve();
@@ -135,6 +137,26 @@ void TestReferenceData::templateOpensInEveryEdition()
     QCOMPARE(store.getGeneralSetting(QStringLiteral("co_timer_interval")), QString());
     QCOMPARE(store.getSubIndices(0, 0x1018), QList<quint8>({0, 1, 2, 3, 4}));
     QCOMPARE(store.getSubIndexDefaultValue(0, 0x1200, 1), QStringLiteral("$NODEID+0x600"));
+}
+
+/// As the J1939 edition opens it, out of the program itself.
+void TestReferenceData::j1939TemplateHoldsTheSettings()
+{
+    ProjectTemplates::makeAvailable();
+    const QString before = QCoreApplication::applicationName();
+    QCoreApplication::setApplicationName(QStringLiteral("J1939 Quillforge"));
+    ObjectDataBase store;
+    const bool opened = store.openDataBase(ProjectTemplates::j1939);
+    QCoreApplication::setApplicationName(before);
+    QVERIFY2(opened, qPrintable(store.lastErrorText()));
+    QVERIFY(!store.wasExternallyModified());
+    QVERIFY(store.getIndices(0).isEmpty());
+    QCOMPARE(store.getLineType(0), 2);
+    QCOMPARE(store.getGeneralSetting(QStringLiteral("receivebuffersize")), QStringLiteral("10"));
+    QCOMPARE(store.getJ1939Setting(QStringLiteral("bamcycletime")), QStringLiteral("50"));
+    QVERIFY(store.j1939SettingExists(QStringLiteral("startaddress")));
+    QCOMPARE(store.getJ1939LineSetting(QStringLiteral("startaddress"), 0), QString());
+    QVERIFY(store.getUDSServiceActive(0, UDS::SID::DiagnosticSessionControl));
 }
 
 void TestReferenceData::exampleOpensUnmodified()
@@ -251,6 +273,8 @@ void TestReferenceData::sameSourceGivesSameBytes_data()
     QTest::addColumn<QString>("suffix");
     for (const char *suffix : {"data", "vxmp", "vxmt"}) {
         QTest::addRow("template %s", suffix) << "templates/mt.qfs" << QString::fromLatin1(suffix);
+        QTest::addRow("J1939 template %s", suffix)
+            << "templates/mtj1939.qfs" << QString::fromLatin1(suffix);
         QTest::addRow("example %s", suffix)
             << "examples/io-module.qfs" << QString::fromLatin1(suffix);
     }
