@@ -1,6 +1,6 @@
 #include "app/edition.h"
 
-#include "app/linetype.h"
+#include "store/linetype.h"
 
 #include <QCoreApplication>
 

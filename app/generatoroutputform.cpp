@@ -40,6 +40,16 @@ QString chosenTimeFormat()
     return format == unchanged ? QString() : format.trimmed();
 }
 
+/// Pure red is hard to read, on dark ground most of all; the palette knows one that isn't.
+QTextCharFormat readable(QTextCharFormat format, const QPalette &palette)
+{
+    if (format.hasProperty(QTextFormat::ForegroundBrush) &&
+        format.foreground().color() == QColor(Qt::red)) {
+        format.setForeground(palette.color(QPalette::BrightText));
+    }
+    return format;
+}
+
 QString currentTimeText(const QString &format)
 {
     const QDateTime now = QDateTime::currentDateTime();
@@ -242,7 +252,7 @@ void GeneratorOutputForm::insertMessage(QTextCursor &cursor, const Entry &entry)
         text += run.text;
     const int begin = cursor.position();
     for (const OutputMarkup::Run &run : runs)
-        cursor.insertText(run.text, run.format);
+        cursor.insertText(run.text, readable(run.format, m_logging->palette()));
 
     const QColor colour = m_logging->palette().color(QPalette::Link);
     QTextCursor marker(cursor);

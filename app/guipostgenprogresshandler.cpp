@@ -2,7 +2,9 @@
 
 #include "app/support/guihelper.h"
 
+#include <QCoreApplication>
 #include <QProgressDialog>
+#include <QResizeEvent>
 
 void GUIPostGenProgressHandler::setDialog(QProgressDialog *dialog)
 {
@@ -22,8 +24,12 @@ void GUIPostGenProgressHandler::setLabelText(const QString &text)
 
 void GUIPostGenProgressHandler::setCancelButtonText(const QString &text)
 {
-    if (m_dialog)
-        m_dialog->setCancelButtonText(text);
+    if (!m_dialog)
+        return;
+    m_dialog->setCancelButtonText(text);
+    // The dialog gives its button the width of a new text only when it places everything anew.
+    QResizeEvent resize(m_dialog->size(), m_dialog->size());
+    QCoreApplication::sendEvent(m_dialog, &resize);
 }
 
 void GUIPostGenProgressHandler::show()

@@ -2,8 +2,8 @@
 
 #include "app/edition.h"
 #include "app/vxmmainwindow.h"
-#include "import/csvimporter.h"
-#include "import/edsimporter.h"
+#include "import/basedataimporter.h"
+#include "import/fileimportformat.h"
 #include "import/importhandler.h"
 #include "store/databasemodifier.h"
 
@@ -37,45 +37,16 @@ void resetCursor(VxmMainWindow &window)
     window.setCursor(Qt::ArrowCursor);
 }
 
-struct SuffixImporter
-{
-    const char *suffix;
-    std::unique_ptr<BaseDataImporter> (*make)();
-};
-
-template <typename Importer>
-std::unique_ptr<BaseDataImporter> makeImporter()
-{
-    return std::make_unique<Importer>();
-}
-
-constexpr std::array suffixImporters{
-    SuffixImporter{"csv", makeImporter<CsvImporter>},
-    SuffixImporter{"icsv", makeImporter<CsvImporter>},
-    SuffixImporter{"eds", makeImporter<EDSImporter>},
-    SuffixImporter{"dcf", makeImporter<EDSImporter>},
-};
-
-/// The importer for a file by its suffix; null if there is none.
-std::unique_ptr<BaseDataImporter> importerFor(const QString &path)
-{
-    const QString suffix = QFileInfo(path).suffix().toLower();
-    for (const SuffixImporter &entry : suffixImporters) {
-        if (suffix == QLatin1String(entry.suffix))
-            return entry.make();
-    }
-    return nullptr;
-}
-
 void importIntoLineZero(VxmMainWindow &window)
 {
     const std::optional<QString> &path = window.options().importFile;
     if (!path || !QFileInfo::exists(*path))
         return;
     qDebug() << "try to import " << *path;
-    const std::unique_ptr<BaseDataImporter> importer = importerFor(*path);
-    if (!importer)
+    const FileImportFormat *format = FileImportFormat::of(*path);
+    if (format == nullptr || !format->is(FileImportFormat::Batch))
         return;
+    const std::unique_ptr<BaseDataImporter> importer = format->make();
     importer->setLine(0);
     importer->setDatabase(&window.database());
     importer->setRange(firstImported, lastImported);

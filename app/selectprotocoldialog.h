@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/linetype.h"
+#include "store/linetype.h"
 
 #include <QDialog>
 

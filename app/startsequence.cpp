@@ -7,6 +7,7 @@
 #include "app/support/usersettings.h"
 #include "app/vxmmainwindow.h"
 #include "resources/codb/standardprofiles.h"
+#include "resources/templates/projecttemplates.h"
 #include "store/objectdatabase.h"
 
 #include <QFileInfo>
@@ -57,9 +58,7 @@ void startNormally(VxmMainWindow &window)
         window.newProject();
     window.loadLibrary(Edition::isJ1939() ? StandardProfiles::additional
                                           : StandardProfiles::communication);
-    window.setActionEnabled("action_Import_File", true);
-    window.bringOntoScreen();
-    window.selectFirstLine();
+    window.doThingsAfterStartup();
 }
 
 } // namespace
@@ -76,6 +75,7 @@ int runQuillforge(int argc, char *argv[], const char *applicationName)
     QApplication::setQuitOnLastWindowClosed(!options.hidden);
 
     StandardProfiles::makeAvailable();
+    ProjectTemplates::makeAvailable();
     const auto project = std::make_shared<ObjectDataBase>();
     prepareProjectStore(*project);
     const auto library = std::make_shared<ObjectDataBase>();

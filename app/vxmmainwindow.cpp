@@ -1,12 +1,13 @@
 #include "app/vxmmainwindow.h"
 
 #include "app/generatoroutputform.h"
-#include "app/linetype.h"
 #include "app/pagetable.h"
+#include "app/support/editionicon.h"
 #include "app/support/guihelper.h"
 #include "app/support/lineicon.h"
 #include "app/support/usersettings.h"
 #include "import/codbimporter.h"
+#include "store/linetype.h"
 #include "store/undomanager.h"
 #include "ui_vxmmainwindow.h"
 
@@ -33,7 +34,11 @@ constexpr std::array actionIcons{
     ActionIcon{"actionSave_Project", "save"},   ActionIcon{"actionSave_Project_as", "save-as"},
     ActionIcon{"actionClose_Project", "close"}, ActionIcon{"actionGenerate_Output", "generate"},
     ActionIcon{"actionQuit", "quit"},           ActionIcon{"actionUndo", "undo"},
-    ActionIcon{"actionRedo", "redo"},           ActionIcon{"action_About", "about"},
+    ActionIcon{"actionRedo", "redo"},           ActionIcon{"actionCut", "cut"},
+    ActionIcon{"actionCopy", "copy"},           ActionIcon{"actionPaste", "paste"},
+    ActionIcon{"actionDelete", "clear"},        ActionIcon{"actionDuplicate", "duplicate"},
+    ActionIcon{"action_Hel_p", "question"},     ActionIcon{"action_Manual", "manual"},
+    ActionIcon{"action_About", "about"},        ActionIcon{"actionCheck_for_Updates", "update"},
 };
 
 /// Entries of the line box below the lines.
@@ -60,6 +65,7 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     makePages();
     makeUndo();
     makeGenerator();
+    makeHelp();
     restoreGeometryOfUser();
 
     m_refreshTimer.setSingleShot(true);
@@ -69,6 +75,9 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
             &VxmMainWindow::handleLineChanged);
     connect(ui->toolBox, &QToolBox::currentChanged, this, &VxmMainWindow::newCurrentTabActivated);
     connect(ui->menuRecent_Projects, &QMenu::aboutToShow, this, &VxmMainWindow::fillRecentProjects);
+    connect(ui->menuExample_Projects, &QMenu::aboutToShow, this,
+            &VxmMainWindow::fillExampleProjects);
+    connect(ui->menuFile_Viewer, &QMenu::aboutToShow, this, &VxmMainWindow::createFileViewerMenu);
     leaveProjectPath();
 }
 
@@ -80,12 +89,14 @@ VxmMainWindow::~VxmMainWindow()
 
 void VxmMainWindow::decorate()
 {
-    setWindowIcon(LineIcon::icon(QStringLiteral("generate")));
+    setWindowIcon(EditionIcon::icon(QCoreApplication::applicationName()));
     for (const ActionIcon &row : actionIcons) {
         if (auto *action = findChild<QAction *>(QLatin1String(row.action)))
             action->setIcon(LineIcon::icon(QLatin1String(row.icon)));
     }
     ui->menuRecent_Projects->setIcon(LineIcon::icon(QStringLiteral("recent")));
+    ui->menuExample_Projects->setIcon(LineIcon::icon(QStringLiteral("examples")));
+    ui->menuMisc->menuAction()->setVisible(!ui->menuMisc->isEmpty());
     setContextMenuPolicy(Qt::NoContextMenu); // the tool bar stays
 }
 
@@ -110,7 +121,7 @@ void VxmMainWindow::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
     m_database = database;
     connect(database.get(), &ObjectDataBase::updateNotify, this, &VxmMainWindow::projectModified);
     for (const Page &page : std::as_const(m_pages))
-        page.form->setDatabase(database.get());
+        page.form->setDatabase(database);
     updateLinesComboBox();
     attachUndo();
 }
@@ -128,7 +139,7 @@ PageContext VxmMainWindow::pageContext() const
     if (m_database != nullptr) {
         context.lineType = m_database->getLineType(m_line);
         const QString server = QStringLiteral("cia510serversupport");
-        context.hasSdoServer = m_database->getJ1939LineSetting(server, m_line).toInt() == 1;
+        context.hasSdoServer = m_database->getJ1939Setting(server).toInt() == 1;
     }
     return context;
 }
@@ -222,8 +233,10 @@ void VxmMainWindow::refreshLines()
         rebuildToolBox();
 }
 
-void VxmMainWindow::selectFirstLine()
+void VxmMainWindow::doThingsAfterStartup()
 {
+    setActionEnabled("action_Import_File", true);
+    bringOntoScreen();
     ui->mpSelectLine->setCurrentIndex(0);
 }
 
@@ -234,7 +247,6 @@ void VxmMainWindow::projectModified(ObjectDataBase::ChangeSet modification)
     if (m_loading)
         return;
     setModified(true);
-    ++m_changes;
     switch (modification.kind) {
     case ObjectDataBase::NodeAdded:
     case ObjectDataBase::NodeDeleted:
@@ -243,9 +255,10 @@ void VxmMainWindow::projectModified(ObjectDataBase::ChangeSet modification)
         m_refreshTimer.start();
         break;
     case ObjectDataBase::J1939SettingChanged: {
-        // With the SDO server of a J1939 line its object dictionary comes and goes.
+        // With the SDO server, one for all lines, the object dictionary of a J1939 line comes and
+        // goes.
         const LineType &type = LineType::of(m_shownLineType);
-        if (modification.line == m_line && type.hasJ1939 && !type.hasCANopen)
+        if (type.hasJ1939 && !type.hasCANopen)
             rebuildToolBox();
         break;
     }
@@ -261,8 +274,6 @@ bool VxmMainWindow::isModified() const
 
 void VxmMainWindow::setModified(bool modified)
 {
-    if (!modified)
-        m_changes = 0;
     const QFont::Style style = modified ? QFont::StyleItalic : QFont::StyleNormal;
     QFont font = ui->lblPath->font();
     if (font.style() == style)
@@ -376,20 +387,4 @@ void VxmMainWindow::closeEvent(QCloseEvent *event)
 void VxmMainWindow::on_actionQuit_triggered()
 {
     close();
-}
-
-void VxmMainWindow::on_action_About_triggered()
-{
-    GuiHelper::showMessageBox(
-        this, GuiHelper::boxTitle(),
-        QStringLiteral("<b>%1</b><br>Version %2")
-            .arg(QCoreApplication::applicationName(), QCoreApplication::applicationVersion()),
-        QStringLiteral("Design tool for embedded CAN devices.\nBuilt with Qt %1, running on Qt %2.")
-            .arg(QStringLiteral(QT_VERSION_STR), QString::fromLatin1(qVersion())));
-}
-
-void VxmMainWindow::on_actionAbout_Qt_triggered()
-{
-    if (GuiHelper::isAttended())
-        QApplication::aboutQt();
 }

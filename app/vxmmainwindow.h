@@ -17,11 +17,19 @@ class CODBImporter;
 class GUIOutputHandler;
 class GUIPostGenProgressHandler;
 class GeneratorOutputForm;
+class ManualHandler;
 class OutputHandlerBase;
+class ProjectDiffDialog;
 class QProgressDialog;
+class QPushButton;
 class UndoManager;
+class newUpdateChecker;
 struct PageContext;
 struct PageFactory;
+
+namespace DocumentExport {
+enum class Kind : quint8;
+}
 
 namespace Ui {
 class VxmMainWindow;
@@ -72,7 +80,6 @@ public:
     /// Does nothing for an action that this window doesn't have.
     void setActionEnabled(const char *objectName, bool enabled);
     void setActionVisible(const char *objectName, bool visible);
-    void selectFirstLine();
     /// Moves the window to where it can be seen if its position lies on no screen.
     void bringOntoScreen();
 
@@ -93,11 +100,30 @@ public slots:
     void on_actionClose_Project_triggered();
     void on_actionGenerate_Output_triggered();
     void on_actionQuit_triggered();
+    void on_action_Import_File_triggered();
+    void on_actionLoad_CiA_301_triggered();
+    void on_actionLoad_CiA_302_triggered();
+    void on_action_EDS_File_triggered();
+    void on_action_XDD_File_triggered();
+    void on_action_HTML_Documenation_triggered();
+    void on_action_CSV_File_triggered();
+    void on_action_Text_Documentation_triggered();
     void on_actionUndo_triggered();
     void on_actionRedo_triggered();
+    void on_actionCopy_triggered();
+    void on_actionCut_triggered();
+    void on_actionPaste_triggered();
+    void on_actionDelete_triggered();
+    void on_actionDuplicate_triggered();
+    void on_action_Hel_p_triggered();
+    void on_action_Manual_triggered();
+    void on_actionCheck_for_Updates_triggered();
+    void on_actionChangelog_triggered();
     void on_action_About_triggered();
     void on_actionAbout_Qt_triggered();
 
+    /// The end of a start that no project was named for.
+    void doThingsAfterStartup();
     /// The late part of the start, run once by the event loop.
     void doThingsAfter1Second();
     void finishOpenProcedure();
@@ -112,12 +138,18 @@ public slots:
     void updateLinesComboBox();
     void importPogress(quint8 percent);
     void handleCheckError(QString errorString);
+    /// How much of a generation is done.
+    void generatorProgress(quint8 percent);
     void generatorFinished(GeneratorMainHandler::GeneratorResult result);
     void projectCorrectionDone();
     /// Show where a link of the output pane leads to.
     void handleGotoIndex(quint8 line, quint16 index);
     void handleGoToSubindex(quint8 line, quint16 index, quint8 subindex);
     void searchRequestSlot(const QString &searchString);
+    /// Makes the entries of the menu "File Viewer" for the files that there are now.
+    void createFileViewerMenu();
+    /// The answer of the check for updates.
+    void newVersion(QString newVersionString, QString productCode, bool newerVersion);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -153,13 +185,15 @@ private:
     bool acceptsForeignChanges();
     void showVersionNotes(const QString &path);
     void keepVersion3Copy(const QString &path);
-    void convertProject();
-    void convertSignals();
     void leaveProjectPath();
     void takeProjectPath(const QString &path);
     void fillRecentProjects();
+    /// Where file dialogs start.
+    [[nodiscard]] static QString folderOfDialogs();
     void warnOfUnappliedEnergyBus();
-    [[nodiscard]] int countModifications() const;
+    [[nodiscard]] bool openSavedProject(ObjectDataBase &saved, QString &error) const;
+    [[nodiscard]] int countModifications(QString &readError);
+    [[nodiscard]] bool askToSave(int count, const QString &readError);
     void showError(const QString &text, const QString &informativeText = QString());
 
     // vxmmainwindow_lines.cpp
@@ -187,10 +221,24 @@ private:
 
     // vxmmainwindow_generation.cpp
     void makeGenerator();
-    void showGeneratorPage();
     void runGenerator();
     void showProgress();
     void showDictionaryPage(quint8 line, const QString &what);
+
+    // vxmmainwindow_import.cpp
+    [[nodiscard]] bool hasDictionary();
+    void offerProfile(const QString &profile, const QString &label);
+    void exportDocument(DocumentExport::Kind kind);
+
+    // vxmmainwindow_help.cpp
+    void makeHelp();
+    /// A `BaseMainForm::Action`, for the text being edited or else for the page.
+    void runEditCommand(int command);
+
+    // vxmmainwindow_viewer.cpp
+    void showFile(const QString &path);
+    void fillExampleProjects();
+    void openExampleCopy(const QString &examplePath);
 
     std::unique_ptr<Ui::VxmMainWindow> ui;
     StartOptions m_options;
@@ -205,6 +253,10 @@ private:
     GeneratorMainHandler *m_generator = nullptr;  ///< child of the window
     std::shared_ptr<GUIPostGenProgressHandler> m_postGenProgress;
     QPointer<QProgressDialog> m_progress;
+    ManualHandler *m_manual = nullptr;           ///< child of the window
+    newUpdateChecker *m_updateChecker = nullptr; ///< child of the window
+    QPointer<QPushButton> m_updateButton;        ///< as long as an update is on offer
+    ProjectDiffDialog *m_projectDiff = nullptr; ///< child of the window; made when first needed
     QList<QAction *> m_pausedActions; ///< actions that a run has disabled
     QTimer m_refreshTimer;
 
@@ -215,8 +267,8 @@ private:
     QString m_savedContent; ///< content hash of what was saved since
     quint8 m_line = 0;
     int m_shownLineType = 0;
-    int m_changes = 0; ///< writes since the project was last saved or opened
 
+    bool m_savedHere = false; ///< the file was written by this window, not just opened
     bool m_networkToolMode = false;
     bool m_autoGeneration = false;
     bool m_busy = false;    ///< a run is going on

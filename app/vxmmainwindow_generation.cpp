@@ -22,8 +22,12 @@
 namespace {
 
 constexpr int settleMilliseconds = 200;
+constexpr int progressWidth = 320;
 const QString criticalErrors =
     QStringLiteral("The project contains critical errors. Check Generator Output window.");
+const QString saveFirst =
+    QStringLiteral("Save the project first: its files are generated into the folder of the "
+                   "project file.");
 
 } // namespace
 
@@ -47,6 +51,9 @@ void VxmMainWindow::makeGenerator()
     for (OutputHandlerBase *handler : findChildren<OutputHandlerBase *>(Qt::FindDirectChildrenOnly))
         handler->setParent(m_generator);
     m_generator->setQuiet(m_options.hidden);
+    m_generator->setFromNetworkTool(m_options.networkTool);
+    connect(m_generator, &GeneratorMainHandler::runProgress, this,
+            &VxmMainWindow::generatorProgress);
     connect(m_generator, &GeneratorMainHandler::finished, this, &VxmMainWindow::generatorFinished);
     connect(m_generator, &GeneratorMainHandler::doneCorrection, this,
             &VxmMainWindow::projectCorrectionDone);
@@ -99,7 +106,7 @@ void VxmMainWindow::runGenerator()
 void VxmMainWindow::showProgress()
 {
     m_progress = new QProgressDialog(QStringLiteral("Generation in progress..."),
-                                     QStringLiteral("Stop"), 0, 0, this);
+                                     QStringLiteral("Stop"), 0, 100, this);
     m_progress->setAttribute(Qt::WA_DeleteOnClose);
     m_progress->setWindowTitle(GuiHelper::boxTitle());
     m_progress->setWindowModality(Qt::WindowModal);
@@ -108,9 +115,20 @@ void VxmMainWindow::showProgress()
     connect(m_progress, &QProgressDialog::canceled, m_generator,
             &GeneratorMainHandler::requestStop);
     m_postGenProgress->setDialog(m_progress);
+    m_progress->setMinimumWidth(progressWidth);
     m_progress->adjustSize();
     m_progress->move(frameGeometry().center() - m_progress->rect().center());
     m_progress->show();
+}
+
+void VxmMainWindow::generatorProgress(quint8 percent)
+{
+    if (m_progress == nullptr || m_progress->wasCanceled())
+        return;
+    // Nobody knows how long the user's command takes.
+    if (percent >= m_progress->maximum())
+        m_progress->setRange(0, 0);
+    m_progress->setValue(percent);
 }
 
 void VxmMainWindow::generatorFinished(GeneratorMainHandler::GeneratorResult result)
@@ -125,14 +143,18 @@ void VxmMainWindow::generatorFinished(GeneratorMainHandler::GeneratorResult resu
             QStringLiteral("Generation of %1 completed.").arg(m_projectBaseName));
         return;
     }
-    showError(criticalErrors);
+    const bool hasNoFolder =
+        result == GeneratorMainHandler::FolderNotWritable && m_projectDirectory.isEmpty();
+    const QString reason = hasNoFolder ? saveFirst : QString();
+    if (hasNoFolder)
+        m_outputHandler->outputMessage(saveFirst);
+    showError(criticalErrors, reason);
 }
 
 void VxmMainWindow::projectCorrectionDone()
 {
     // The pages did not hear of the corrections, since a run silences the store.
     setModified(true);
-    ++m_changes;
     const bool isStored = !m_projectDirectory.isEmpty();
     if (!m_autoGeneration && isStored)
         on_actionSave_Project_triggered();

@@ -1,14 +1,16 @@
 #include "app/vxmmainwindow.h"
 
 #include "app/edition.h"
-#include "app/linetype.h"
 #include "app/recentprojects.h"
 #include "app/support/basemainform.h"
 #include "app/support/guihelper.h"
 #include "app/support/usersettings.h"
 #include "app/versionnotes.h"
+#include "resources/templates/projecttemplates.h"
+#include "store/linetype.h"
 #include "store/projectconverter.h"
 #include "store/undomanager.h"
+#include "tools/projectdiffdialog.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
@@ -18,6 +20,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QMimeData>
+#include <QScopeGuard>
 #include <QScopedValueRollback>
 
 #include <array>
@@ -46,15 +49,8 @@ public:
 QString templatePath()
 {
     return Edition::isJ1939()
-               ? QStringLiteral(":/databases/data/mtj1939.data")
+               ? QString(ProjectTemplates::j1939)
                : QCoreApplication::applicationDirPath() + QStringLiteral("/data/mt.data");
-}
-
-QString folderOfDialogs()
-{
-    const QString folder =
-        UserSettings::general(QStringLiteral("projectpath"), QStringLiteral("~")).toString();
-    return folder == u"~" ? QDir::homePath() : folder;
 }
 
 bool isTextProject(const QString &path)
@@ -78,7 +74,38 @@ QString droppedProject(const QMimeData *data)
     return {};
 }
 
+void convertProject(ObjectDataBase &store)
+{
+    ProjectConverter converter(&store);
+    converter.doGenericCorrection();
+    converter.doStackPathCorrection();
+    if (Edition::isEnergyBus())
+        converter.doEnergyBusCorrection();
+}
+
+void convertSignals(ObjectDataBase &store)
+{
+    ProjectConverter converter(&store);
+    if (Edition::isCan())
+        converter.doCanCorrection();
+    if (Edition::isCan() || Edition::isJ1939())
+        converter.doJ1939Correction();
+}
+
+/// What every project that is opened or made has from then on.
+void noteInitStructure(ObjectDataBase &store)
+{
+    store.setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
+}
+
 } // namespace
+
+QString VxmMainWindow::folderOfDialogs()
+{
+    const QString folder =
+        UserSettings::general(QStringLiteral("projectpath"), QStringLiteral("~")).toString();
+    return folder == u"~" ? QDir::homePath() : folder;
+}
 
 void VxmMainWindow::showError(const QString &text, const QString &informativeText)
 {
@@ -124,7 +151,7 @@ void VxmMainWindow::newProject(ProtocolQuestion question)
         m_database->setGeneralSetting(QStringLiteral("line0type"),
                                       QString::number(Edition::defaultLineType()));
     }
-    m_database->setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
+    noteInitStructure(*m_database);
     selectLine(0);
     updateLinesComboBox();
     setModified(false);
@@ -169,7 +196,7 @@ bool VxmMainWindow::openProject(const QString &givenPath)
         newProject(ProtocolQuestion::Skip);
         return false;
     }
-    convertProject();
+    convertProject(*m_database);
     if (Edition::isEnergyBus()) {
         const QString saved = m_database->getMiscSetting(QStringLiteral("SaveToolVersion"));
         if (VersionNotes::isOlder(saved, QCoreApplication::applicationVersion())) {
@@ -179,9 +206,10 @@ bool VxmMainWindow::openProject(const QString &givenPath)
     } else {
         showVersionNotes(path);
     }
-    convertSignals();
+    convertSignals(*m_database);
     takeProjectPath(path);
-    m_database->setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
+    m_savedHere = false;
+    noteInitStructure(*m_database);
     selectLine(0, true);
     updateLinesComboBox();
     setModified(false);
@@ -266,24 +294,6 @@ void VxmMainWindow::keepVersion3Copy(const QString &path)
     GuiHelper::showMessageBox(this, GuiHelper::boxTitle(), VersionNotes::copyKept(copy, path));
 }
 
-void VxmMainWindow::convertProject()
-{
-    ProjectConverter converter(m_database.get());
-    converter.doGenericCorrection();
-    converter.doStackPathCorrection();
-    if (Edition::isEnergyBus())
-        converter.doEnergyBusCorrection();
-}
-
-void VxmMainWindow::convertSignals()
-{
-    ProjectConverter converter(m_database.get());
-    if (Edition::isCan())
-        converter.doCanCorrection();
-    if (Edition::isCan() || Edition::isJ1939())
-        converter.doJ1939Correction();
-}
-
 void VxmMainWindow::leaveProjectPath()
 {
     m_projectBaseName = QStringLiteral("newproject");
@@ -309,6 +319,7 @@ void VxmMainWindow::takeProjectPath(const QString &path)
 
 void VxmMainWindow::finishOpenProcedure()
 {
+    setActionEnabled("action_Import_File", true);
     statusBar()->showMessage(QStringLiteral("%1 is open.").arg(m_projectBaseName), 5000);
     if (isVisible() && m_currentPage != nullptr)
         m_currentPage->setFocus(Qt::OtherFocusReason);
@@ -385,6 +396,7 @@ void VxmMainWindow::on_actionSave_Project_triggered()
         return;
     }
     setModified(false);
+    m_savedHere = true;
     noteSavedContent();
     statusBar()->showMessage(QStringLiteral("%1 is saved.").arg(m_projectBaseName), 5000);
 }
@@ -413,6 +425,7 @@ void VxmMainWindow::on_actionSave_Project_as_triggered()
         return;
     }
     takeProjectPath(path);
+    m_savedHere = true;
     attachUndo();
 }
 
@@ -422,9 +435,37 @@ void VxmMainWindow::on_actionClose_Project_triggered()
         newProject(ProtocolQuestion::Skip);
 }
 
-int VxmMainWindow::countModifications() const
+/// The project as the file on disk holds it; false, with the reason, if it can't be read.
+bool VxmMainWindow::openSavedProject(ObjectDataBase &saved, QString &error) const
 {
-    return m_changes;
+    const bool opened = saved.openDataBase(m_projectFilePath, true);
+    error = saved.lastErrorText();
+    if (!opened || !error.isEmpty()) {
+        saved.createNewDataBase();
+        return false;
+    }
+    // The working state had the same corrections when it was opened. They are no modifications of
+    // the user's.
+    if (!m_savedHere) {
+        convertProject(saved);
+        convertSignals(saved);
+        noteInitStructure(saved);
+    }
+    return true;
+}
+
+/// Compares the working state with the saved file. If that can't be read, everything is unsaved
+/// and `readError` says why.
+int VxmMainWindow::countModifications(QString &readError)
+{
+    const WaitCursor cursor;
+    const auto saved = std::make_shared<ObjectDataBase>();
+    const bool isReadable = openSavedProject(*saved, readError);
+    if (m_projectDiff == nullptr)
+        m_projectDiff = new ProjectDiffDialog(this);
+    const int count =
+        m_projectDiff->compare(m_database, saved, QDir::toNativeSeparators(m_projectFilePath));
+    return isReadable ? count : qMax(1, count);
 }
 
 bool VxmMainWindow::closeCheck()
@@ -434,23 +475,40 @@ bool VxmMainWindow::closeCheck()
     storePendingInput();
     if (!isModified() || m_projectFilePath.isEmpty())
         return true;
-    const int count = countModifications();
-    if (count == 0)
-        return true;
+    QString readError;
+    const int count = countModifications(readError);
+    // The saved project's store and its working file are kept no longer than the question.
+    const auto release = qScopeGuard([this] { m_projectDiff->release(); });
+    return count == 0 || askToSave(count, readError);
+}
+
+/// Whether the flow that replaces the project may go on.
+bool VxmMainWindow::askToSave(int count, const QString &readError)
+{
+    QString question = QStringLiteral("Do you want to save your changes?");
+    if (!readError.isEmpty()) {
+        question.prepend(QStringLiteral("The saved project can't be read: %1\n\n").arg(readError));
+    }
     const int answer = GuiHelper::showMessageBox(
         this,
         {.title = GuiHelper::boxTitle(),
          .text =
              QStringLiteral("The current project contains %1 unsaved modifications.").arg(count),
-         .informativeText = QStringLiteral("Do you want to save your changes?"),
+         .informativeText = question,
          .buttons = QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
          .icon = QMessageBox::Question,
          .defaultButton = QMessageBox::Save,
-         .extraButtons = {}});
-    if (answer == QMessageBox::Discard)
+         .extraButtons = {{QStringLiteral("Show Details"), QMessageBox::ActionRole}}});
+    switch (answer) {
+    case QMessageBox::Discard:
         return true;
-    if (answer != QMessageBox::Save)
+    case QMessageBox::Save:
+        on_actionSave_Project_triggered();
+        return !isModified();
+    case GuiHelper::firstExtraButton:
+        GuiHelper::execDialog(*m_projectDiff);
         return false;
-    on_actionSave_Project_triggered();
-    return !isModified();
+    default:
+        return false;
+    }
 }

@@ -67,6 +67,9 @@ void VxmMainWindow::takeUndoStep(void (UndoManager::*step)(),
     disconnect(watch);
     if (done)
         statusBar()->showMessage(doneText, messageMilliseconds);
+    else if (m_undoManager->isBlocked())
+        statusBar()->showMessage(QStringLiteral("The project is being changed. Try again later."),
+                                 messageMilliseconds);
     else if ((m_undoManager->*isPossible)())
         statusBar()->showMessage(failedText.arg(m_database->lastErrorText()));
 }

@@ -24,14 +24,14 @@ BaseMainForm::BaseMainForm(QWidget *parent) : QWidget(parent)
     connect(&m_timer, &QTimer::timeout, this, &BaseMainForm::updateTimerSlot);
 }
 
-bool BaseMainForm::setDatabase(ObjectDataBase *database)
+bool BaseMainForm::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
 {
     if (database == nullptr)
         return false;
     if (m_database != nullptr)
-        disconnect(m_database, nullptr, this, nullptr);
+        disconnect(m_database.get(), nullptr, this, nullptr);
     m_database = database;
-    connect(database, &ObjectDataBase::updateNotify, this, &BaseMainForm::updateDataSlot);
+    connect(database.get(), &ObjectDataBase::updateNotify, this, &BaseMainForm::updateDataSlot);
     emit newDatabase();
     return true;
 }
@@ -51,10 +51,11 @@ void BaseMainForm::updateDataSlot(ObjectDataBase::ChangeSet modification)
         m_timer.start();
         return;
     }
-    if (m_pending)
-        updateData(*std::exchange(m_pending, std::nullopt));
-    m_pending = modification;
+    // Noted before the former one is delivered: a form that writes meanwhile comes by here again.
+    const std::optional<ObjectDataBase::ChangeSet> former = std::exchange(m_pending, modification);
     m_timer.start();
+    if (former)
+        updateData(*former);
 }
 
 void BaseMainForm::updateTimerSlot()

@@ -2,10 +2,10 @@
 
 #include "store/objectdatabase.h"
 
-#include <QPointer>
 #include <QTimer>
 #include <QWidget>
 
+#include <memory>
 #include <optional>
 
 /// A page of the main window; lives as long as the window and shows the project of its store.
@@ -22,8 +22,8 @@ public:
 
     explicit BaseMainForm(QWidget *parent = nullptr);
 
-    /// False for a null store; the store is not owned and outlives the form.
-    virtual bool setDatabase(ObjectDataBase *database);
+    /// Shares the store; false for a null one.
+    virtual bool setDatabase(const std::shared_ptr<ObjectDataBase> &database);
     /// By default a box tells that the form has no such command.
     virtual void doAction(int action);
     /// The line whose data the page shows from now on.
@@ -42,14 +42,14 @@ public slots:
     void updateTimerSlot();
 
 protected:
-    [[nodiscard]] ObjectDataBase *database() const { return m_database; }
+    [[nodiscard]] ObjectDataBase *database() const { return m_database.get(); }
     [[nodiscard]] quint8 line() const { return m_line; }
 
     /// Set while the form itself writes to the store: such changes do not come back to it.
     bool m_guard = false;
 
 private:
-    QPointer<ObjectDataBase> m_database;
+    std::shared_ptr<ObjectDataBase> m_database;
     quint8 m_line = 0;
     std::optional<ObjectDataBase::ChangeSet> m_pending;
     QTimer m_timer;

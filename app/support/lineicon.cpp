@@ -45,6 +45,24 @@ constexpr std::array drawings{
     Drawing{"recent", "O 12 12 9 M 12 7 L 12 12 L 15.5 14"},
     Drawing{"clear", "M 4 7 L 20 7 M 9 7 L 9 4 L 15 4 L 15 7 M 6 7 L 7 20 L 17 20 L 18 7 "
                      "M 10 11 L 10 16 M 14 11 L 14 16"},
+    Drawing{"manual", "M 12 6 C 9 4 6 4 3 5 L 3 19 C 6 18 9 18 12 20 C 15 18 18 18 21 19 L 21 5 "
+                      "C 18 4 15 4 12 6 L 12 20"},
+    Drawing{"back", "M 20 12 L 4 12 M 10 6 L 4 12 L 10 18"},
+    Drawing{"forward", "M 4 12 L 20 12 M 14 6 L 20 12 L 14 18"},
+    Drawing{"up", "M 5 15.5 L 12 8.5 L 19 15.5"},
+    Drawing{"down", "M 5 8.5 L 12 15.5 L 19 8.5"},
+    Drawing{"zoom-in", "O 10.5 10.5 6.5 M 15.5 15.5 L 21 21 M 10.5 7.5 L 10.5 13.5 "
+                       "M 7.5 10.5 L 13.5 10.5"},
+    Drawing{"zoom-out", "O 10.5 10.5 6.5 M 15.5 15.5 L 21 21 M 7.5 10.5 L 13.5 10.5"},
+    Drawing{"zoom-reset", "O 10.5 10.5 6.5 M 15.5 15.5 L 21 21 M 9 8.5 L 10.8 7.3 L 10.8 13.7"},
+    Drawing{"update", "M 12 3 L 12 14 M 7 9.5 L 12 14.5 L 17 9.5 M 4 16 L 4 20 L 20 20 L 20 16"},
+    Drawing{"cut", "O 6.5 18 2.7 O 17.5 18 2.7 M 8 15.8 L 17 3.5 M 16 15.8 L 7 3.5"},
+    Drawing{"paste", "M 8 5 L 5 5 L 5 21 L 19 21 L 19 5 L 16 5 M 8.5 3 L 15.5 3 L 15.5 7 L 8.5 7 Z "
+                     "M 8.5 12 L 15.5 12 M 8.5 16 L 15.5 16"},
+    Drawing{"duplicate", "M 9 9 L 20 9 L 20 21 L 9 21 Z M 5 15 L 4 15 L 4 3 L 15 3 L 15 5 "
+                         "M 14.5 12 L 14.5 18 M 11.5 15 L 17.5 15"},
+    Drawing{"examples", "M 12 3 L 21 7.5 L 12 12 L 3 7.5 Z M 3 12 L 12 16.5 L 21 12 "
+                        "M 3 16.5 L 12 21 L 21 16.5"},
     Drawing{"copy", "M 9 9 L 20 9 L 20 21 L 9 21 Z M 5 15 L 4 15 L 4 3 L 15 3 L 15 5"},
 };
 

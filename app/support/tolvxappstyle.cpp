@@ -106,6 +106,21 @@ void drawPageHeader(const QStyleOptionToolBox &tab, QPainter &painter, const QSt
     painter.restore();
 }
 
+/// Fusion takes the outline from a darker shade of the window, which vanishes on a dark one.
+void drawOutline(QStyle::PrimitiveElement element, const QStyleOption &option, QPainter &painter)
+{
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(option.palette.color(QPalette::PlaceholderText));
+    painter.setBrush(Qt::NoBrush);
+    const QRectF area = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
+    if (element == QStyle::PE_IndicatorRadioButton)
+        painter.drawEllipse(area);
+    else
+        painter.drawRoundedRect(area, 2, 2);
+    painter.restore();
+}
+
 } // namespace
 
 TolvxAppStyle::TolvxAppStyle() : QProxyStyle(QStyleFactory::create(QStringLiteral("Fusion"))) {}
@@ -162,7 +177,29 @@ void TolvxAppStyle::drawControl(ControlElement element, const QStyleOption *opti
             return;
         }
     }
+    if (element == CE_MenuItem && (option->state & State_Selected)) {
+        if (const auto *item = qstyleoption_cast<const QStyleOptionMenuItem *>(option)) {
+            // Fusion draws the icon of the selected entry as any other, dark on the accent.
+            QStyleOptionMenuItem selected(*item);
+            const int size = pixelMetric(PM_SmallIconSize, option, widget);
+            const qreal ratio = painter->device()->devicePixelRatio();
+            if (!selected.icon.isNull() && (option->state & State_Enabled)) {
+                selected.icon = QIcon(item->icon.pixmap(QSize(size, size), ratio, QIcon::Selected));
+            }
+            QProxyStyle::drawControl(element, &selected, painter, widget);
+            return;
+        }
+    }
     QProxyStyle::drawControl(element, option, painter, widget);
+}
+
+void TolvxAppStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option,
+                                  QPainter *painter, const QWidget *widget) const
+{
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    const bool indicator = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
+    if (indicator && isDark(option->palette))
+        drawOutline(element, *option, *painter);
 }
 
 QIcon TolvxAppStyle::standardIcon(StandardPixmap pixmap, const QStyleOption *option,

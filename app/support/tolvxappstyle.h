@@ -23,6 +23,8 @@ public:
     /// What the system asks for now.
     [[nodiscard]] static Scheme systemScheme();
 
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                       const QWidget *widget = nullptr) const override;
     void drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
                      const QWidget *widget = nullptr) const override;
     QIcon standardIcon(StandardPixmap pixmap, const QStyleOption *option = nullptr,

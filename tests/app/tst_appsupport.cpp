@@ -196,18 +196,18 @@ private slots:
 
     void runsOfLikeChangesAreHeardOnce()
     {
-        ObjectDataBase store;
+        const auto store = std::make_shared<ObjectDataBase>();
         RecordingForm form;
         QVERIFY(!form.setDatabase(nullptr));
-        QVERIFY(form.setDatabase(&store));
+        QVERIFY(form.setDatabase(store));
         for (int i = 0; i < 1000; ++i)
-            emit store.updateNotify(changeOf(0x2000));
+            emit store->updateNotify(changeOf(0x2000));
         QCOMPARE(form.heard.size(), 0);
         QTRY_COMPARE(form.heard.size(), 1);
 
         form.heard.clear();
         for (int i = 0; i < 4; ++i)
-            emit store.updateNotify(changeOf(i % 2 ? 0x2000 : 0x3000));
+            emit store->updateNotify(changeOf(i % 2 ? 0x2000 : 0x3000));
         QTRY_COMPARE(form.heard.size(), 4);
         QCOMPARE(form.heard[0].index, 0x3000);
         QCOMPARE(form.heard[3].index, 0x2000);

@@ -328,7 +328,9 @@ void TestGeneratorOutputForm::emphasis()
         return cursor.charFormat();
     };
     QCOMPARE(formatAt(u"Error"_s).fontWeight(), int(QFont::Bold));
-    QCOMPARE(formatAt(u"Error"_s).foreground().color(), QColor(Qt::red));
+    // A red that can be read on this ground.
+    QCOMPARE(formatAt(u"Error"_s).foreground().color(),
+             m_form->palette().color(QPalette::BrightText));
     QVERIFY(formatAt(u"Object"_s).fontWeight() != QFont::Bold);
     QVERIFY(formatAt(u"ab"_s).fontItalic());
     QVERIFY(!formatAt(u"ab"_s).isAnchor());
@@ -471,6 +473,8 @@ void TestGeneratorOutputForm::progressDialog()
 {
     QProgressDialog dialog;
     dialog.setMinimumDuration(100000);
+    dialog.setCancelButtonText(u"Stop"_s);
+    dialog.show();
     GUIPostGenProgressHandler handler;
     QSignalSpy cancelled(&handler, &PostGenProgressHandler::cancelProcess);
     handler.setDialog(&dialog);
@@ -482,6 +486,7 @@ void TestGeneratorOutputForm::progressDialog()
     auto *button = dialog.findChild<QPushButton *>();
     QVERIFY(button != nullptr);
     QCOMPARE(button->text(), u"Cancel process"_s);
+    QVERIFY(button->width() >= button->sizeHint().width());
     button->click();
     QCOMPARE(cancelled.size(), 1);
     handler.hide();

@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QProcess>
 #include <QSaveFile>
+#include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -238,6 +239,41 @@ private slots:
         QCOMPARE(result.exitCode, 0);
         QCOMPARE(!result.errors.contains(u"File was not created with this tool."_s), opensJ1939);
         QVERIFY(QFile::exists(file(u"home/config/tolvex/%1.conf"_s.arg(settings))));
+
+        // A new project opens its template and tells what is to be set first.
+        const Run fresh = run({u"-j1939"_s, u"-hidden"_s, u"-g"_s}, program);
+        QVERIFY2(!fresh.errors.contains(u"Cannot create new project file."_s),
+                 qPrintable(fresh.errors));
+        QVERIFY2(fresh.output.contains(
+                     u"Timer interval not set in Common Settings -> Hardware/Target."_s),
+                 qPrintable(fresh.output));
+    }
+
+    void theLastProjectIsReopened_data()
+    {
+        QTest::addColumn<int>("wanted");
+        QTest::addColumn<QString>("last");
+        QTest::addColumn<bool>("opened");
+        QTest::newRow("wanted") << 1 << u"device.vxmp"_s << true;
+        QTest::newRow("not wanted") << 0 << u"device.vxmp"_s << false;
+        QTest::newRow("gone") << 1 << u"gone.vxmp"_s << false;
+    }
+
+    void theLastProjectIsReopened()
+    {
+        QFETCH(int, wanted);
+        QFETCH(QString, last);
+        QFETCH(bool, opened);
+        {
+            QSettings settings(file(u"home/config/tolvex/CANopen Quillforge 4.3.3.conf"_s),
+                               QSettings::IniFormat);
+            settings.setValue(u"General/loadlastproject"_s, wanted);
+            settings.setValue(u"General/lastproject"_s, file(last));
+        }
+        const Run result = run({u"-j1939"_s, u"-hidden"_s, u"-g"_s});
+        QVERIFY(result.ended);
+        QCOMPARE(QFile::exists(file(u"device.eds"_s)), opened);
+        QVERIFY2(!result.errors.contains(u"Cannot open"_s), qPrintable(result.errors));
     }
 
     void anUnwritableFolderIsTold()

@@ -1,0 +1,3 @@
+#include "odeditor/emtytreeform.h"
+
+EmtyTreeForm::EmtyTreeForm(QWidget *parent) : BaseTreeForm(parent) {}

@@ -1,0 +1,100 @@
+#include "app/support/guihelper.h"
+#include "tests/app/windowtest.h"
+
+#include <QMessageBox>
+
+using namespace Qt::StringLiterals;
+using namespace WindowParts;
+
+/// The flows of the line box.
+class TestWindowLines : public WindowTest
+{
+    Q_OBJECT
+
+private slots:
+    void linesComeAndGo()
+    {
+        Session session;
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        // Line 0 has an error register, so only what is shared goes along.
+        ObjectDataBase::SUBINDEX_DATA_T shared;
+        shared.sharedlines = true;
+        session.store->addIndex(0, 0x2100, {});
+        session.store->addSubIndex(0, 0x2100, 0, shared);
+        session.store->addIndex(0, 0x1F80, {});
+
+        GuiHelper::queueAnswer(QMessageBox::No);
+        session.choose(255);
+        QVERIFY(!session.store->lineExists(1));
+        QCOMPARE(session.lines()->currentData().toInt(), 0);
+
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        session.choose(255);
+        QCOMPARE(session.store->getLineType(1), 1);
+        QCOMPARE(session.store->getIndices(1), QList<quint16>{0x2100});
+        QCOMPARE(session.window.currentLine(), 1);
+        QCOMPARE(session.lines()->currentText(), u"Line 1 - CANopen"_s);
+
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        queueProtocol(u"btnCANopenCAN"_s);
+        session.choose(252);
+        QCOMPARE(session.store->getLineType(1), 6);
+        QCOMPARE(session.lines()->currentText(), u"Line 1 - CANopen + CAN"_s);
+
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        session.choose(253);
+        QCOMPARE(session.store->getLineType(2), 6);
+        QCOMPARE(session.store->getIndices(2), session.store->getIndices(1));
+
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        session.choose(254);
+        QVERIFY(!session.store->lineExists(2));
+        QCOMPARE(session.window.currentLine(), 1);
+        QCOMPARE(shownTexts(), (QStringList{u"Do you want to add a new line?"_s,
+                                            u"Do you want to add a new line?"_s,
+                                            u"Do you want to add change the type of line 1?"_s,
+                                            u"Do you want to duplicate the last line?"_s,
+                                            u"Do you want to delete this line?"_s}));
+    }
+
+    void mandatoryObjectsComeFromTheLibrary()
+    {
+        QCoreApplication::setApplicationName(canEdition);
+        Session session;
+        session.library->addNode(ObjectDataBase::stagingLine, {});
+        ObjectDataBase::INDEX_DATA_T object;
+        object.category = CANopen::Mandatory;
+        session.library->addIndex(ObjectDataBase::stagingLine, 0x1001, object);
+        object.category = CANopen::Optional;
+        session.library->addIndex(ObjectDataBase::stagingLine, 0x1002, object);
+
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        queueProtocol(u"btnCANopen"_s);
+        session.choose(255);
+        QCOMPARE(session.store->getLineType(1), 1);
+        QCOMPARE(session.store->getIndices(1), QList<quint16>{0x1001});
+    }
+
+    void theNumberOfLinesHasItsEnds()
+    {
+        Session session;
+        session.choose(254); // line 0 stays
+        QVERIFY(session.store->lineExists(0));
+        for (quint8 line = 1; line < ObjectDataBase::maximumLines; ++line)
+            session.store->addNode(line, {});
+        session.window.updateLinesComboBox();
+        GuiHelper::takeShownBoxes();
+        session.choose(255);
+        session.choose(253);
+        QCOMPARE(session.store->getLines().size(), ObjectDataBase::maximumLines);
+        const QString refusal = u"The maximum number of 32 lines has been reached."_s;
+        QCOMPARE(shownTexts(), (QStringList{refusal, refusal}));
+    }
+};
+
+int main(int argc, char *argv[])
+{
+    return WindowTest::run<TestWindowLines>(argc, argv);
+}
+
+#include "tst_windowlines.moc"
