@@ -304,6 +304,14 @@ tour() {
     keys Down Down alt+r # one of the profiles that come with the program
     sleep 1
     take import-read
+    local part
+    for part in subindices:b target:d; do
+      if dialog "import-${part%:*}" "alt+${part#*:}"; then
+        keys Escape
+        window_count 2 || true
+      fi
+      focus
+    done
     close_dialogs
   fi
 
@@ -317,7 +325,13 @@ tour() {
     focus
     take two-lines
   fi
-  dialog close-check alt+f q && close_dialogs
+  if dialog close-check alt+f q; then
+    keys shift+Tab space
+    sleep 1
+    focus
+    take project-diff
+    close_dialogs
+  fi
   end_display
 }
 

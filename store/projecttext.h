@@ -23,6 +23,7 @@ namespace ProjectText {
 /// Lines above are scratch lines, which have no text form.
 constexpr quint8 highestLine = 253;
 constexpr int maximumKeys = 3;
+constexpr int mostUnhandledTold = 20; ///< a text can be made of nothing else
 
 struct RowKey
 {
@@ -252,6 +253,7 @@ private:
     bool m_known = false; ///< m_group has a rule
     QList<Column> m_columns;
     qsizetype m_expected = 0; ///< column that comes next in a text of our own
+    int m_unhandledGroups = 0;
     QSet<QString> m_items;
     QSet<QByteArrayView> m_paths;
     QByteArrayView m_path;
@@ -292,7 +294,8 @@ inline bool Reader::beginGroup(const IniText::Scanner &scanner)
         return fail(scanner.line(), QStringLiteral("the group name is not UTF-8"));
     m_known = parseGroup(name, m_group);
     if (!m_known) {
-        qDebug() << "unhandled group" << name;
+        if (++m_unhandledGroups <= mostUnhandledTold)
+            qDebug() << "unhandled group" << name;
         return true;
     }
     if (m_summary.groups.contains(name))

@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QTextDocumentFragment>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <utility>
@@ -128,6 +129,16 @@ bool fileNameWithoutUser(const QString &title, QString &path)
     return true;
 }
 
+/// The filter for the kind of file that is proposed; the first one if none fits.
+QString filterFor(const QString &proposal, const QString &filters)
+{
+    const QStringList all = filters.split(QStringLiteral(";;"));
+    const QString pattern = QStringLiteral("*.%1)").arg(QFileInfo(proposal).suffix().toLower());
+    const auto fitting = std::find_if(
+        all.begin(), all.end(), [&](const QString &filter) { return filter.contains(pattern); });
+    return fitting == all.end() ? all.first() : *fitting;
+}
+
 } // namespace
 
 int GuiHelper::showMessageBox(QWidget *parent, const QString &title, const QString &text,
@@ -193,7 +204,7 @@ QString GuiHelper::saveFileName(QWidget *parent, const QString &title, const QSt
                                 const QString &filters)
 {
     QString path;
-    QString filter = filters.section(QStringLiteral(";;"), 0, 0);
+    QString filter = filterFor(folder, filters);
     if (!fileNameWithoutUser(title, path))
         path = QFileDialog::getSaveFileName(parent, title, folder, filters, &filter);
     if (path.isEmpty())

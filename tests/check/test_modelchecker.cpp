@@ -34,8 +34,7 @@ QString documentation()
     QString text = QStringLiteral(
         "# Checks\n\n"
         "Every message of the model check. This page is made from the table that the program "
-        "itself uses; rewrite it by running `test_modelchecker` with "
-        "`QUILLFORGE_UPDATE_DOCS=1`.\n\n"
+        "itself uses.\n\n"
         "Errors stop a generation. Warnings, hints and infos carry the group by which a project "
         "can suppress them, and notes are withheld with the message that they follow. Identifiers "
         "never change.\n\n"
