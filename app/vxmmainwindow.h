@@ -256,8 +256,8 @@ private:
     ManualHandler *m_manual = nullptr;           ///< child of the window
     newUpdateChecker *m_updateChecker = nullptr; ///< child of the window
     QPointer<QPushButton> m_updateButton;        ///< as long as an update is on offer
-    ProjectDiffDialog *m_projectDiff = nullptr; ///< child of the window; made when first needed
-    QList<QAction *> m_pausedActions; ///< actions that a run has disabled
+    ProjectDiffDialog *m_projectDiff = nullptr;  ///< child of the window; made when first needed
+    QList<QAction *> m_pausedActions;            ///< actions that a run has disabled
     QTimer m_refreshTimer;
 
     QString m_projectDirectory;
