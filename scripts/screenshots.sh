@@ -110,7 +110,7 @@ menu_shown() {
 focus() {
   local id
   id=$(windows | head -n 1)
-  [[ -n $id ]] && xdotool windowfocus --sync "$id" 2>/dev/null || true
+  if [[ -n $id ]]; then xdotool windowfocus --sync "$id" 2>/dev/null || true; fi
 }
 
 # What a desktop tells the program about its colours; carets that don't blink give still pictures.

@@ -12,10 +12,19 @@ bool DirectAccess::run(QByteArrayView, const RowFunction *, Rows, QString &) con
     return false;
 }
 
+bool DirectAccess::runMany(QByteArrayView, qsizetype, const FillFunction &, QString &) const
+{
+    return false;
+}
+
 qint64 DirectAccess::lastInsertId() const
 {
     return -1;
 }
+
+void BoundRow::id(qint64) {}
+
+void BoundRow::text(const QString &) {}
 
 #else
 
@@ -159,6 +168,13 @@ QString errorText(sqlite3 *connection, QLatin1String what)
     return QString::fromUtf8(sqlite3_errmsg(connection)) + u' ' + what;
 }
 
+QString notReadyText(sqlite3 *connection, const Statement &statement)
+{
+    return statement.isSingle()
+               ? errorText(connection, QLatin1String("Unable to execute statement"))
+               : QStringLiteral("Unable to execute multiple statements at a time");
+}
+
 } // namespace
 
 bool DirectAccess::open(QSqlDatabase &database)
@@ -180,9 +196,7 @@ bool DirectAccess::run(QByteArrayView text, const RowFunction *row, Rows rows, Q
     auto *connection = static_cast<sqlite3 *>(m_handle);
     const Statement statement(connection, text);
     if (!statement.isReady()) {
-        error = statement.isSingle()
-                    ? errorText(connection, QLatin1String("Unable to execute statement"))
-                    : QStringLiteral("Unable to execute multiple statements at a time");
+        error = notReadyText(connection, statement);
         return false;
     }
     const DirectRow current(statement.handle());
@@ -198,6 +212,42 @@ bool DirectAccess::run(QByteArrayView text, const RowFunction *row, Rows rows, Q
     sqlite3_reset(statement.handle()); // only then the reason is told
     error = errorText(connection, QLatin1String("Unable to fetch row"));
     return false;
+}
+
+bool DirectAccess::runMany(QByteArrayView text, qsizetype count, const FillFunction &fill,
+                           QString &error) const
+{
+    auto *connection = static_cast<sqlite3 *>(m_handle);
+    const Statement statement(connection, text);
+    if (!statement.isReady()) {
+        error = notReadyText(connection, statement);
+        return false;
+    }
+    for (qsizetype i = 0; i < count; ++i) {
+        BoundRow row(statement.handle());
+        fill(i, row);
+        const int result = sqlite3_step(statement.handle());
+        sqlite3_reset(statement.handle());
+        if (result != SQLITE_DONE) {
+            error = errorText(connection, QLatin1String("Unable to fetch row"));
+            return false;
+        }
+    }
+    return true;
+}
+
+void BoundRow::id(qint64 value)
+{
+    sqlite3_bind_int64(static_cast<sqlite3_stmt *>(m_statement), ++m_place, value);
+}
+
+void BoundRow::text(const QString &value)
+{
+    QByteArray utf8 = value.toUtf8();
+    if (utf8.contains('\0'))
+        utf8.replace('\0', QByteArray());
+    sqlite3_bind_text(static_cast<sqlite3_stmt *>(m_statement), ++m_place, utf8.constData(),
+                      int(utf8.size()), SQLITE_TRANSIENT);
 }
 
 qint64 DirectAccess::lastInsertId() const

@@ -7,6 +7,22 @@
 
 #include <functional>
 
+/// The places of a statement, filled one after the other. What a place gets is what the same value
+/// would be as a literal.
+class BoundRow
+{
+public:
+    explicit BoundRow(void *statement) : m_statement(statement) {}
+
+    void number(quint64 value) { id(qint64(value)); }
+    void id(qint64 value);
+    void text(const QString &value);
+
+private:
+    void *m_statement;
+    int m_place = 0;
+};
+
 /// Runs statements on Qt's connection by the database library itself. Qt's driver makes an object
 /// of every value and every statement, which takes most of the time where there are ten thousands
 /// of them.
@@ -21,6 +37,7 @@ class DirectAccess
 {
 public:
     using RowFunction = std::function<void(const ResultRow &)>;
+    using FillFunction = std::function<void(qsizetype, BoundRow &)>;
     enum class Rows { All, First };
 
     /// Opens the connection and takes hold of it if possible.
@@ -32,6 +49,10 @@ public:
     /// Runs one statement, in UTF-8 with a NUL behind it. On failure false, with the words of Qt's
     /// driver in `error`. Rows go to `row`, unless that is null.
     bool run(QByteArrayView statement, const RowFunction *row, Rows rows, QString &error) const;
+    /// Runs one statement that gives no rows `count` times; `fill` hears which time it is. Ends
+    /// with the first failure.
+    bool runMany(QByteArrayView statement, qsizetype count, const FillFunction &fill,
+                 QString &error) const;
     [[nodiscard]] qint64 lastInsertId() const;
 
 private:

@@ -526,6 +526,7 @@ private:
                               const SUBINDEX_DATA_T &data);
     static void traceDeviceType(quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
     qsizetype writeBatch(const QList<SubEntry> &entries, qsizetype from, bool &done);
+    qsizetype writeBatchAsText(const QList<SubEntry> &entries, qsizetype from, bool &done);
     qsizetype writeBatch(const QList<IndexEntry> &entries, qsizetype from, bool &done);
     bool writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
     bool writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata);

@@ -186,10 +186,13 @@ qsizetype ObjectDataBase::writeBatch(const QList<IndexEntry> &entries, qsizetype
         if (next != from)
             statement += ',';
         const INDEX_DATA_T &data = entries.at(next).data;
-        RecordColumns::Writer values(statement, d->strings);
+        statement += '(';
+        SqlText::ValueList list(statement);
+        RecordColumns::Writer values(list, d->strings);
         values.intern(std::array{&data.description, &data.name, &data.deviceclass});
         values.key(entries.at(next).index);
         RecordColumns::visit(values, data);
+        statement += ')';
     }
     // A table without the key, as other programs leave behind, takes no such statement.
     const bool written = d->runner.execUtf8(statement + updateOfOthers());

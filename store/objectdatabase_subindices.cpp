@@ -10,6 +10,17 @@
 
 namespace {
 
+template <typename Values>
+void writeSubIndex(Values &list, StringTable &strings, quint16 index, quint8 subindex,
+                   const ObjectDataBase::SUBINDEX_DATA_T &data)
+{
+    RecordColumns::Writer values(list, strings);
+    values.intern(std::array{&data.description, &data.name, &data.denotation});
+    values.key(index);
+    values.key(subindex);
+    RecordColumns::visit(values, data);
+}
+
 QString subTable(quint8 line)
 {
     return SqlText::lineTable("SubObjects", line);
@@ -138,11 +149,10 @@ QList<ObjectDataBase::SubIndexKey> ObjectDataBase::getMappableSubIndices(quint8 
 void ObjectDataBase::appendSubIndexValues(std::string &statement, quint16 index, quint8 subindex,
                                           const SUBINDEX_DATA_T &data)
 {
-    RecordColumns::Writer values(statement, d->strings);
-    values.intern(std::array{&data.description, &data.name, &data.denotation});
-    values.key(index);
-    values.key(subindex);
-    RecordColumns::visit(values, data);
+    statement += '(';
+    SqlText::ValueList values(statement);
+    writeSubIndex(values, d->strings, index, subindex, data);
+    statement += ')';
 }
 
 void ObjectDataBase::traceDeviceType(quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data)
@@ -204,8 +214,35 @@ bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
     return done && committed;
 }
 
-/// Writes neighbouring rows of one line with one statement; gives the place behind the last.
+/// Writes neighbouring rows of one line; gives the place behind the last.
 qsizetype ObjectDataBase::writeBatch(const QList<SubEntry> &entries, qsizetype from, bool &done)
+{
+    if (!d->runner.isDirect())
+        return writeBatchAsText(entries, from, done);
+    const quint8 line = entries.at(from).line;
+    const auto isOther = [line](const SubEntry &entry) { return entry.line != line; };
+    const qsizetype next =
+        std::find_if(entries.begin() + from, entries.end(), isOther) - entries.begin();
+    // One statement for all rows: to read the text of each takes most of the time otherwise.
+    static const std::string places = [] {
+        const auto columns =
+            Schema::columnNames(Schema::table(QStringLiteral("SubObjects"))).size();
+        return '(' + QByteArray("?,").repeated(columns).chopped(1).toStdString() + ')';
+    }();
+    done &= d->runner.execMany(
+        "insert or replace " + d->intoClause("SubObjects", line) + places, next - from,
+        [&](qsizetype row, BoundRow &values) {
+            const SubEntry &entry = entries.at(from + row);
+            traceDeviceType(entry.index, entry.subindex, entry.data);
+            writeSubIndex(values, d->strings, entry.index, entry.subindex, entry.data);
+        },
+        Q_FUNC_INFO);
+    return next;
+}
+
+/// The same with some rows a statement.
+qsizetype ObjectDataBase::writeBatchAsText(const QList<SubEntry> &entries, qsizetype from,
+                                           bool &done)
 {
     constexpr size_t mostText = 200000;
     const quint8 line = entries.at(from).line;

@@ -154,19 +154,13 @@ private:
     int m_column = 0;
 };
 
-/// Writes the values of a row into a statement, in parentheses. Metadata are a matter of their own,
-/// as they have to be bound.
+/// Hands the values of a row on, into the list of a statement or its places. Metadata are a matter
+/// of their own.
+template <typename Values>
 class Writer
 {
 public:
-    Writer(std::string &statement, StringTable &strings)
-        : m_statement(statement), m_strings(strings), m_values(statement)
-    {
-        m_statement += '(';
-    }
-    ~Writer() { m_statement += ')'; }
-    Writer(const Writer &) = delete;
-    Writer &operator=(const Writer &) = delete;
+    Writer(Values &values, StringTable &strings) : m_strings(strings), m_values(values) {}
 
     /// The texts get their ids in this order, whatever that of the columns is.
     template <size_t count>
@@ -196,9 +190,8 @@ public:
     void metaData(const ObjectDataBase::MetaData &) { m_values.number(0); }
 
 private:
-    std::string &m_statement;
     StringTable &m_strings;
-    SqlText::ValueList m_values;
+    Values &m_values;
     std::array<std::pair<const QString *, qint64>, 3> m_ids{};
 };
 

@@ -211,6 +211,15 @@ bool StatementRunner::execUtf8(const std::string &statement, const char *context
     return run(statement, nullptr, Rows::All, context);
 }
 
+bool StatementRunner::execMany(const std::string &statement, qsizetype count,
+                               const DirectAccess::FillFunction &fill, const char *context)
+{
+    const Passage passage(*this);
+    QString error;
+    const bool done = m_direct.runMany(statement, count, fill, error);
+    return finish(done, statement, error, context);
+}
+
 bool StatementRunner::forEachRow(const QString &statement, const RowFunction &row,
                                  const char *context)
 {

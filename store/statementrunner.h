@@ -41,6 +41,10 @@ public:
     bool exec(const QString &statement, const char *context = nullptr);
     /// The same for a statement in UTF-8.
     bool execUtf8(const std::string &statement, const char *context = nullptr);
+    /// Runs a statement once for each of `count` rows, whose places `fill` fills. Only where
+    /// `isDirect`.
+    bool execMany(const std::string &statement, qsizetype count,
+                  const DirectAccess::FillFunction &fill, const char *context = nullptr);
     /// Runs a statement and calls `row` for each of its rows.
     bool forEachRow(const QString &statement, const RowFunction &row,
                     const char *context = nullptr);
