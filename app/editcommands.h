@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/support/basemainform.h"
+#include "gui/basemainform.h"
 
 class QWidget;
 

@@ -1,7 +1,7 @@
 #include "app/generatoroutputform.h"
 
 #include "app/outputmarkup.h"
-#include "app/support/usersettings.h"
+#include "store/usersettings.h"
 
 #include <QAction>
 #include <QClipboard>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/outputlinks.h"
-#include "app/support/basemainform.h"
+#include "gui/basemainform.h"
 
 #include <QList>
 #include <QTimer>

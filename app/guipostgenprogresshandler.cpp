@@ -1,6 +1,6 @@
 #include "app/guipostgenprogresshandler.h"
 
-#include "app/support/guihelper.h"
+#include "gui/guihelper.h"
 
 #include <QCoreApplication>
 #include <QProgressDialog>

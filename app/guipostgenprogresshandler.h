@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generators/postgenprogresshandler.h"
+#include "generation/postgenprogresshandler.h"
 
 #include <QPointer>
 

@@ -1,11 +1,11 @@
 #include "app/latestart.h"
 
-#include "app/edition.h"
 #include "app/vxmmainwindow.h"
 #include "import/basedataimporter.h"
 #include "import/fileimportformat.h"
 #include "import/importhandler.h"
 #include "store/databasemodifier.h"
+#include "store/edition.h"
 
 #include <QCoreApplication>
 #include <QDebug>

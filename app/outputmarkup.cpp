@@ -1,6 +1,6 @@
 #include "app/outputmarkup.h"
 
-#include "generators/plaintextoutputhandler.h"
+#include "generation/plaintextoutputhandler.h"
 
 #include <QBrush>
 #include <QColor>

@@ -1,7 +1,7 @@
 #include "app/pagetable.h"
 
-#include "app/edition.h"
 #include "app/generatoroutputform.h"
+#include "store/edition.h"
 
 #include <array>
 

@@ -1,6 +1,6 @@
 #include "app/recentprojects.h"
 
-#include "app/support/usersettings.h"
+#include "store/usersettings.h"
 
 #include <algorithm>
 

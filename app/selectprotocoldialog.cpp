@@ -1,6 +1,6 @@
 #include "app/selectprotocoldialog.h"
 
-#include "app/support/guihelper.h"
+#include "gui/guihelper.h"
 
 #include <QDialogButtonBox>
 #include <QGridLayout>

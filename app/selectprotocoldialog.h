@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/linetype.h"
+#include "canopen/linetype.h"
 
 #include <QDialog>
 

@@ -1,14 +1,14 @@
 #include "app/startsequence.h"
 
-#include "app/edition.h"
 #include "app/startoptions.h"
-#include "app/support/displaychoice.h"
-#include "app/support/tolvexbaseapplication.h"
-#include "app/support/usersettings.h"
 #include "app/vxmmainwindow.h"
+#include "gui/displaychoice.h"
+#include "gui/tolvexbaseapplication.h"
 #include "resources/codb/standardprofiles.h"
 #include "resources/templates/projecttemplates.h"
+#include "store/edition.h"
 #include "store/objectdatabase.h"
+#include "store/usersettings.h"
 
 #include <QFileInfo>
 #include <QTimer>

@@ -2,13 +2,13 @@
 
 #include "app/generatoroutputform.h"
 #include "app/pagetable.h"
-#include "app/support/editionicon.h"
-#include "app/support/guihelper.h"
-#include "app/support/lineicon.h"
-#include "app/support/usersettings.h"
+#include "canopen/linetype.h"
+#include "gui/editionicon.h"
+#include "gui/guihelper.h"
+#include "gui/lineicon.h"
 #include "import/codbimporter.h"
-#include "store/linetype.h"
 #include "store/undomanager.h"
+#include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "app/startoptions.h"
-#include "generators/generatormainhandler.h"
+#include "generation/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QFont>

@@ -1,16 +1,16 @@
 #include "app/vxmmainwindow.h"
 
-#include "app/edition.h"
 #include "app/generatoroutputform.h"
 #include "app/guioutputhandler.h"
 #include "app/guipostgenprogresshandler.h"
 #include "app/latestart.h"
 #include "app/pagetable.h"
-#include "app/support/basemainform.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
-#include "generators/plaintextoutputhandler.h"
+#include "generation/plaintextoutputhandler.h"
+#include "gui/basemainform.h"
+#include "gui/guihelper.h"
+#include "store/edition.h"
 #include "store/undomanager.h"
+#include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>

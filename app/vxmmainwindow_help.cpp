@@ -1,12 +1,12 @@
 #include "app/vxmmainwindow.h"
 
 #include "app/editcommands.h"
-#include "app/support/aboutdialog.h"
-#include "app/support/guihelper.h"
-#include "app/support/lineicon.h"
-#include "app/support/manualhandler.h"
-#include "app/support/newupdatechecker.h"
-#include "app/support/usersettings.h"
+#include "gui/aboutdialog.h"
+#include "gui/guihelper.h"
+#include "gui/lineicon.h"
+#include "gui/manualhandler.h"
+#include "gui/newupdatechecker.h"
+#include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>

@@ -3,14 +3,14 @@
 #include "app/documentexport.h"
 #include "app/generatoroutputform.h"
 #include "app/pagetable.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
 #include "app/vxmmainwindow.h"
+#include "canopen/linetype.h"
+#include "gui/guihelper.h"
 #include "import/codbimporter.h"
-#include "odeditor/fileimportdialog.h"
+#include "importgui/fileimportdialog.h"
 #include "resources/codb/standardprofiles.h"
-#include "store/linetype.h"
 #include "store/undomanager.h"
+#include "store/usersettings.h"
 
 #include <QApplication>
 #include <QDir>

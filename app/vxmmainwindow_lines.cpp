@@ -1,9 +1,9 @@
 #include "app/vxmmainwindow.h"
 
-#include "app/edition.h"
 #include "app/selectprotocoldialog.h"
-#include "app/support/guihelper.h"
-#include "store/linetype.h"
+#include "canopen/linetype.h"
+#include "gui/guihelper.h"
+#include "store/edition.h"
 #include "ui_vxmmainwindow.h"
 
 #include <algorithm>

@@ -1,9 +1,9 @@
 #include "app/vxmmainwindow.h"
 
 #include "app/exampleprojects.h"
-#include "app/support/fileviewerdialog.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
+#include "gui/fileviewerdialog.h"
+#include "gui/guihelper.h"
+#include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QDir>

@@ -1,9 +1,9 @@
 #include "benchmarks/benchmarksupport.h"
 #include "check/modelchecker.h"
 #include "documents/edsgenerator.h"
-#include "generators/canopen/gendefinegenerator.h"
-#include "generators/canopen/indicesgenerator.h"
 #include "generators/canopen/objdictgeneratorv4.h"
+#include "generators/define/gendefinegenerator.h"
+#include "generators/headers/indicesgenerator.h"
 #include "store/objectdatabase.h"
 
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 #include "benchmarks/benchmarksupport.h"
 #include "benchmarks/syntheticeds.h"
+#include "canopen/edsparser.h"
 #include "import/csvimporter.h"
 #include "import/edsimporter.h"
 #include "import/fileimport.h"
-#include "store/canopen/edsparser.h"
 #include "store/objectdatabase.h"
 
 #include <QEventLoop>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/canopen/pdomapping.h"
+#include "canopen/pdomapping.h"
 
 #include <QString>
 #include <QtGlobal>

@@ -1,8 +1,8 @@
+#include "canopen/canopentypes.h"
+#include "canopen/cohelper.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
-#include "store/canopen/canopentypes.h"
-#include "store/canopen/cohelper.h"
 #include "store/objectdatabase.h"
 
 #include <QMap>

@@ -1,8 +1,8 @@
 #include "check/projectchecks.h"
 
+#include "canopen/canopentypes.h"
 #include "check/modelchecker.h"
 #include "check/valuetext.h"
-#include "store/canopen/canopentypes.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>

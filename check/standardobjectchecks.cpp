@@ -1,7 +1,7 @@
+#include "canopen/canopentypes.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
-#include "store/canopen/canopentypes.h"
 #include "store/objectdatabase.h"
 
 #include <array>

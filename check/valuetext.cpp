@@ -1,6 +1,6 @@
 #include "check/valuetext.h"
 
-#include "store/canopen/canopentypes.h"
+#include "canopen/canopentypes.h"
 
 #include <QRegularExpression>
 #include <QStringList>

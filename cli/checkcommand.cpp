@@ -4,8 +4,8 @@
 #include "cli/checkreport.h"
 #include "cli/console.h"
 #include "cli/projectaccess.h"
-#include "generators/generatormainhandler.h"
-#include "generators/plaintextoutputhandler.h"
+#include "generation/generatormainhandler.h"
+#include "generation/plaintextoutputhandler.h"
 
 #include <QFileInfo>
 

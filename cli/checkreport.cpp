@@ -1,7 +1,7 @@
 #include "cli/checkreport.h"
 
 #include "check/warninggroups.h"
-#include "generators/plaintextoutputhandler.h"
+#include "generation/plaintextoutputhandler.h"
 
 #include <QHash>
 #include <QRegularExpression>

@@ -2,8 +2,8 @@
 
 #include "cli/console.h"
 #include "cli/projectaccess.h"
-#include "generators/generatormainhandler.h"
-#include "generators/plaintextoutputhandler.h"
+#include "generation/generatormainhandler.h"
+#include "generation/plaintextoutputhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>

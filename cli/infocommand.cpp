@@ -3,7 +3,7 @@
 #include "check/modelchecker.h"
 #include "cli/console.h"
 #include "cli/projectaccess.h"
-#include "generators/runfacts.h"
+#include "generation/runfacts.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>

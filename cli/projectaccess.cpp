@@ -1,6 +1,6 @@
 #include "cli/projectaccess.h"
 
-#include "generators/generatormainhandler.h"
+#include "generation/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>

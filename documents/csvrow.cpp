@@ -1,8 +1,8 @@
 #include "documents/csvrow.h"
 
-#include "store/canopen/canopentypes.h"
-#include "store/canopen/cohelper.h"
-#include "store/canopen/helper.h"
+#include "canopen/canopentypes.h"
+#include "canopen/cohelper.h"
+#include "canopen/helper.h"
 
 #include <algorithm>
 

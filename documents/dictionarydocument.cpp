@@ -1,7 +1,7 @@
 #include "documents/dictionarydocument.h"
 
-#include "store/canopen/cohelper.h"
-#include "store/canopen/helper.h"
+#include "canopen/cohelper.h"
+#include "canopen/helper.h"
 
 #include <QDebug>
 #include <QScopeGuard>

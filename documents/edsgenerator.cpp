@@ -1,8 +1,8 @@
 #include "documents/edsgenerator.h"
 
+#include "canopen/helper.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/generationclock.h"
-#include "store/canopen/helper.h"
 
 #include <QCoreApplication>
 #include <QDebug>

@@ -1,8 +1,8 @@
 #include "documents/htmlgenerator.h"
 
+#include "canopen/cohelper.h"
 #include "documents/htmlpage.h"
 #include "generators/base/codewriter.h"
-#include "store/canopen/cohelper.h"
 
 namespace {
 

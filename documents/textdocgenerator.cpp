@@ -1,7 +1,7 @@
 #include "documents/textdocgenerator.h"
 
+#include "canopen/cohelper.h"
 #include "generators/base/codewriter.h"
-#include "store/canopen/cohelper.h"
 
 #include <cstring>
 

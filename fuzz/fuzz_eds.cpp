@@ -1,4 +1,4 @@
-#include "store/canopen/edsparser.h"
+#include "canopen/edsparser.h"
 
 #include <QByteArray>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "store/canopen/canopenindex.h"
-#include "store/canopen/canopensubindex.h"
+#include "canopen/canopenindex.h"
+#include "canopen/canopensubindex.h"
 
 #include <QObject>
 #include <QString>

@@ -1,6 +1,6 @@
 #include "import/codbimporterline.h"
 
-#include "store/canopen/cohelper.h"
+#include "canopen/cohelper.h"
 
 #include <QRegularExpression>
 

@@ -1,9 +1,9 @@
 #include "import/csvimporter.h"
 
+#include "canopen/cohelper.h"
+#include "canopen/wordtable.h"
 #include "import/csvimporterreader.h"
 #include "import/objectwriter.h"
-#include "store/canopen/cohelper.h"
-#include "store/canopen/wordtable.h"
 
 #include <algorithm>
 #include <utility>

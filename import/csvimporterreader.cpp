@@ -1,6 +1,6 @@
 #include "import/csvimporterreader.h"
 
-#include "store/canopen/helper.h"
+#include "canopen/helper.h"
 
 #include <QCoreApplication>
 #include <QFile>

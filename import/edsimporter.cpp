@@ -1,9 +1,9 @@
 #include "import/edsimporter.h"
 
+#include "canopen/cohelper.h"
+#include "canopen/edsparser.h"
 #include "import/objectwriter.h"
 #include "import/pdocompletion.h"
-#include "store/canopen/cohelper.h"
-#include "store/canopen/edsparser.h"
 
 #include <array>
 

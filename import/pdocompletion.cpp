@@ -1,6 +1,6 @@
 #include "import/pdocompletion.h"
 
-#include "store/canopen/cohelper.h"
+#include "canopen/cohelper.h"
 
 #include <algorithm>
 #include <array>

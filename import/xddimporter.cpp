@@ -1,8 +1,8 @@
 #include "import/xddimporter.h"
 
+#include "canopen/cohelper.h"
 #include "import/objectwriter.h"
 #include "import/xmlguard.h"
-#include "store/canopen/cohelper.h"
 
 #include <QDebug>
 #include <QFile>

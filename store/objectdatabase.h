@@ -1,8 +1,8 @@
 #pragma once
 
-#include "store/canopen/canopentypes.h"
-#include "store/canopen/pdomapping.h"
-#include "store/udssid.h"
+#include "canopen/canopentypes.h"
+#include "canopen/pdomapping.h"
+#include "canopen/udssid.h"
 
 #include <QList>
 #include <QMap>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/canopen/cohelper.h"
+#include "canopen/cohelper.h"
 
 #include <QList>
 

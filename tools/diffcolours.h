@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/core/projectdifference.h"
+#include "compare/projectdifference.h"
 
 #include <QColor>
 #include <QIcon>

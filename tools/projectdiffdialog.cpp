@@ -1,6 +1,6 @@
 #include "tools/projectdiffdialog.h"
 
-#include "store/linetype.h"
+#include "canopen/linetype.h"
 #include "tools/diffcolours.h"
 #include "tools/rowcopy.h"
 #include "ui_projectdiffdialog.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "tools/core/projectcomparison.h"
+#include "compare/projectcomparison.h"
 
 #include <QDialog>
 

@@ -1,6 +1,6 @@
 #include "tools/rowcopy.h"
 
-#include "app/support/lineicon.h"
+#include "gui/lineicon.h"
 
 #include <QAbstractItemView>
 #include <QAction>

@@ -1,6 +1,6 @@
 #include "generators/canopen/objdictcontext.h"
 
-#include "store/canopen/canopentypes.h"
+#include "canopen/canopentypes.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "generators/base/dictionaryfacts.h"
 #include "generators/base/stackdialect.h"
-#include "generators/canopen/dictionaryfacts.h"
 
 #include <QByteArray>
 

@@ -1,5 +1,6 @@
 #include "generators/canopen/objdictgenerator.h"
 
+#include "canopen/canopentypes.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/outputfile.h"
 #include "generators/canopen/objdictcobids.h"
@@ -8,7 +9,6 @@
 #include "generators/canopen/objdictpdotables.h"
 #include "generators/canopen/objdictrows.h"
 #include "generators/canopen/objdicttables.h"
-#include "store/canopen/canopentypes.h"
 #include "store/objectdatabase.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #include "generators/canopen/objdictindications.h"
 
-#include "generators/canopen/indicationtable.h"
+#include "generators/base/indicationtable.h"
 
 #include <array>
 

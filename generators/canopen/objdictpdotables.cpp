@@ -1,7 +1,7 @@
 #include "generators/canopen/objdictpdotables.h"
 
+#include "canopen/canopentypes.h"
 #include "generators/base/codewriter.h"
-#include "store/canopen/canopentypes.h"
 
 #include <algorithm>
 

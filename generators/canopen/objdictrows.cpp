@@ -1,7 +1,7 @@
 #include "generators/canopen/objdictrows.h"
 
+#include "canopen/canopentypes.h"
 #include "generators/base/codewriter.h"
-#include "store/canopen/canopentypes.h"
 
 #include <array>
 #include <charconv>

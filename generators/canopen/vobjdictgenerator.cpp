@@ -1,11 +1,11 @@
 #include "generators/canopen/vobjdictgenerator.h"
 
+#include "canopen/canopentypes.h"
 #include "generators/base/codewriter.h"
-#include "generators/canopen/dictionaryfacts.h"
+#include "generators/base/dictionaryfacts.h"
 #include "generators/canopen/objdictcontext.h"
 #include "generators/canopen/objdicthead.h"
 #include "generators/canopen/objdictrows.h"
-#include "store/canopen/canopentypes.h"
 #include "store/objectdatabase.h"
 
 #include <QFileInfo>

@@ -1,8 +1,8 @@
 #include "resources/builder/sourcereader.h"
 
+#include "canopen/cohelper.h"
 #include "resources/builder/sourcelexer.h"
 #include "resources/builder/subindexparser.h"
-#include "store/canopen/cohelper.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
 #include "resources/builder/subindexparser.h"
 
+#include "canopen/cohelper.h"
 #include "resources/builder/valuecheck.h"
-#include "store/canopen/cohelper.h"
 
 #include <QSet>
 

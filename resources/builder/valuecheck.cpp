@@ -1,6 +1,6 @@
 #include "resources/builder/valuecheck.h"
 
-#include "store/canopen/cohelper.h"
+#include "canopen/cohelper.h"
 
 #include <QRegularExpression>
 

@@ -1,4 +1,4 @@
-#include "app/support/guihelper.h"
+#include "gui/guihelper.h"
 #include "tests/app/windowtest.h"
 
 #include <QCheckBox>

@@ -1,9 +1,9 @@
 #include "app/generatoroutputform.h"
 #include "app/guioutputhandler.h"
 #include "app/guipostgenprogresshandler.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
 #include "app/vxmmainwindow.h"
+#include "gui/guihelper.h"
+#include "store/usersettings.h"
 
 #include <QAction>
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "app/startoptions.h"
-#include "app/support/guihelper.h"
 #include "app/vxmmainwindow.h"
+#include "gui/guihelper.h"
 #include "resources/codb/standardprofiles.h"
 
 #include <QSignalSpy>

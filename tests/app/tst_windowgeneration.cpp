@@ -1,6 +1,6 @@
 #include "app/generatoroutputform.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
+#include "gui/guihelper.h"
+#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
 #include <QAction>

@@ -1,4 +1,4 @@
-#include "app/support/guihelper.h"
+#include "gui/guihelper.h"
 #include "resources/codb/standardprofiles.h"
 #include "tests/app/windowtest.h"
 

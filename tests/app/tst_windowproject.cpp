@@ -1,7 +1,7 @@
 #include "app/recentprojects.h"
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
-#include "store/linetype.h"
+#include "canopen/linetype.h"
+#include "gui/guihelper.h"
+#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
 #include <QMessageBox>

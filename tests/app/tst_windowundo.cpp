@@ -1,5 +1,5 @@
-#include "app/support/guihelper.h"
-#include "app/support/usersettings.h"
+#include "gui/guihelper.h"
+#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
 #include <QAction>

@@ -1,9 +1,9 @@
 #include "tests/app/windowtest.h"
 
-#include "app/support/guihelper.h"
-#include "app/support/tolvexbaseapplication.h"
-#include "app/support/usersettings.h"
+#include "gui/guihelper.h"
+#include "gui/tolvexbaseapplication.h"
 #include "resources/templates/projecttemplates.h"
+#include "store/usersettings.h"
 
 #include <QAction>
 #include <QPushButton>

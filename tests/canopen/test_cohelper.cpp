@@ -1,4 +1,4 @@
-#include "store/canopen/cohelper.h"
+#include "canopen/cohelper.h"
 
 #include <QSet>
 #include <QTest>

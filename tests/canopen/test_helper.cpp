@@ -1,4 +1,4 @@
-#include "store/canopen/helper.h"
+#include "canopen/helper.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,7 +1,7 @@
+#include "canopen/helper.h"
 #include "documents/csvgenerator.h"
 #include "documents/csvrow.h"
 #include "documents/icsvgenerator.h"
-#include "store/canopen/helper.h"
 #include "tests/documents/textdocproject.h"
 
 using Entry = DocumentProject::Entry;

@@ -1,8 +1,8 @@
+#include "canopen/cohelper.h"
 #include "documents/csvgenerator.h"
 #include "documents/icsvgenerator.h"
 #include "import/csvimporter.h"
 #include "import/csvimporterreader.h"
-#include "store/canopen/cohelper.h"
 #include "tests/documents/textdocproject.h"
 
 using Entry = DocumentProject::Entry;

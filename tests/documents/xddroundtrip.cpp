@@ -1,7 +1,7 @@
+#include "canopen/cohelper.h"
+#include "canopen/helper.h"
 #include "documents/xddgenerator.h"
 #include "import/xddimporter.h"
-#include "store/canopen/cohelper.h"
-#include "store/canopen/helper.h"
 #include "tests/documents/textdocproject.h"
 
 using Entry = DocumentProject::Entry;

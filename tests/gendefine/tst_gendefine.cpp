@@ -1,7 +1,7 @@
 #include "tests/gendefine/generatedheaders.h"
 
-#include "generators/canopen/definefacts.h"
-#include "generators/canopen/gendefinegenerator.h"
+#include "generators/define/definefacts.h"
+#include "generators/define/gendefinegenerator.h"
 
 #include <QCoreApplication>
 #include <QTest>

@@ -1,12 +1,12 @@
 #include "tests/gendefine/generatedheaders.h"
 
-#include "generators/canopen/extdeclgeneratorv4.h"
-#include "generators/canopen/gendefinegenerator.h"
-#include "generators/canopen/indicationgeneratorv4.h"
-#include "generators/canopen/indicationtable.h"
-#include "generators/canopen/indicesgenerator.h"
+#include "generators/base/indicationtable.h"
 #include "generators/canopen/objdictgeneratorv4.h"
 #include "generators/canopen/vobjdictgeneratorv4.h"
+#include "generators/define/gendefinegenerator.h"
+#include "generators/headers/extdeclgeneratorv4.h"
+#include "generators/headers/indicationgeneratorv4.h"
+#include "generators/headers/indicesgenerator.h"
 
 #include <QProcess>
 #include <QTest>

@@ -1,9 +1,9 @@
 #include "tests/gendefine/generatedheaders.h"
 
-#include "generators/canopen/indicationgenerator.h"
-#include "generators/canopen/indicationgeneratorv4.h"
-#include "generators/canopen/indicesgenerator.h"
 #include "generators/canopen/propswriter.h"
+#include "generators/headers/indicationgenerator.h"
+#include "generators/headers/indicationgeneratorv4.h"
+#include "generators/headers/indicesgenerator.h"
 
 #include <QRegularExpression>
 #include <QTest>

@@ -1,7 +1,7 @@
 #include "tests/gendefine/generatedheaders.h"
 
-#include "generators/canopen/gendefinegenerator.h"
-#include "tests/generators/filesizelimit.h"
+#include "generators/define/gendefinegenerator.h"
+#include "tests/support/filesizelimit.h"
 
 #include <QDir>
 #include <QTest>

@@ -1,7 +1,7 @@
 #include "tests/generatedc/expectedobjects.h"
 
-#include "store/canopen/canopentypes.h"
-#include "store/canopen/cohelper.h"
+#include "canopen/canopentypes.h"
+#include "canopen/cohelper.h"
 
 #include <QRegularExpression>
 

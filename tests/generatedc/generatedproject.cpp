@@ -1,14 +1,14 @@
 #include "tests/generatedc/generatedproject.h"
 
-#include "generators/canopen/codefinegenerator.h"
-#include "generators/canopen/gendefinegenerator.h"
-#include "generators/canopen/indicationgenerator.h"
-#include "generators/canopen/indicationgeneratorv4.h"
-#include "generators/canopen/indicesgenerator.h"
 #include "generators/canopen/objdictgenerator.h"
 #include "generators/canopen/objdictgeneratorv4.h"
 #include "generators/canopen/vobjdictgenerator.h"
 #include "generators/canopen/vobjdictgeneratorv4.h"
+#include "generators/define/codefinegenerator.h"
+#include "generators/define/gendefinegenerator.h"
+#include "generators/headers/indicationgenerator.h"
+#include "generators/headers/indicationgeneratorv4.h"
+#include "generators/headers/indicesgenerator.h"
 
 #include <QFile>
 #include <QFileInfo>

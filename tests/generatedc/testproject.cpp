@@ -1,6 +1,6 @@
 #include "tests/generatedc/testproject.h"
 
-#include "store/canopen/canopentypes.h"
+#include "canopen/canopentypes.h"
 
 namespace {
 

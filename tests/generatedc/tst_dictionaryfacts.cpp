@@ -1,6 +1,6 @@
-#include "generators/canopen/dictionaryfacts.h"
-#include "generators/canopen/dictionaryfactsspecifiers.h"
-#include "store/canopen/canopentypes.h"
+#include "canopen/canopentypes.h"
+#include "generators/base/dictionaryfacts.h"
+#include "generators/base/dictionaryfactsspecifiers.h"
 #include "tests/generatedc/testproject.h"
 
 #include <QTest>

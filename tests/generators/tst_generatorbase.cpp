@@ -4,7 +4,7 @@
 #include "generators/base/generationclock.h"
 #include "generators/base/outputfile.h"
 #include "store/objectdatabase.h"
-#include "tests/generators/filesizelimit.h"
+#include "tests/support/filesizelimit.h"
 
 #include <QBuffer>
 #include <QFile>

@@ -1,5 +1,5 @@
-#include "generators/generatormainhandler.h"
-#include "generators/plaintextoutputhandler.h"
+#include "generation/generatormainhandler.h"
+#include "generation/plaintextoutputhandler.h"
 #include "resources/builder/datawriter.h"
 #include "resources/builder/sourcereader.h"
 #include "store/objectdatabase.h"

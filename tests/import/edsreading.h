@@ -1,8 +1,8 @@
 #pragma once
 
-#include "store/canopen/canopenindex.h"
-#include "store/canopen/canopensubindex.h"
-#include "store/canopen/edsparser.h"
+#include "canopen/canopenindex.h"
+#include "canopen/canopensubindex.h"
+#include "canopen/edsparser.h"
 
 #include <QList>
 

@@ -1,9 +1,9 @@
 #include "importsupport.h"
 
+#include "canopen/cohelper.h"
 #include "check/modelchecker.h"
 #include "documents/edsgenerator.h"
 #include "import/edsimporter.h"
-#include "store/canopen/cohelper.h"
 
 #include <QSignalSpy>
 #include <QTest>

@@ -1,6 +1,6 @@
+#include "canopen/cohelper.h"
 #include "import/codbimporterline.h"
 #include "resources/codb/standardprofiles.h"
-#include "store/canopen/cohelper.h"
 #include "store/objectdatabase.h"
 
 #include <QDir>

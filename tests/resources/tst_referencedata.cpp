@@ -1,8 +1,8 @@
+#include "canopen/cohelper.h"
 #include "check/modelchecker.h"
 #include "resources/builder/datawriter.h"
 #include "resources/builder/sourcereader.h"
 #include "resources/templates/projecttemplates.h"
-#include "store/canopen/cohelper.h"
 #include "store/objectdatabase.h"
 
 #include <QProcess>

@@ -1,0 +1,333 @@
+#include "generators/define/definefacts.h"
+
+#include "canopen/cohelper.h"
+#include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
+#include "generators/define/definecobs.h"
+#include "store/objectdatabase.h"
+
+#include <QRegularExpression>
+
+#include <algorithm>
+#include <numeric>
+
+namespace {
+
+using Line = DefineFacts::Line;
+
+constexpr quint16 deviceType = 0x1000;
+constexpr quint16 storeObject = 0x1010;
+constexpr quint16 restoreObject = 0x1011;
+constexpr quint16 activeErrorHistory = 0x1032;
+constexpr quint16 routingObject = 0x1F2C;
+constexpr quint16 nmtStartup = 0x1F80;
+constexpr quint64 flyingMasterBit = 1u << 5; // CiA 302-2
+constexpr quint16 carProfile = 447;
+constexpr quint16 virtualFunctionObject = 0x6000;
+constexpr quint32 addressClaim = 60928;
+
+/// A function or a pointer to one, as "&getNodeId"; what is no plain expression becomes a name.
+QString functionText(const QString &text)
+{
+    static const QRegularExpression expression(QStringLiteral("^[&*]*[A-Za-z_][A-Za-z0-9_]*$"));
+    const QString function = text.trimmed();
+    if (function.isEmpty())
+        return QStringLiteral("NULL");
+    return expression.match(function).hasMatch() ? function : CodeWriter::identifier(function);
+}
+
+class Collector
+{
+public:
+    Collector(ObjectDataBase &store, bool isV4) : m_store(store), m_settings(store), m_isV4(isV4) {}
+
+    DefineFacts run(const std::function<bool()> &stop);
+
+private:
+    void selectLines();
+    void collectLine(Line &line);
+    void collectSettings(Line &line);
+    void collectPgns(Line &line);
+    void countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn);
+    [[nodiscard]] bool isLong(quint8 line, const ObjectDataBase::PGN &pgn);
+    void collectProfiles();
+    [[nodiscard]] bool hasFlyingMaster() const;
+    [[nodiscard]] quint32 entries(quint8 line, quint16 index) const;
+    [[nodiscard]] quint64 value(quint8 line, quint16 index, quint8 sub) const;
+    /// A buffer can't be empty, so what is not set gets the size that the form offers.
+    [[nodiscard]] quint32 bufferSize(const QString &key, quint8 line, quint32 offered) const;
+
+    ObjectDataBase &m_store;
+    DefineSettings m_settings;
+    bool m_isV4;
+    DefineFacts m_facts;
+};
+
+DefineFacts Collector::run(const std::function<bool()> &stop)
+{
+    m_facts.dictionary = DictionaryFacts::collect(
+        m_store, DictionaryOptions::of(m_store, /*addressRows=*/!m_isV4), stop);
+    m_facts.fdMode = m_settings.isOn(QStringLiteral("canfd_supported"));
+    m_facts.hasUds = CommonGeneratorHelper(&m_store).hasUds();
+    selectLines();
+    m_facts.isMaster = std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [&](const Line &l) {
+        return m_settings.lineNumber(QStringLiteral("nmtmaster"), l.line) > 0;
+    });
+    m_facts.hasFlyingMaster = hasFlyingMaster();
+    for (Line &line : m_facts.lines) {
+        collectLine(line);
+        m_facts.hasUsdoServer |= line.usdoServers > 0;
+        m_facts.hasUsdoClient |= line.usdoClients > 0;
+    }
+    collectProfiles();
+    for (Line &line : m_facts.lines)
+        line.cobs = DefineCobs::count(m_facts, line, m_settings);
+    return std::move(m_facts);
+}
+
+/// All lines of a project that mixes protocols. Where there is only CANopen, a line without
+/// objects is left out, as it is in the dictionary.
+void Collector::selectLines()
+{
+    const QList<quint8> all = CommonGeneratorHelper(&m_store).lines();
+    for (const quint8 number : all) {
+        Line line;
+        line.line = number;
+        const int type = m_store.getLineType(number);
+        const DictionaryFacts::LineCounts *counts = m_facts.dictionary.countsOf(number);
+        if (counts)
+            line.counts = *counts;
+        // A line whose type was never set is what its objects make it.
+        line.hasCANopen = type == 1 || type == 5 || type == 6 || (type == 0 && line.counts.objects);
+        line.hasJ1939 = type == 2 || type == 5 || type == 7;
+        line.hasRawCAN = type == 4 || type == 6 || type == 7;
+        m_facts.lines.append(line);
+    }
+    m_facts.hasCANopen = m_facts.any(&Line::hasCANopen);
+    if (m_facts.hasCANopen && !m_facts.any(&Line::hasJ1939) && !m_facts.any(&Line::hasRawCAN)) {
+        m_facts.lines.removeIf([this](const Line &line) {
+            return !m_facts.dictionary.activeLines.contains(line.line);
+        });
+    }
+    if (m_facts.lines.isEmpty())
+        m_facts.lines.append(Line());
+    m_facts.lineForm = m_facts.lines.size() > 1 || m_facts.dictionary.lineForm;
+}
+
+quint32 Collector::entries(quint8 line, quint16 index) const
+{
+    const DictionaryFacts::Object *object = m_facts.dictionary.findObject(line, index);
+    return object ? quint32(std::max(object->subCount - 1, 0)) : 0;
+}
+
+quint64 Collector::value(quint8 line, quint16 index, quint8 sub) const
+{
+    const DictionaryFacts::Entry *entry = m_facts.dictionary.find(line, index, sub);
+    return entry ? entry->value : 0;
+}
+
+quint32 Collector::bufferSize(const QString &key, quint8 line, quint32 offered) const
+{
+    const quint32 size = m_settings.lineNumber(key, line);
+    return size > 0 ? size : offered;
+}
+
+void Collector::collectLine(Line &line)
+{
+    collectSettings(line);
+    const quint8 number = line.line;
+    line.profile = quint32(value(number, deviceType, m_facts.fdMode ? 1 : 0) & 0xFFFF);
+    line.activeErrorHistory = entries(number, activeErrorHistory);
+    line.storeEntries = std::max(entries(number, storeObject), entries(number, restoreObject));
+    line.routings = m_settings.lineNumber(QStringLiteral("routing_counts"), number);
+    if (m_isV4)
+        line.routings = std::max(line.routings, entries(number, routingObject));
+    const quint32 chosen = m_settings.lineNumber(QStringLiteral("max_slave_assignment"), number);
+    const auto possible = quint32(line.counts.slaveAssignments);
+    line.maximumAssignments = chosen > 0 ? std::min(chosen, possible) : possible;
+    if (line.hasJ1939)
+        collectPgns(line);
+    if (line.hasRawCAN) {
+        line.receiveCanIds = quint32(m_store.getCANIDList(number, ObjectDataBase::receive).size());
+        line.transmitCanIds =
+            quint32(m_store.getCANIDList(number, ObjectDataBase::transmit).size());
+    }
+}
+
+void Collector::collectSettings(Line &line)
+{
+    const quint8 number = line.line;
+    const auto setting = [&](const char *key) {
+        return m_settings.lineNumber(QLatin1String(key), number);
+    };
+    constexpr quint32 offeredReceiveSize = 10;
+    constexpr quint32 offeredTransmitSize = 5;
+    line.receiveBuffers =
+        bufferSize(QStringLiteral("receivebuffersize"), number, offeredReceiveSize);
+    line.transmitBuffers =
+        bufferSize(QStringLiteral("transmitbuffersize"), number, offeredTransmitSize);
+    if (setting("usdo_server_enabled") > 0)
+        line.usdoServers = setting("usdo_server_cnt");
+    if (setting("usdo_client_enabled") > 0)
+        line.usdoClients = setting("usdo_client_cnt");
+    line.hasUdsServer = setting("udsserver_supported") > 0;
+    line.hasUdsClient = setting("udsclient_supported") > 0;
+    line.udsClients = line.hasUdsClient ? setting("uds_client_cnt") : 0;
+    line.isoTpClients = setting("isotp_client_con") + line.udsClients;
+    line.isoTpServers = setting("isotp_server_con");
+    line.nodeId = setting("co_node_id");
+    line.nodeIdFunction =
+        functionText(m_settings.lineText(QStringLiteral("co_node_id_fct"), number));
+}
+
+void Collector::countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn)
+{
+    constexpr quint8 fewestSources = 2;
+    ++line.receivePgnConfigs;
+    line.receivePgns += std::max<quint8>(pgn.multiSourceAddress, 1);
+    line.hasMultiSourcePgns |= pgn.multiSourceAddress >= fewestSources;
+}
+
+/// Safety messages are data of their own, and the stack brings the address claim.
+void Collector::collectPgns(Line &line)
+{
+    const bool hasSafety = m_settings.isJ1939On(QStringLiteral("safetysupport"));
+    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+        const bool isReceive = direction == ObjectDataBase::receive;
+        for (const quint32 number : m_store.getPGNList(line.line, direction)) {
+            ObjectDataBase::PGN pgn;
+            if (!m_store.getPGN(line.line, number, direction, pgn) ||
+                (!isReceive && number == addressClaim))
+                continue;
+            if (hasSafety && pgn.isSafe)
+                ++(isReceive ? line.safeReceivePgns : line.safeTransmitPgns);
+            else if (isReceive)
+                countReceivePgn(line, pgn);
+            else
+                ++line.transmitPgns;
+            line.hasLongPgns |= isLong(line.line, pgn);
+        }
+    }
+}
+
+bool Collector::isLong(quint8 line, const ObjectDataBase::PGN &pgn)
+{
+    constexpr int frameBits = 64;
+    for (const quint32 number : m_store.getSPNList(line, pgn.number, pgn.direction)) {
+        ObjectDataBase::SPN spn;
+        if (!m_store.getSPN(line, pgn.number, pgn.direction, number, spn))
+            continue;
+        const int length = std::max<int>(COHelper::getDataLengthBits(spn.dataType), spn.bitSize);
+        if (spn.bitPosition + length > frameBits)
+            return true;
+    }
+    return false;
+}
+
+void Collector::collectProfiles()
+{
+    for (const Line &line : std::as_const(m_facts.lines)) {
+        if (line.profile > 0 && !m_facts.profiles.contains(line.profile))
+            m_facts.profiles.append(line.profile);
+        if (line.profile == carProfile)
+            m_facts.virtualFunctions |= (value(line.line, virtualFunctionObject, 1) & 0xFFFFFFFF) |
+                                        value(line.line, virtualFunctionObject, 2) << 32;
+    }
+}
+
+bool Collector::hasFlyingMaster() const
+{
+    if (!m_isV4)
+        return m_settings.isOn(QStringLiteral("flyma_supported"));
+    return m_facts.isMaster &&
+           std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [this](const Line &line) {
+               return value(line.line, nmtStartup, 0) & flyingMasterBit;
+           });
+}
+
+} // namespace
+
+// --- Settings ------------------------------------------------------------------------------------
+
+QString DefineSettings::text(const QString &key) const
+{
+    return m_store.getGeneralSetting(key);
+}
+
+quint32 DefineSettings::number(const QString &key) const
+{
+    return toNumber(text(key));
+}
+
+QString DefineSettings::lineText(const QString &key, quint8 line) const
+{
+    return m_store.getGeneralLineSetting(key, line);
+}
+
+quint32 DefineSettings::lineNumber(const QString &key, quint8 line) const
+{
+    return toNumber(lineText(key, line));
+}
+
+quint32 DefineSettings::j1939Number(const QString &key) const
+{
+    return toNumber(m_store.getJ1939Setting(key));
+}
+
+quint32 DefineSettings::toNumber(const QString &text)
+{
+    QString digits = text.trimmed();
+    // "1,0" of a value that has one item a line, asked for the project: on if the first one is.
+    if (const qsizetype comma = digits.indexOf(QLatin1Char(',')); comma >= 0)
+        digits = digits.first(comma).trimmed();
+    bool ok = false;
+    quint32 value = digits.toUInt(&ok, 0);
+    // A leading zero is no octal mark for who types "08" into a field of numbers.
+    if (!ok || (digits.startsWith(QLatin1Char('0')) &&
+                !digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)))
+        value = digits.toUInt(&ok, 10);
+    return ok ? value : 0;
+}
+
+// --- Sums ----------------------------------------------------------------------------------------
+
+quint64 DefineFacts::sum(quint32 Line::*count) const
+{
+    return std::accumulate(
+        lines.begin(), lines.end(), quint64(0),
+        [count](quint64 total, const Line &line) { return total + line.*count; });
+}
+
+quint64 DefineFacts::sum(int DictionaryFacts::LineCounts::*count) const
+{
+    const QList<quint32> values = list(count);
+    return std::accumulate(values.begin(), values.end(), quint64(0));
+}
+
+QList<quint32> DefineFacts::list(quint32 Line::*count) const
+{
+    QList<quint32> values;
+    for (const Line &line : lines)
+        values.append(line.*count);
+    return values;
+}
+
+QList<quint32> DefineFacts::list(int DictionaryFacts::LineCounts::*count) const
+{
+    QList<quint32> values;
+    for (const Line &line : lines)
+        values.append(quint32(line.counts.*count));
+    return values;
+}
+
+bool DefineFacts::any(bool Line::*property) const
+{
+    return std::any_of(lines.begin(), lines.end(),
+                       [property](const Line &line) { return line.*property; });
+}
+
+DefineFacts DefineFacts::collect(ObjectDataBase &store, bool isV4,
+                                 const std::function<bool()> &stop)
+{
+    return Collector(store, isV4).run(stop);
+}

@@ -1,0 +1,243 @@
+#include "generators/headers/extdeclvariables.h"
+
+#include "canopen/canopentypes.h"
+#include "canopen/cohelper.h"
+#include "canopen/helper.h"
+#include "generators/base/codewriter.h"
+#include "generators/base/dictionaryfactstypes.h"
+#include "store/objectdatabase.h"
+
+#include <QHash>
+#include <QRegularExpression>
+
+#include <algorithm>
+
+namespace {
+
+using Row = ExtDeclVariables::Row;
+
+constexpr int firstObject = 0x1000;
+constexpr quint32 addressClaim = 60928;
+constexpr quint32 extendedBit = 0x20000000;
+constexpr quint32 identifierMask = 0x1FFFFFFF;
+
+/// A signal's C type by its width, as the mapping tables expect it.
+QString signalType(quint16 dataType)
+{
+    const int bits = COHelper::getDataLengthBits(dataType);
+    QString word = COHelper::index2DataTypeString(dataType);
+    if (word.startsWith(QLatin1String("REAL")))
+        return word;
+    int width = 8;
+    while (width < bits && width < 64)
+        width *= 2;
+    const QLatin1String sign(word.startsWith(QLatin1String("INTEGER")) ? "INTEGER" : "UNSIGNED");
+    return sign + QString::number(width);
+}
+
+bool isString(quint16 dataType)
+{
+    return dataType == CAN::VISIBLE_STRING || dataType == CAN::STRING_NUL ||
+           dataType == CAN::STRING_ASTERISK || dataType == CAN::UTF8_STRING;
+}
+
+bool isBytes(quint16 dataType)
+{
+    return dataType == CAN::OCTET_STRING || dataType == CAN::DOMAIN_TYPE ||
+           dataType == CAN::UNICODE_STRING;
+}
+
+struct CType
+{
+    QString name;
+    bool isArray = false;
+};
+
+/// `isSignal`: of J1939 and raw CAN, where numbers of any width lie in the next standard type.
+CType typeOf(quint16 dataType, bool isSignal)
+{
+    if (isString(dataType))
+        return {QStringLiteral("char"), true};
+    if (isBytes(dataType))
+        return {QStringLiteral("UNSIGNED8"), true};
+    const TableGroup group = DictionaryTypes::of(dataType).group;
+    if (!isSignal && group != TableGroup::None)
+        return {QLatin1String(DictionaryTypes::info(group).cType)};
+    return {signalType(dataType)};
+}
+
+class Collector
+{
+public:
+    Collector(ObjectDataBase &store, const std::function<bool()> &stop)
+        : m_store(store), m_stop(stop)
+    {
+    }
+
+    void collectLine(quint8 line);
+    void comment(const QString &text) { m_result.rows.append({.comment = text}); }
+
+    ExtDeclVariables m_result;
+
+private:
+    void collectObjects(quint8 line);
+    void collectPgns(quint8 line);
+    void collectCanIds(quint8 line);
+    void add(const QString &variable, const CType &type, quint32 elements, const QString &note);
+
+    ObjectDataBase &m_store;
+    const std::function<bool()> &m_stop;
+    QHash<QString, qsizetype> m_rowOf; ///< by name
+};
+
+/// Expressions are the application's business; so are members of its structures, which can't be
+/// declared one by one.
+void Collector::add(const QString &variable, const CType &type, quint32 elements,
+                    const QString &note)
+{
+    static const QRegularExpression plain(
+        QStringLiteral("^&?\\s*([A-Za-z_][A-Za-z0-9_]*)\\s*(?:\\[\\s*([0-9]{1,9})\\s*\\])?$"));
+    const QString text = variable.trimmed();
+    if (text.isEmpty() || text.contains(QLatin1Char('(')))
+        return;
+    const QRegularExpressionMatch match = plain.match(text);
+    if (!match.hasMatch()) {
+        comment(text + QLatin1String(": declared by the application"));
+        return;
+    }
+    const QString name = match.captured(1);
+    const bool isElement = !match.captured(2).isEmpty();
+    Row row{.comment = note,
+            .type = type.name,
+            .name = name,
+            .isArray = type.isArray || isElement || elements > 1,
+            .elements = elements};
+    if (isElement)
+        row.elements = match.captured(2).toUInt() + 1;
+    const auto known = m_rowOf.constFind(name);
+    if (known == m_rowOf.constEnd()) {
+        m_rowOf.insert(name, m_result.rows.size());
+        m_result.rows.append(row);
+        return;
+    }
+    Row &former = m_result.rows[*known];
+    former.isArray |= row.isArray;
+    former.elements = std::max(former.elements, row.elements);
+}
+
+void Collector::collectLine(quint8 line)
+{
+    const int type = m_store.getLineType(line);
+    if (type == 1 || type == 5 || type == 6)
+        collectObjects(line);
+    if (type == 2 || type == 5 || type == 7)
+        collectPgns(line);
+    if (type == 4 || type == 6 || type == 7)
+        collectCanIds(line);
+}
+
+void Collector::collectObjects(quint8 line)
+{
+    for (const quint16 index : m_store.getIndices(line, firstObject)) {
+        if (m_stop())
+            return;
+        for (const quint8 sub : m_store.getSubIndices(line, index)) {
+            ObjectDataBase::SUBINDEX_DATA_T data;
+            if (!m_store.getSubIndexData(line, index, sub, data) ||
+                data.implementation != CANopen::Variable)
+                continue;
+            const CType type = typeOf(data.datatype, false);
+            add(Helper::substituteVariables(data.varname, index, sub, line), type,
+                type.isArray ? data.size : 0, QString());
+        }
+    }
+}
+
+void Collector::collectPgns(quint8 line)
+{
+    m_store.loadSPNCache(line);
+    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+        for (const quint32 number : m_store.getPGNList(line, direction)) {
+            ObjectDataBase::PGN pgn;
+            if (m_stop() || number == addressClaim || !m_store.getPGN(line, number, direction, pgn))
+                continue;
+            comment(QStringLiteral("PGN 0x%1").arg(number, 0, 16));
+            for (const quint32 spnNumber : m_store.getSPNList(line, number, direction)) {
+                ObjectDataBase::SPN spn;
+                if (!m_store.getSPN(line, number, direction, spnNumber, spn) ||
+                    spn.implementation != CANopen::Variable)
+                    continue;
+                const CType type = typeOf(spn.dataType, true);
+                // One value for each source address that is kept apart.
+                const quint32 sources =
+                    direction == ObjectDataBase::receive ? pgn.multiSourceAddress : 0;
+                add(spn.varName, type, type.isArray ? spn.bitSize / 8 : sources,
+                    QStringLiteral("SPN%1").arg(spnNumber));
+            }
+        }
+    }
+    m_store.clearSPNCache();
+}
+
+void Collector::collectCanIds(quint8 line)
+{
+    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+        for (const quint32 id : m_store.getCANIDList(line, direction)) {
+            if (m_stop())
+                return;
+            comment(QStringLiteral("CAN-ID %1/0x%2%3")
+                        .arg(line)
+                        .arg(id & identifierMask, 0, 16)
+                        .arg(QLatin1String(id & extendedBit ? " ext" : "")));
+            for (const quint32 number : m_store.getDataElementList(line, id, direction)) {
+                ObjectDataBase::DataElement element;
+                if (!m_store.getDataElement(line, id, direction, number, element) ||
+                    element.implementation != CANopen::Variable)
+                    continue;
+                const CType type = typeOf(element.dataType, true);
+                add(element.varName, type, type.isArray ? element.bitSize / 8 : 0,
+                    QStringLiteral("signal%1").arg(number));
+            }
+        }
+    }
+}
+
+} // namespace
+
+ExtDeclVariables ExtDeclVariables::collect(ObjectDataBase &store, const QList<quint8> &lines,
+                                           bool hasLines, const std::function<bool()> &stop)
+{
+    Collector collector(store, stop);
+    for (const quint8 line : lines) {
+        if (hasLines)
+            collector.m_result.rows.append(
+                {.comment = QStringLiteral("line %1").arg(line), .isHeading = true});
+        collector.collectLine(line);
+    }
+    return std::move(collector.m_result);
+}
+
+QString ExtDeclVariables::declarations(bool isExtern) const
+{
+    QString text;
+    for (const Row &row : rows) {
+        if (row.type.isEmpty()) {
+            const QString comment = CodeWriter::commentText(row.comment);
+            text += QString::fromLatin1(row.isHeading ? "\n/* %1*/\n" : "/* %1 */\n").arg(comment);
+            continue;
+        }
+        if (isExtern)
+            text += QLatin1String("extern ");
+        text += row.type + QLatin1Char(' ') + row.name;
+        // A definition needs a size.
+        if (row.isArray && (row.elements > 0 || !isExtern))
+            text += QStringLiteral("[%1]").arg(std::max<quint32>(row.elements, 1));
+        else if (row.isArray)
+            text += QLatin1String("[]");
+        text += QLatin1Char(';');
+        if (!row.comment.isEmpty())
+            text += QStringLiteral("\t/* %1 */").arg(CodeWriter::commentText(row.comment));
+        text += QLatin1Char('\n');
+    }
+    return text;
+}

@@ -1,0 +1,280 @@
+#include "generators/headers/indicesgenerator.h"
+
+#include "canopen/canopentypes.h"
+#include "canopen/helper.h"
+#include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
+#include "generators/headers/indicesnames.h"
+#include "store/objectdatabase.h"
+
+#include <QDebug>
+#include <QRegularExpression>
+#include <QThread>
+
+#include <functional>
+
+namespace {
+
+constexpr int firstObject = 0x1000;
+constexpr quint32 addressClaim = 60928;
+constexpr quint32 controllerName = 2848; // NAME of controller application (SAE J1939-81)
+constexpr quint32 extendedBit = 0x20000000;
+constexpr const char *entriesName = "S_NUMBER_OF_ENTRIES";
+constexpr const char *guard = "GEN_INDICES_H";
+
+/// Numbers of PDOs whose name tells which node and PDO they belong to.
+struct PdoRange
+{
+    const char *kind;
+    quint16 first;
+    quint16 last;
+};
+
+constexpr PdoRange receivePdos = {"RPDO", 0x1400, 0x15FF};
+constexpr PdoRange transmitPdos = {"TPDO", 0x1800, 0x19FF};
+
+/// Writes the file's lines; owns nothing.
+class Writer
+{
+public:
+    Writer(ObjectDataBase &store, CodeWriter &out, bool hasLines, const std::function<bool()> &stop)
+        : m_store(store), m_out(out), m_hasLines(hasLines), m_stop(stop),
+          m_names({guard, entriesName})
+    {
+    }
+
+    void writeObjects(quint8 line);
+    void writePgns(quint8 line);
+    void writeCanIds(quint8 line);
+
+private:
+    void define(const QByteArray &name, const QByteArray &value);
+    [[nodiscard]] QByteArray prefixed(const QByteArray &name) const { return m_prefix + name; }
+    void beginLine(quint8 line);
+    void writeObject(quint8 line, quint16 index);
+    void writePdoName(const QByteArray &name, quint16 index);
+    void writeSubs(quint8 line, quint16 index);
+    void writePgn(quint8 line, quint32 number, quint8 direction);
+    void writeAddressClaim();
+    /// The user's own define in the metadata, or the name behind its prefix.
+    [[nodiscard]] static QByteArray nameOf(const ObjectDataBase::MetaData &metaData,
+                                           const QString &attribute, const char *prefix,
+                                           const QString &name, const QString &nameless);
+
+    ObjectDataBase &m_store;
+    CodeWriter &m_out;
+    bool m_hasLines;
+    const std::function<bool()> &m_stop;
+    IndicesNames m_names;
+    QByteArray m_prefix; ///< of the line
+    bool m_hasEntriesName = false;
+};
+
+void Writer::define(const QByteArray &name, const QByteArray &value)
+{
+    m_out << "#define " << name.constData() << '\t' << value.constData() << '\n';
+}
+
+void Writer::beginLine(quint8 line)
+{
+    m_prefix = m_hasLines ? 'L' + QByteArray::number(line) + '_' : QByteArray();
+}
+
+QByteArray Writer::nameOf(const ObjectDataBase::MetaData &metaData, const QString &attribute,
+                          const char *prefix, const QString &name, const QString &nameless)
+{
+    if (const auto own = metaData.constFind(attribute);
+        own != metaData.constEnd() && !own->trimmed().isEmpty())
+        return IndicesNames::clean("", own->trimmed());
+    return IndicesNames::clean(prefix, name.isEmpty() ? nameless : name);
+}
+
+void Writer::writeObjects(quint8 line)
+{
+    beginLine(line);
+    for (const quint16 index : m_store.getIndices(line, firstObject)) {
+        if (m_stop()) {
+            qDebug() << "Generation aborted";
+            return;
+        }
+        writeObject(line, index);
+        QThread::yieldCurrentThread();
+    }
+}
+
+void Writer::writeObject(quint8 line, quint16 index)
+{
+    static const QString attribute = QStringLiteral("objectdefine");
+    static const QString nameless = QStringLiteral("unnamed object");
+    ObjectDataBase::INDEX_DATA_T data;
+    m_store.getIndexData(line, index, data);
+    const QByteArray name = m_names.unique(
+        prefixed(nameOf(data.metadata, attribute, "I_",
+                        Helper::substituteVariables(data.name, index, 0, line), nameless)));
+    define(name, "0x" + QByteArray::number(index, 16).rightJustified(4, '0') + 'u');
+    writePdoName(name, index);
+    if (data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD)
+        writeSubs(line, index);
+}
+
+/// A PDO that belongs to a node of the network gets a second name, for its number.
+void Writer::writePdoName(const QByteArray &name, quint16 index)
+{
+    const bool isReceive = index >= receivePdos.first && index <= receivePdos.last;
+    const bool isTransmit = index >= transmitPdos.first && index <= transmitPdos.last;
+    if (!isReceive && !isTransmit)
+        return;
+    static const QRegularExpression pattern(
+        QStringLiteral("^I_([RT]PDO)_COMM_PAR_([0-9]+)_FOR_NODE_([0-9]+)_([A-Za-z0-9_]+)$"));
+    const QRegularExpressionMatch match =
+        pattern.match(QString::fromLatin1(name.mid(m_prefix.size())));
+    const PdoRange &range = isReceive ? receivePdos : transmitPdos;
+    if (!match.hasMatch() || match.captured(1) != QLatin1String(range.kind))
+        return;
+    const QByteArray second = prefixed(
+        QStringList({match.captured(1), match.captured(3), match.captured(4), match.captured(2)})
+            .join(QLatin1Char('_'))
+            .toLatin1());
+    if (m_names.take(second))
+        define(second, QByteArray::number(index - range.first + 1) + 'u');
+}
+
+void Writer::writeSubs(quint8 line, quint16 index)
+{
+    static const QString attribute = QStringLiteral("subdefine");
+    static const QString nameless = QStringLiteral("unnamed subindex");
+    for (const quint8 sub : m_store.getSubIndices(line, index)) {
+        if (sub == 0) {
+            if (!m_hasEntriesName)
+                m_out << "#define  " << entriesName << "\t0x0u\n";
+            m_hasEntriesName = true;
+            continue;
+        }
+        ObjectDataBase::SUBINDEX_DATA_T data;
+        m_store.getSubIndexData(line, index, sub, data);
+        const QByteArray name =
+            nameOf(data.metadata, attribute, "S_",
+                   Helper::substituteVariables(data.name, index, sub, line), nameless);
+        define(m_names.unique(prefixed(name)), QByteArray::number(sub) + 'u');
+    }
+}
+
+void Writer::writePgns(quint8 line)
+{
+    beginLine(line);
+    m_store.loadSPNCache(line);
+    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+        for (const quint32 number : m_store.getPGNList(line, direction)) {
+            if (m_stop()) {
+                qDebug() << "Generation aborted";
+                return;
+            }
+            if (number != addressClaim)
+                writePgn(line, number, direction);
+        }
+    }
+    writeAddressClaim();
+    m_store.clearSPNCache();
+}
+
+void Writer::writePgn(quint8 line, quint32 number, quint8 direction)
+{
+    const QByteArray name = m_names.unique(
+        prefixed(IndicesNames::clean("PGN_", m_store.getPGNName(line, number, direction))));
+    m_out << "#define " << name.constData() << '\t' << number << "u /* 0x";
+    m_out.hex(number) << " */\n";
+    for (const quint32 spn : m_store.getSPNList(line, number, direction)) {
+        QByteArray signal =
+            prefixed(IndicesNames::clean("SPN_", m_store.getSPNName(line, number, spn, direction)));
+        if (m_names.isTaken(signal))
+            signal += '_' + QByteArray::number(number) + '_' + QByteArray::number(spn);
+        define(m_names.unique(signal), QByteArray::number(spn) + 'u');
+    }
+}
+
+/// The stack brings this message itself, so it has its names also where the project doesn't list
+/// it.
+void Writer::writeAddressClaim()
+{
+    const QByteArray pgn = prefixed("PGN_ADDRESS_CLAIM");
+    if (m_names.take(pgn)) {
+        m_out << "#define " << pgn.constData() << '\t' << addressClaim << "u /* 0x";
+        m_out.hex(addressClaim) << " */\n";
+    }
+    const QByteArray spn = prefixed("SPN_NAME_OF_CONTROLLER_APPLICATION");
+    if (m_names.take(spn))
+        define(spn, QByteArray::number(controllerName) + 'u');
+}
+
+void Writer::writeCanIds(quint8 line)
+{
+    beginLine(line);
+    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
+        for (const quint32 id : m_store.getCANIDList(line, direction)) {
+            if (m_stop()) {
+                qDebug() << "Generation aborted";
+                return;
+            }
+            const QString name = m_store.getCANIDName(line, id, direction).trimmed();
+            const QByteArray text = name.isEmpty() ? "ID_" + QByteArray::number(id & ~extendedBit)
+                                                   : IndicesNames::clean("ID_", name);
+            define(m_names.unique(prefixed(text)), "0x" + QByteArray::number(id, 16) + 'u');
+        }
+    }
+}
+
+struct Protocols
+{
+    bool hasJ1939;
+    bool hasRawCAN;
+};
+
+Protocols protocolsOf(int lineType)
+{
+    return {.hasJ1939 = lineType == 2 || lineType == 5 || lineType == 7,
+            .hasRawCAN = lineType == 4 || lineType == 6 || lineType == 7};
+}
+
+} // namespace
+
+IndicesGenerator::IndicesGenerator(QObject *parent) : AbstractGenerator(parent) {}
+
+bool IndicesGenerator::isOutputWritable()
+{
+    return isFileWritable(outputPath());
+}
+
+int IndicesGenerator::startGeneration()
+{
+    return start(QStringLiteral("gen_indices.h generator"));
+}
+
+QString IndicesGenerator::fileName() const
+{
+    return QStringLiteral("gen_indices.h");
+}
+
+void IndicesGenerator::writeContent(QIODevice &device)
+{
+    CodeWriter out(&device);
+    out.banner(
+        QStringLiteral(" *  CO index/J1939 PGN/raw CAN-ID  defines for %1 - generated by %2 %3\n"),
+        m_projectName, m_toolVersion);
+    out << "/* protect against multiple inclusion of the file */\n";
+    out.beginGuard(QLatin1String(guard));
+
+    const std::function<bool()> stop = [this] { return bool(stopRequested()); };
+    const QList<quint8> lines =
+        m_lines.isEmpty() ? CommonGeneratorHelper(store()).lines() : m_lines;
+    Writer writer(*store(), out, m_multiLine || m_generateML || lines.size() > 1, stop);
+    for (const quint8 line : lines)
+        writer.writeObjects(line);
+    for (const quint8 line : lines) {
+        const Protocols protocols = protocolsOf(store()->getLineType(line));
+        if (protocols.hasJ1939)
+            writer.writePgns(line);
+        if (protocols.hasRawCAN)
+            writer.writeCanIds(line);
+    }
+    out << "#endif /* " << guard << " */\n";
+}

@@ -1,0 +1,47 @@
+#include "gui/baseobjectmask.h"
+
+#include "gui/guihelper.h"
+
+#include <QComboBox>
+#include <QCoreApplication>
+
+BaseObjectMask::BaseObjectMask(QWidget *parent) : BaseTreeForm(parent) {}
+
+bool BaseObjectMask::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
+{
+    if (database == nullptr)
+        return false;
+    m_database = database;
+    return true;
+}
+
+bool BaseObjectMask::confirmOverwrite(quint8 line, quint16 objectIndex)
+{
+    if (m_database == nullptr || !m_database->indexExists(line, objectIndex))
+        return true;
+    const int answer = GuiHelper::showMessageBox(
+        this, {.title = QCoreApplication::applicationName(),
+               .text = QStringLiteral("The existing index 0x%1 must be overwritten. Proceed?")
+                           .arg(objectIndex, 4, 16, QLatin1Char('0')),
+               .informativeText = {},
+               .buttons = QMessageBox::Yes | QMessageBox::No,
+               .icon = QMessageBox::Warning,
+               .defaultButton = QMessageBox::Yes,
+               .extraButtons = {}});
+    return answer != QMessageBox::No;
+}
+
+bool BaseObjectMask::selectComboItemByData(QComboBox *comboBox, const QVariant &value,
+                                           int *position)
+{
+    if (comboBox == nullptr || !selectComboItem(*comboBox, value))
+        return false;
+    if (position != nullptr)
+        *position = comboBox->currentIndex();
+    return true;
+}
+
+void BaseObjectMask::setExpertFlag(bool flag)
+{
+    m_expert = flag;
+}

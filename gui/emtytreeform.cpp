@@ -1,0 +1,3 @@
+#include "gui/emtytreeform.h"
+
+EmtyTreeForm::EmtyTreeForm(QWidget *parent) : BaseTreeForm(parent) {}

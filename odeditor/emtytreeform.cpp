@@ -1,3 +1,0 @@
-#include "odeditor/emtytreeform.h"
-
-EmtyTreeForm::EmtyTreeForm(QWidget *parent) : BaseTreeForm(parent) {}

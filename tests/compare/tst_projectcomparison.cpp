@@ -1,0 +1,406 @@
+#include "compare/projectcomparison.h"
+#include "compare/projectmerge.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+using Edit = void (*)(ObjectDataBase &);
+
+void addObject(ObjectDataBase &store, quint16 index, const QString &name)
+{
+    store.addIndex(0, index, {.name = name, .objecttype = CANopen::RECORD});
+    for (quint8 sub = 0; sub < 3; ++sub) {
+        store.addSubIndex(0, index, sub,
+                          {.name = u"%1 %2"_s.arg(name).arg(sub),
+                           .datatype = CAN::UNSIGNED16,
+                           .defaultvalue = QString::number(sub)});
+    }
+}
+
+void addMessages(ObjectDataBase &store)
+{
+    for (const quint32 number : {0xFEEEU, 0xFEEFU}) {
+        store.addPGN(0, number,
+                     {.name = u"Engine"_s, .number = number, .direction = store.transmit});
+        for (const quint32 spn : {110U, 111U}) {
+            store.addSPN(0, number, store.transmit, spn,
+                         {.name = u"Temp"_s, .pgn = number, .direction = 85, .spn = spn});
+        }
+    }
+    store.addCANID(0, 0x181, {.id = 0x181, .name = u"Drive"_s, .direction = store.receive});
+    store.addDataElement(0, 0x181, store.receive, 1, {.name = u"Speed"_s, .canId = 0x181});
+}
+
+/// Changes one member of a subindex.
+template <auto member, auto value>
+void change(ObjectDataBase &store)
+{
+    ObjectDataBase::SUBINDEX_DATA_T data;
+    store.getSubIndexData(0, 0x2000, 1, data);
+    data.*member = value;
+    store.addSubIndex(0, 0x2000, 1, data);
+}
+
+using Sub = ObjectDataBase::SUBINDEX_DATA_T;
+
+/// Everything that differs, a text each: rows of the trees with the state in words, their
+/// differing properties, and the settings with both values.
+QStringList differences(ProjectComparison &comparison)
+{
+    QStringList result;
+    const auto add = [&](const QList<DiffItem> &items, const auto &self) -> void {
+        for (const DiffItem &item : items) {
+            if (item.state == DiffState::Equal)
+                continue;
+            QStringList properties;
+            if (item.state == DiffState::Different) {
+                for (const PropertyRow &row : comparison.properties(item)) {
+                    if (row.differs)
+                        properties << u"%1 %2/%3"_s.arg(row.property, row.current, row.other);
+                }
+            }
+            result << item.text() + (properties.isEmpty() ? QString() : u": "_s) +
+                          properties.join(u", "_s);
+            if (item.state == DiffState::Different)
+                self(comparison.parts(item), self);
+        }
+    };
+    for (const quint8 line : comparison.lines()) {
+        add(comparison.objects(line), add);
+        for (const quint8 direction : {ObjectDataBase::transmit, ObjectDataBase::receive}) {
+            add(comparison.pgns(line, direction), add);
+            add(comparison.canIds(line, direction), add);
+        }
+    }
+    for (const SettingDifference &row : comparison.settings())
+        result << u"%1 %2/%3"_s.arg(row.property(), row.current, row.other);
+    return result;
+}
+
+/// Takes everything over, objects and messages by whole items or part by part.
+bool takeAllOver(ProjectComparison &comparison, bool byParts)
+{
+    bool done = true;
+    ObjectDataBase &current = comparison.current();
+    const auto take = [&](const DiffItem &item) {
+        done &= item.state == DiffState::Current
+                    ? ProjectMerge::deleteItem(current, item)
+                    : ProjectMerge::importItemDefault(current, comparison.other(), item);
+    };
+    const auto takeAll = [&](const QList<DiffItem> &items) {
+        for (const DiffItem &item : items) {
+            if (item.state == DiffState::Different && byParts) {
+                for (const DiffItem &part : comparison.parts(item)) {
+                    if (part.state != DiffState::Equal)
+                        take(part);
+                }
+            } else if (item.state != DiffState::Equal) {
+                take(item);
+            }
+        }
+    };
+    const QList<SettingDifference> settings = comparison.settings();
+    for (const SettingDifference &setting : settings)
+        done &= ProjectMerge::takeOverSetting(current, comparison.other(), setting);
+    comparison.refresh();
+    for (const quint8 line : comparison.lines()) {
+        takeAll(comparison.objects(line));
+        for (const quint8 direction : {ObjectDataBase::transmit, ObjectDataBase::receive}) {
+            takeAll(comparison.pgns(line, direction));
+            takeAll(comparison.canIds(line, direction));
+        }
+    }
+    comparison.refresh();
+    return done;
+}
+
+} // namespace
+
+class TestProjectComparison : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_folder;
+    QString m_path = m_folder.filePath(u"base.vxmp"_s);
+    QString m_textPath = m_folder.filePath(u"base.vxmt"_s);
+
+    static void fill(ObjectDataBase &store, bool withoutTextForm)
+    {
+        addObject(store, 0x2000, u"Speed"_s);
+        addObject(store, 0x2001, u"Torque"_s);
+        store.setGeneralSetting(u"bitwise_mapping"_s, u"0"_s);
+        store.setGeneralSetting(u"line0type"_s, u"1"_s);
+        store.setJ1939Setting(u"address"_s, u"5"_s);
+        store.setMiscSetting(u"note"_s, u"it's"_s);
+        if (withoutTextForm) {
+            addMessages(store);
+            store.setEnergyBusSetting(u"device_1"_s, u"bat"_s);
+        }
+    }
+
+private slots:
+    void initTestCase()
+    {
+        ObjectDataBase store;
+        QVERIFY(store.createNewDataBase());
+        fill(store, false);
+        QVERIFY(store.saveDatabase(m_textPath));
+        fill(store, true);
+        QVERIFY(store.saveDatabase(m_path));
+    }
+
+    void findsEachKindOfDifference_data()
+    {
+        QTest::addColumn<Edit>("edit");
+        QTest::addColumn<int>("count");
+        QTest::addColumn<QStringList>("found");
+        const auto row = [](const char *name, Edit edit, int count, const QStringList &found) {
+            QTest::newRow(name) << edit << count << found;
+        };
+        using Store = ObjectDataBase;
+
+        row("nothing", [](Store &) {}, 0, {});
+        row("object here", [](Store &s) { addObject(s, 0x1FFF, u""_s); }, 1,
+            {u"0x1fff - unnamed object - current"_s});
+        row("object there", [](Store &s) { s.deleteIndex(0, 0x2001); }, 1,
+            {u"0x2001 - Torque - other"_s});
+        row("object's record", [](Store &s) { s.setIndexName(0, 0x2000, u"RPM"_s); }, 1,
+            {u"0x2000 - RPM - different: Name RPM/Speed"_s});
+        row("metadata of an object",
+            [](Store &s) {
+                s.addIndex(0, 0x2000,
+                           {.name = u"Speed"_s,
+                            .objecttype = CANopen::RECORD,
+                            .metadata = {{u"a"_s, u""_s}}});
+            },
+            1, {u"0x2000 - Speed - different: MetaData: a /"_s});
+        row("below the dictionary", [](Store &s) { s.addIndex(0, 0x0FFF, {}); }, 0, {});
+        row("subindex here", [](Store &s) { s.addSubIndex(0, 0x2000, 9, {.name = u"x"_s}); }, 1,
+            {u"0x2000 - Speed - different"_s, u"9 - x - current"_s});
+        row("subindices there",
+            [](Store &s) {
+                s.deleteSubIndex(0, 0x2000, 1);
+                s.deleteSubIndex(0, 0x2000, 2);
+            },
+            2,
+            {u"0x2000 - Speed - different"_s, u"1 - Speed 1 - other"_s, u"2 - Speed 2 - other"_s});
+        const auto sub = [&](const char *name, Edit edit, const QString &property) {
+            row(name, edit, 1,
+                {u"0x2000 - Speed - different"_s, u"1 - Speed 1 - different: "_s + property});
+        };
+        sub(
+            "default", [](Store &s) { s.setSubIndexDefaultValue(0, 0x2000, 1, u"7"_s); },
+            u"DefaultValue 7/1"_s);
+        sub("type", change<&Sub::datatype, quint16(CAN::UNSIGNED8)>,
+            u"DataType UNSIGNED8/UNSIGNED16"_s);
+        sub("implementation", change<&Sub::implementation, quint8(2)>,
+            u"Implementation Variable/Managed Variable"_s);
+        sub("non-volatile", change<&Sub::nvstorage, true>, u"NonVolatileStorage yes/no"_s);
+        sub("shared", change<&Sub::sharedlines, true>, u"SharedInAllLines yes/no"_s);
+        row("marks of the tool",
+            [](Store &s) {
+                change<&Sub::changedbyuser, true>(s);
+                change<&Sub::wizardsource, quint16(454)>(s);
+            },
+            0, {});
+
+        row("PGN there", [](Store &s) { s.deletePGN(0, 0xFEEE, 85); }, 1,
+            {u"0xfeee - 65262 Engine - other"_s});
+        row("PGN's record",
+            [](Store &s) {
+                s.addPGN(0, 0xFEEE,
+                         {.name = u"Engine"_s,
+                          .number = 0xFEEE,
+                          .cycleTime = 5,
+                          .mappingCount = 2,
+                          .direction = 85});
+            },
+            1, {u"0xfeee - 65262 Engine - different: CycleTime 5/0"_s});
+        row("SPN moved and SPN there",
+            [](Store &s) {
+                s.addSPN(0, 0xFEEE, 85, 110, {.name = u"Temp"_s, .bitPosition = 8});
+                s.deleteSPN(0, 0xFEEE, 111, 85);
+            },
+            2,
+            {u"0xfeee - 65262 Engine - different"_s, u"110 - Temp - different: BitPosition 8/0"_s,
+             u"111 - Temp - other"_s});
+        row("CAN-ID here, extended",
+            [](Store &s) { s.addCANID(0, 0x20000200, {.name = u"E"_s, .direction = 119}); }, 1,
+            {u"0x00000200 - 512 E - current"_s});
+        row("data elements",
+            [](Store &s) {
+                s.addDataElement(0, 0x181, 119, 1, {.name = u"Speed"_s, .varName = u"v"_s});
+                s.addDataElement(0, 0x181, 119, 2, {.name = u"Load"_s});
+            },
+            2,
+            {u"0x181 - 385 Drive - different"_s, u"1 - Speed - different: VariableName v/"_s,
+             u"2 - Load - current"_s});
+
+        row("settings",
+            [](Store &s) {
+                s.setGeneralSetting(u"bitwise_mapping"_s, u"1"_s);
+                s.setGeneralSetting(u"Zone"_s, u"z"_s);
+                s.setGeneralSetting(u"area"_s, u"a"_s);
+                s.setGeneralSetting(u"empty"_s, QString());
+                s.setJ1939Setting(u"address"_s, u""_s);
+                s.setMiscSetting(u"note"_s, u"a | b"_s);
+                s.deleteEnergyBusSetting(u"device_1"_s);
+            },
+            6,
+            {u"area a/"_s, u"bitwise_mapping 1/0"_s, u"Zone z/"_s, u"EnergyBus: device_1 /bat"_s,
+             u"address /5"_s, u"Project: note a | b/it's"_s});
+        row("description",
+            [](Store &s) {
+                s.setDescriptionLine(3);
+                s.setDescriptionSetting(u"VendorName"_s, u"Me"_s);
+            },
+            1, {u"Description: VendorName_3 Me/"_s});
+        row("what saving writes",
+            [](Store &s) {
+                for (const auto &key : {u"FileHash"_s, u"TamperLog"_s, u"SaveToolVersion"_s,
+                                        u"SaveToolType"_s, u"PreviousToolVersion"_s})
+                    s.setMiscSetting(key, u"x"_s);
+            },
+            0, {});
+        row("node and UDS",
+            [](Store &s) {
+                s.setNodeSqlValue(u"0"_s, u"prefix"_s, u"drv_"_s);
+                s.setNodeSqlValue(u"0"_s, u"lssslave"_s, 1);
+                s.setUDSServiceSessions(0, UDS::SID::EcuReset, u"1,3"_s);
+                s.setUDSServiceActive(0, UDS::SID::LinkControl, true);
+            },
+            4,
+            {u"Line 0: prefix drv_/_"_s, u"Line 0: lssslave 1/0"_s,
+             u"UDS line 0: 0x11 sessions 1,3/1"_s, u"UDS line 0: 0x87 active 1/0"_s});
+        row("line here, with what belongs to it",
+            [](Store &s) {
+                s.setGeneralSetting(u"line1type"_s, u"1"_s);
+                s.addNode(1, {});
+                s.copyIndex(0, 0x2000, 1, 0x2000);
+            },
+            1, {u"0x2000 - Speed - current"_s, u"Line 1 exists/"_s});
+        row("scratch lines", [](Store &s) { s.addNode(254, {}), s.addNode(255, {}); }, 0, {});
+    }
+
+    /// Both ways round; and taking it all over leaves nothing.
+    void findsEachKindOfDifference()
+    {
+        QFETCH(Edit, edit);
+        QFETCH(int, count);
+        QFETCH(QStringList, found);
+        ObjectDataBase edited;
+        ObjectDataBase saved;
+        QVERIFY(edited.openDataBase(m_path) && saved.openDataBase(m_path));
+        edit(edited);
+        const QStringList hashes{edited.contentHash(), saved.contentHash()};
+        const quint8 descriptionLine = edited.descriptionLine();
+
+        ProjectComparison comparison(edited, saved);
+        QCOMPARE(comparison.differenceCount(), count);
+        QCOMPARE(differences(comparison), found);
+        ProjectComparison reversed(saved, edited);
+        QCOMPARE(reversed.differenceCount(), count);
+        QCOMPARE(differences(reversed).size(), found.size());
+        QCOMPARE((QStringList{edited.contentHash(), saved.contentHash()}), hashes);
+        QCOMPARE(edited.descriptionLine(), descriptionLine);
+
+        QVERIFY(takeAllOver(comparison, false));
+        QCOMPARE(differences(comparison), QStringList());
+        edit(edited);
+        reversed.refresh();
+        QVERIFY(takeAllOver(reversed, true));
+        QVERIFY(takeAllOver(reversed, false)); // records go over with the whole item alone
+        QCOMPARE(differences(reversed), QStringList());
+    }
+
+    void internalMarksCountOnDemand()
+    {
+        ObjectDataBase edited;
+        ObjectDataBase saved;
+        QVERIFY(edited.openDataBase(m_path) && saved.openDataBase(m_path));
+        change<&Sub::changedbyuser, true>(edited);
+        ProjectComparison comparison(edited, saved);
+        QVERIFY(differences(comparison).isEmpty());
+        comparison.setInternal(true);
+        QCOMPARE(differences(comparison).value(1),
+                 u"1 - Speed 1 - different: ChangedByUser yes/no"_s);
+        QCOMPARE(comparison.differenceCount(), 1);
+    }
+
+    void anEditTakenBackIsNoDifference_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::newRow("database") << m_path;
+        QTest::newRow("text") << m_textPath;
+    }
+
+    /// Rows and texts are then in another order than in the file.
+    void anEditTakenBackIsNoDifference()
+    {
+        QFETCH(QString, path);
+        ObjectDataBase edited;
+        ObjectDataBase saved;
+        QVERIFY(edited.openDataBase(path) && saved.openDataBase(path));
+        ProjectComparison comparison(edited, saved);
+        QCOMPARE(comparison.differenceCount(), 0);
+        edited.deleteIndex(0, 0x2000);
+        QCOMPARE(comparison.differenceCount(), 1);
+        addObject(edited, 0x2000, u"Speed"_s);
+        edited.setGeneralSetting(u"bitwise_mapping"_s, u"1"_s);
+        edited.setGeneralSetting(u"bitwise_mapping"_s, u"0"_s);
+        comparison.refresh();
+        QVERIFY(edited.contentHash() != saved.contentHash());
+        QCOMPARE(comparison.differenceCount(), 0);
+        QCOMPARE(edited.wasExternallyModified(), false);
+    }
+
+    void importLeavesIgnoredProperties()
+    {
+        ObjectDataBase current;
+        ObjectDataBase other;
+        QVERIFY(current.openDataBase(m_path) && other.openDataBase(m_path));
+        const Sub changed{
+            .name = u"N"_s, .datatype = CAN::UNSIGNED8, .defaultvalue = u"9"_s, .varname = u"v"_s};
+        other.addSubIndex(0, 0x2000, 1, changed);
+        other.addSubIndex(0, 0x2000, 9, changed);
+        other.setIndexName(0, 0x2000, u"RPM"_s);
+        ProjectComparison comparison(current, other);
+        const DiffItem object = comparison.objects(0).value(0);
+        const DiffItem part = comparison.parts(object).value(1);
+        QCOMPARE(part.part, 1U);
+
+        const auto here = [&](quint8 subindex) {
+            Sub data;
+            current.getSubIndexData(0, 0x2000, subindex, data);
+            return QStringList{data.name, QString::number(data.datatype), data.defaultvalue,
+                               data.varname};
+        };
+        QVERIFY(ProjectMerge::importItem(current, other, part, {.name = true, .varName = true}));
+        QCOMPARE(here(1), (QStringList{u"Speed 1"_s, u"5"_s, u"9"_s, u""_s}));
+        QVERIFY(
+            ProjectMerge::importItem(current, other, object, {.name = true, .defaultValue = true}));
+        QCOMPARE(here(1), (QStringList{u"Speed 1"_s, u"5"_s, u"9"_s, u"v"_s}));
+        QCOMPARE(here(9), (QStringList{u"N"_s, u"5"_s, u"9"_s, u"v"_s}));
+        QCOMPARE(current.getIndexName(0, 0x2000), u"Speed"_s);
+        QVERIFY(ProjectMerge::importItemDefault(current, other, object));
+        QCOMPARE(here(1).value(0), u"N"_s);
+        QCOMPARE(current.getIndexName(0, 0x2000), u"RPM"_s);
+        comparison.refresh();
+        QCOMPARE(comparison.differenceCount(), 0);
+
+        // Nothing is taken over where writes are refused.
+        current.setBlockUpdates(true);
+        QVERIFY(!ProjectMerge::importItemDefault(current, other, object));
+        QVERIFY(!ProjectMerge::deleteItem(current, object));
+        QVERIFY(!ProjectMerge::takeOverSetting(current, other, {.key = u"bitwise_mapping"_s}));
+        current.setBlockUpdates(false);
+        QVERIFY(current.indexExists(0, 0x2000));
+    }
+};
+
+QTEST_GUILESS_MAIN(TestProjectComparison)
+#include "tst_projectcomparison.moc"
