@@ -1,4 +1,5 @@
 #include "canopen/canopentypes.h"
+#include "canopen/numbertext.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
@@ -140,12 +141,11 @@ void checkLimits(LineCheck &check, quint16 index, const SubIndexModel &sub)
     if (!sub.useLimit) {
         return;
     }
-    bool readable = false;
-    const qlonglong value = sub.defaultvalue.toLongLong(&readable, 0);
-    const qlonglong low = sub.lowlimit.toLongLong(nullptr, 0);
-    const qlonglong high = sub.uplimit.toLongLong(nullptr, 0);
-    const bool inRange = low <= value && high >= value;
-    if (!inRange && readable && high != openUpperLimit) {
+    const auto value = NumberText::toSigned(sub.defaultvalue);
+    const qint64 low = NumberText::toSigned(sub.lowlimit).value_or(0);
+    const qint64 high = NumberText::toSigned(sub.uplimit).value_or(0);
+    const bool isOutside = value && (low > *value || high < *value);
+    if (isOutside && high != openUpperLimit) {
         check.reportSub(CheckId::DefaultOutOfLimits, index, sub.subindex);
     }
 }

@@ -1,5 +1,6 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
+#include "canopen/numbertext.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
@@ -159,9 +160,8 @@ void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &
     QString rest = text;
     rest.remove(QLatin1String("$nodeid+"), Qt::CaseInsensitive);
     const bool hasNodeId = rest.size() != text.size();
-    bool ok = false;
-    const quint32 number = rest.trimmed().toUInt(&ok, 0);
-    if (!ok || (number & cobIdInvalid) != 0) {
+    const auto number = NumberText::toUnsigned32(rest);
+    if (!number || (*number & cobIdInvalid) != 0) {
         return;
     }
     const auto mapping = static_cast<quint16>(communication.index + mappingDistance);
@@ -170,7 +170,7 @@ void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &
         check.reportObject(CheckId::PdoEnabledButEmpty, communication.index, {hexIndex(mapping)});
     }
     const QString key =
-        QStringLiteral("%1:0x%2").arg(hasNodeId ? 1 : 0).arg(number & cobIdBits, 0, 16);
+        QStringLiteral("%1:0x%2").arg(hasNodeId ? 1 : 0).arg(*number & cobIdBits, 0, 16);
     const auto user = users.constFind(key);
     if (user != users.constEnd()) {
         check.reportObject(CheckId::CobIdCollision, communication.index, {text, hexIndex(*user)});

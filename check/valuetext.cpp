@@ -1,6 +1,7 @@
 #include "check/valuetext.h"
 
 #include "canopen/canopentypes.h"
+#include "canopen/numbertext.h"
 
 #include <QRegularExpression>
 #include <QStringList>
@@ -62,12 +63,14 @@ bool isValueConvertible(quint16 dataType, const QString &text)
     switch (readingOf(dataType)) {
     case Reading::Unsigned:
         if (!text.contains(QLatin1String("$NODEID"))) {
-            text.toULongLong(&ok, 0);
+            ok = NumberText::toUnsigned(text).has_value();
         }
         break;
-    case Reading::Signed:
-        text.toInt(&ok, 0);
+    case Reading::Signed: {
+        const auto number = NumberText::toSigned(text);
+        ok = number && *number == static_cast<qint32>(*number);
         break;
+    }
     case Reading::Float:
         text.toFloat(&ok);
         break;
@@ -79,9 +82,7 @@ bool isValueConvertible(quint16 dataType, const QString &text)
 
 quint64 toNumber(const QString &text)
 {
-    bool ok = false;
-    const quint64 number = text.toULongLong(&ok, 0);
-    return ok ? number : 0;
+    return NumberText::toUnsigned(text).value_or(0);
 }
 
 quint8 toByte(const QString &text)

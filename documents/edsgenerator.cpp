@@ -1,6 +1,7 @@
 #include "documents/edsgenerator.h"
 
 #include "canopen/helper.h"
+#include "canopen/numbertext.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/generationclock.h"
 
@@ -67,10 +68,8 @@ quint16 entryDataType(const ObjectDataBase::SUBINDEX_DATA_T &entry)
     if (!entry.metadata.isEmpty()) {
         const auto attribute = entry.metadata.constFind(dataTypeKey);
         if (attribute != entry.metadata.constEnd()) {
-            bool ok = false;
-            const uint number = attribute->toUInt(&ok, 0);
-            if (ok)
-                return static_cast<quint16>(number);
+            if (const auto number = NumberText::toUnsigned32(*attribute))
+                return static_cast<quint16>(*number);
         }
     }
     // The bit-sized signal types have no number in CiA 301.
@@ -423,6 +422,6 @@ bool EDSGenerator::hasGroupMapping() const
             return false;
         ObjectDataBase::SUBINDEX_DATA_T entry;
         store()->getSubIndexData(m_line, index, 0, entry);
-        return withoutDisplayMark(entry.defaultvalue).toUInt(nullptr, 0) >= 254;
+        return NumberText::toUnsigned32(withoutDisplayMark(entry.defaultvalue)).value_or(0) >= 254;
     });
 }

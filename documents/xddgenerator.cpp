@@ -1,5 +1,6 @@
 #include "documents/xddgenerator.h"
 
+#include "canopen/numbertext.h"
 #include "documents/htmlpage.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/generationclock.h"
@@ -70,7 +71,7 @@ QString XDDGenerator::xmlText(const QString &text)
 
 QString XDDGenerator::fileName() const
 {
-    const QString vendor = hexText(identityValue(1).toUInt(nullptr, 0), 8);
+    const QString vendor = hexText(NumberText::toUnsigned32(identityValue(1)).value_or(0), 8);
     return QStringLiteral("%1_%2.xdd").arg(vendor, baseName());
 }
 
@@ -149,12 +150,11 @@ void XDDGenerator::writeDeviceProfile(QXmlStreamWriter &xml) const
 void XDDGenerator::writeDeviceIdentity(QXmlStreamWriter &xml) const
 {
     const QString vendor = identityValue(1);
-    bool isNumber = false;
-    const uint number = vendor.toUInt(&isNumber, 0);
+    const auto number = NumberText::toUnsigned32(vendor);
     xml.writeStartElement(QStringLiteral("DeviceIdentity"));
     xml.writeTextElement(QStringLiteral("vendorName"), setting("VendorName"));
     xml.writeTextElement(QStringLiteral("vendorID"),
-                         isNumber ? QLatin1String("0x") + hexText(number, 8) : xmlText(vendor));
+                         number ? QLatin1String("0x") + hexText(*number, 8) : xmlText(vendor));
     xml.writeTextElement(QStringLiteral("productName"), setting("ProductName"));
     xml.writeEndElement();
 }

@@ -15,7 +15,6 @@ namespace {
 
 using Facts = DictionaryFacts;
 using Sub = ObjectDataBase::SUBINDEX_DATA_T;
-using DictionaryTypes::NumberBase;
 
 struct Access
 {
@@ -132,7 +131,7 @@ void Collector::collectSrdoMapping(quint8 line)
             const QString &text =
                 data.currentvalue.isEmpty() ? data.defaultvalue : data.currentvalue;
             quint64 entry = 0;
-            DictionaryTypes::parse(CAN::UNSIGNED32, text, NumberBase::Automatic, entry);
+            DictionaryTypes::parse(CAN::UNSIGNED32, text, NumberText::Base::Automatic, entry);
             if (entry == 0)
                 continue;
             const auto mapped = Facts::subKey(line, quint16(entry >> 16), quint8(entry >> 8));
@@ -291,7 +290,7 @@ const char *Collector::specifier(quint16 index, quint8 sub, quint8 implementatio
 void Collector::collectConstant(Facts::Entry &entry, const Sub &data)
 {
     if (DictionaryTypes::isNumeric(entry.group)) {
-        DictionaryTypes::parse(entry.dataType, data.defaultvalue, NumberBase::Automatic,
+        DictionaryTypes::parse(entry.dataType, data.defaultvalue, NumberText::Base::Automatic,
                                entry.value);
         entry.defaultPosition = numberPosition(entry.group, entry.value);
     } else if (DictionaryTypes::isString(entry.group)) {
@@ -313,11 +312,11 @@ void Collector::collectLimits(Facts::Entry &entry, const Sub &data)
 quint32 Collector::limitPosition(const Facts::Entry &entry, const QString &text, bool isLow)
 {
     quint64 value = 0;
-    if (!DictionaryTypes::parse(entry.dataType, text, NumberBase::DecimalUnlessHexMark, value)) {
+    if (!DictionaryTypes::parse(entry.dataType, text, NumberText::Base::Decimal, value)) {
         QString low;
         QString high;
         COHelper::getDefaultLimits(entry.dataType, low, high);
-        DictionaryTypes::parse(entry.dataType, isLow ? low : high, NumberBase::DecimalUnlessHexMark,
+        DictionaryTypes::parse(entry.dataType, isLow ? low : high, NumberText::Base::Decimal,
                                value);
     }
     return numberPosition(entry.group, value);

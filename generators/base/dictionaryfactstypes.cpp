@@ -4,14 +4,12 @@
 
 #include <QRegularExpression>
 #include <QStringEncoder>
-#include <QVarLengthArray>
 
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <charconv>
 #include <cmath>
-#include <limits>
 
 namespace {
 
@@ -146,47 +144,6 @@ bool parseDouble(const QString &text, quint64 &value)
     return ok;
 }
 
-/// Without an allocation for what fits: every subindex has a number or more.
-bool parseDigits(QStringView text, int radix, quint64 &magnitude, std::errc &error)
-{
-    QVarLengthArray<char, 32> digits;
-    for (const QChar character : text)
-        digits.append(character.toLatin1());
-    const char *last = digits.constData() + digits.size();
-    const auto result = std::from_chars(digits.constData(), last, magnitude, radix);
-    error = result.ec;
-    return !digits.isEmpty() && error != std::errc::invalid_argument && result.ptr == last;
-}
-
-bool parseInteger(QStringView text, DictionaryTypes::NumberBase base, quint64 &value)
-{
-    const bool isNegative = text.startsWith(QLatin1Char('-'));
-    if (isNegative || text.startsWith(QLatin1Char('+')))
-        text = text.mid(1);
-    int radix = 10;
-    if (text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)) {
-        radix = 16;
-        text = text.mid(2);
-    } else if (base == DictionaryTypes::NumberBase::Automatic && text.size() > 1 &&
-               text.startsWith(QLatin1Char('0'))) {
-        radix = 8;
-    }
-    quint64 magnitude = 0;
-    std::errc error{};
-    if (!parseDigits(text, radix, magnitude, error)) {
-        value = 0;
-        return false;
-    }
-    if (error == std::errc::result_out_of_range)
-        magnitude = std::numeric_limits<quint64>::max();
-    constexpr quint64 lowest = quint64(1) << 63;
-    if (isNegative)
-        value = magnitude > lowest ? lowest : ~magnitude + 1;
-    else
-        value = magnitude;
-    return true;
-}
-
 QByteArray floatLiteral(quint32 bits)
 {
     const float value = std::bit_cast<float>(bits);
@@ -233,16 +190,17 @@ QString DictionaryTypes::withoutNodeId(const QString &text)
     return QString(text).remove(summand).trimmed();
 }
 
-bool DictionaryTypes::parse(quint16 dataType, const QString &text, NumberBase base, quint64 &value)
+bool DictionaryTypes::parse(quint16 dataType, const QString &text, NumberText::Base base,
+                            quint64 &value)
 {
-    if (dataType != CAN::REAL32 && dataType != CAN::REAL64 && !text.contains(QLatin1Char('$')))
-        return parseInteger(QStringView(text).trimmed(), base, value);
     const QString number = withoutNodeId(text);
     if (dataType == CAN::REAL32)
         return parseFloat(number, value);
     if (dataType == CAN::REAL64)
         return parseDouble(number, value);
-    return parseInteger(number, base, value);
+    const auto bits = NumberText::toBits(number, base);
+    value = bits.value_or(0);
+    return bits.has_value();
 }
 
 QByteArray DictionaryTypes::stringBytes(quint16 dataType, const QString &text)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "canopen/numbertext.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -62,11 +64,6 @@ namespace DictionaryTypes {
     return group >= TableGroup::I8 && group <= TableGroup::I32;
 }
 
-enum class NumberBase : quint8 {
-    Automatic,           ///< 0x hexadecimal, a leading 0 octal, else decimal
-    DecimalUnlessHexMark ///< 0x hexadecimal, else decimal
-};
-
 /// A text without its "$NODEID" summand, in any case and with or without blanks.
 [[nodiscard]] QString withoutNodeId(const QString &text);
 /// The text adds the node-id, as "$NODEID+0x180".
@@ -75,7 +72,7 @@ enum class NumberBase : quint8 {
 /// A value in the 64 bits in which the tables keep it: two's complement, the bit pattern of
 /// REAL32 and REAL64. A number beyond 64 bits becomes the nearest one; false, and 0, for a text
 /// that is no number of the type. The number may be beyond its type, it is kept as it is told.
-bool parse(quint16 dataType, const QString &text, NumberBase base, quint64 &value);
+bool parse(quint16 dataType, const QString &text, NumberText::Base base, quint64 &value);
 
 /// The bytes of a string default. VISIBLE_STRING gives one byte a character where the text allows
 /// it (ISO 8859-1), UTF8_STRING gives UTF-8, UNICODE_STRING 16 bit units, low byte first; an

@@ -1,5 +1,7 @@
 #include "generators/define/usersection.h"
 
+#include "canopen/numbertext.h"
+
 #include <QByteArrayView>
 #include <QCoreApplication>
 #include <QDir>
@@ -53,9 +55,7 @@ std::optional<quint64> countIn(QByteArrayView line)
     while (number.endsWith('u') || number.endsWith('U') || number.endsWith('l') ||
            number.endsWith('L'))
         number.chop(1);
-    bool ok = false;
-    const quint64 count = number.toULongLong(&ok, 0);
-    return ok ? std::optional(count) : std::nullopt;
+    return NumberText::toUnsigned(QString::fromLatin1(number));
 }
 
 void append(QByteArray &lines, QByteArrayView line)

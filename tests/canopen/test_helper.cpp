@@ -1,9 +1,13 @@
 #include "canopen/helper.h"
+#include "canopen/numbertext.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <limits>
+#include <optional>
 
 /// Text utilities: variables in names, lists of numbers, bytes for C, line ends of files.
 class TestHelper : public QObject
@@ -18,6 +22,7 @@ private slots:
     void subindexMinusOne();
     void numberLists_data();
     void numberLists();
+    void numberTexts();
     void utf8Arrays();
     void lineEnds_data();
     void lineEnds();
@@ -159,6 +164,25 @@ void TestHelper::numberLists()
     const QString once = Helper::addLowerCaseUtoNumberLists(text);
     QCOMPARE(once, result);
     QCOMPARE(Helper::addLowerCaseUtoNumberLists(once), result);
+}
+
+void TestHelper::numberTexts()
+{
+    using namespace NumberText;
+    for (const char *text : {"", " ", "-", "+", "0x", "0b11", "08", "--5", "+-5", "1 2", "5u", "x"})
+        QVERIFY2(!toBits(QString::fromLatin1(text)), text);
+    QCOMPARE(toUnsigned(u" 0X1f "), std::optional<quint64>(31));
+    QCOMPARE(toUnsigned(u"+017"), std::optional<quint64>(15));
+    QCOMPARE(toUnsigned(u"017", Base::Decimal), std::optional<quint64>(17));
+    QCOMPARE(toUnsigned(u"18446744073709551616"), std::nullopt);
+    QCOMPARE(toUnsigned(u"-1"), std::nullopt);
+    QCOMPARE(toUnsigned32(u"0xFFFFFFFF"), std::optional<quint32>(0xFFFFFFFF));
+    QCOMPARE(toUnsigned32(u"0x100000000"), std::nullopt);
+    QCOMPARE(toSigned(u"-0x10"), std::optional<qint64>(-16));
+    QCOMPARE(toSigned(u"-9223372036854775808"), std::optional(std::numeric_limits<qint64>::min()));
+    QCOMPARE(toSigned(u"9223372036854775808"), std::nullopt);
+    QCOMPARE(toBits(u"-99999999999999999999"), std::optional(quint64(1) << 63));
+    QCOMPARE(toBits(u"99999999999999999999"), std::optional(~quint64(0)));
 }
 
 void TestHelper::utf8Arrays()

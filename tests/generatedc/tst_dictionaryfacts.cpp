@@ -79,11 +79,10 @@ void TestDictionaryFacts::literals()
     QFETCH(quint16, dataType);
     QFETCH(QString, text);
     const TableGroup group = DictionaryTypes::of(dataType).group;
-    using DictionaryTypes::NumberBase;
     quint64 value = 0;
-    DictionaryTypes::parse(dataType, text, NumberBase::Automatic, value);
+    DictionaryTypes::parse(dataType, text, NumberText::Base::Automatic, value);
     QTEST(DictionaryTypes::literal(group, value), "automatic");
-    DictionaryTypes::parse(dataType, text, NumberBase::DecimalUnlessHexMark, value);
+    DictionaryTypes::parse(dataType, text, NumberText::Base::Decimal, value);
     QTEST(DictionaryTypes::literal(group, value), "decimal");
 }
 
