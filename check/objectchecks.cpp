@@ -40,6 +40,12 @@ bool isSubZeroWritable(const ObjectModel &object)
     return zero != nullptr && zero->accesstype == QLatin1String("rw");
 }
 
+/// Only these have a subindex 0 that tells of others; that of a DOMAIN is its data.
+bool isListObject(const ObjectModel &object)
+{
+    return object.objecttype == CANopen::ARRAY || object.objecttype == CANopen::RECORD;
+}
+
 /// Whether subindex 0 must mirror the highest subindex.
 bool isSubZeroRuleApplicable(const ObjectModel &object)
 {
@@ -57,7 +63,7 @@ bool isSubZeroRuleApplicable(const ObjectModel &object)
 void correctSubZeroValue(LineCheck &check, const ObjectModel &object)
 {
     const quint8 highest = object.subs.back().subindex;
-    if (check.autoCorrectionDisabled || object.find(0) == nullptr ||
+    if (check.autoCorrectionDisabled || !isListObject(object) || object.find(0) == nullptr ||
         toByte(object.value(0)) == highest || !isSubZeroRuleApplicable(object)) {
         return;
     }
@@ -69,7 +75,8 @@ void correctSubZeroValue(LineCheck &check, const ObjectModel &object)
 void correctSubZeroImplementation(LineCheck &check, const ObjectModel &object)
 {
     const SubIndexModel *zero = object.find(0);
-    if (check.autoCorrectionDisabled || zero->implementation == CANopen::ManagedConst ||
+    if (check.autoCorrectionDisabled || !isListObject(object) ||
+        zero->implementation == CANopen::ManagedConst ||
         zero->implementation == CANopen::VirtualObject ||
         zero->accesstype != QLatin1String("const") || !isSubZeroRuleApplicable(object)) {
         return;
@@ -107,7 +114,10 @@ void checkVariableName(LineCheck &check, quint16 index, const SubIndexModel &sub
     if (sub.varname.isEmpty()) {
         check.reportSub(CheckId::VariableNameMissing, index, sub.subindex);
     }
-    if (sub.varname.contains(u' ') || sub.varname.contains(u',') || sub.varname.contains(u';')) {
+    const bool isInvalid = std::any_of(sub.varname.begin(), sub.varname.end(), [](QChar character) {
+        return character.isSpace() || character == u',' || character == u';';
+    });
+    if (isInvalid) {
         check.reportSub(CheckId::VariableNameInvalid, index, sub.subindex);
     }
 }
@@ -155,9 +165,7 @@ void checkSubIndex(LineCheck &check, const ObjectModel &object, const SubIndexMo
     if (!check.limitCheckEnabled && sub.useLimit) {
         check.reportSub(CheckId::LimitCheckDisabled, object.index, sub.subindex);
     }
-    const bool hasSubs =
-        object.objecttype == CANopen::ARRAY || object.objecttype == CANopen::RECORD;
-    if (hasSubs && sub.name.isEmpty()) {
+    if (isListObject(object) && sub.name.isEmpty()) {
         check.reportSub(CheckId::SubIndexNameMissing, object.index, sub.subindex);
     }
     checkVariableName(check, object.index, sub);

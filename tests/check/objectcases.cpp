@@ -161,6 +161,16 @@ QList<CheckCase> subZeroCases()
           "this subindex."},
          0,
          record("3", Make::implementation(CANopen::VirtualObject))},
+        {"constant subindex 0, not of a DOMAIN",
+         record("2", Make::implementation(CANopen::Variable, "text")),
+         {corrected.arg("2100"),
+          "<i>Corrected: Object 0x2100-0</i>:'Managed Const' is used as implementation type for "
+          "this subindex."},
+         0,
+         [](Project &p) {
+             record("2", Make::implementation(CANopen::Variable, "text"))(p);
+             p.setObjectType(0x2100, CANopen::DOMAIN_OBJECT);
+         }},
         {"subindex 0 not in the EDS",
          record("3", [](Sub &sub) { sub.writedefaulttoeds = 0; }),
          {"Warning: Object 0x2100-0:The defaultvalue of this subindex should be written into the "
@@ -213,6 +223,11 @@ QList<CheckCase> subIndexCases()
          {subText + "The variable name contains invalid characters like spaces or commas."},
          1,
          named(CANopen::Variable, "myData[3].value")},
+        {"variable name with a line break",
+         named(CANopen::Variable, "a\nb"),
+         {subText + "The variable name contains invalid characters like spaces or commas."},
+         1,
+         named(CANopen::ManagedVariable, "a\tb")},
         {"variable name with a semicolon",
          named(CANopen::Variable, "a;b"),
          {subText + "The variable name contains invalid characters like spaces or commas."},
