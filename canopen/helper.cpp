@@ -69,6 +69,16 @@ QString Helper::substituteVariables(const QString &text, quint16 index, quint8 s
     return NameVariables(index, subindex, line).substitute(text).value_or(text);
 }
 
+QString Helper::onOneLine(const QString &text)
+{
+    QString line = text;
+    for (QChar &character : line) {
+        if (character.isSpace())
+            character = u' ';
+    }
+    return line;
+}
+
 QString Helper::addLowerCaseUtoNumberLists(const QString &text)
 {
     QString result;

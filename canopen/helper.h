@@ -22,6 +22,9 @@ public:
     /// whole.
     [[nodiscard]] static QString substituteVariables(const QString &text, quint16 index,
                                                      quint8 subindex, quint8 line);
+    /// The text with a blank in place of each tab, line break and other white space, as it stands
+    /// in one line of C.
+    [[nodiscard]] static QString onOneLine(const QString &text);
     /// "1,0x20, 3" to "1u,0x20u, 3u"; entries that are no numbers, or end in "u", stay.
     [[nodiscard]] static QString addLowerCaseUtoNumberLists(const QString &text);
     /// The UTF-8 bytes of a text as the initialiser of a C array, without braces: "0x41, 0x42".

@@ -64,10 +64,10 @@ QString CSVGenerator::entryRow(const Object &object, const Entry &entry)
     return CsvRow::text(
         {CsvRow::indexText(object.index), CsvRow::subindexText(entry.subindex),
          isVariable ? object.data.name : data.name, dataTypeText(data.datatype), data.accesstype,
-         data.defaultvalue, data.varname, data.lowlimit, data.uplimit, flag(data.defaultineds),
-         flag(data.limitineds), flag(data.refuseread), flag(data.refusewrite),
-         flag(isDefaultExported(data)), CsvRow::implementationWord(data.implementation),
-         QString::number(data.size),
+         data.defaultvalue, CsvRow::Variable{data.varname}, data.lowlimit, data.uplimit,
+         flag(data.defaultineds), flag(data.limitineds), flag(data.refuseread),
+         flag(data.refusewrite), flag(isDefaultExported(data)),
+         CsvRow::implementationWord(data.implementation), QString::number(data.size),
          isVariable ? CsvRow::objectCodeWord(object.data.objecttype) : QString(),
          data.pdomapping.getCSVStringValue()});
 }

@@ -39,11 +39,17 @@ QString CsvRow::field(const QString &text)
     return QLatin1Char('"') + result + QLatin1Char('"');
 }
 
-QString CsvRow::text(const QStringList &fields)
+CsvRow::Field::Field(const Variable &variable)
+    : m_text(variable.name.trimmed().isEmpty() ? Helper::onOneLine(variable.name)
+                                               : field(variable.name))
+{
+}
+
+QString CsvRow::text(const QList<Field> &fields)
 {
     QString row;
-    for (const QString &text : fields) {
-        row += field(text);
+    for (const Field &field : fields) {
+        row += field.text();
         row += QLatin1Char(',');
     }
     row.back() = QLatin1Char('\n');

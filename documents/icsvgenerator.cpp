@@ -42,17 +42,17 @@ void ICSVGenerator::writeDocument(QIODevice &device)
 QString ICSVGenerator::objectRow(const Object &object) const
 {
     const QString none;
-    QStringList fields = {CsvRow::indexText(object.index),
-                          none, // sub
-                          CsvRow::objectCodeWord(object.data.objecttype),
-                          dataTypeText(object.dataType()),
-                          object.data.name,
-                          none,  // varname
-                          none,  // access
-                          none,  // mapable
-                          none,  // hasdefault
-                          none,  // defaultineds
-                          none}; // value
+    QList<CsvRow::Field> fields = {CsvRow::indexText(object.index),
+                                   none, // sub
+                                   CsvRow::objectCodeWord(object.data.objecttype),
+                                   dataTypeText(object.dataType()),
+                                   object.data.name,
+                                   none,  // varname
+                                   none,  // access
+                                   none,  // mapable
+                                   none,  // hasdefault
+                                   none,  // defaultineds
+                                   none}; // value
     if (m_withDescription)
         fields.append(object.data.description);
     fields += {none,  // size
@@ -69,18 +69,18 @@ QString ICSVGenerator::entryRow(const Object &object, const Entry &entry) const
     const ObjectDataBase::SUBINDEX_DATA_T &data = entry.data;
     // A variable has one row for itself and its value.
     const bool isVariable = !object.isCompound() && entry.subindex == 0;
-    QStringList fields = {CsvRow::indexText(object.index),
-                          CsvRow::subindexText(entry.subindex),
-                          entry.subindex == 0 ? CsvRow::objectCodeWord(object.data.objecttype)
-                                              : QString(),
-                          dataTypeText(data.datatype),
-                          isVariable ? object.data.name : data.name,
-                          data.varname,
-                          data.accesstype,
-                          data.pdomapping.getCSVStringValue(),
-                          flag(data.defaultineds),
-                          flag(isDefaultExported(data)),
-                          data.defaultvalue};
+    QList<CsvRow::Field> fields = {
+        CsvRow::indexText(object.index),
+        CsvRow::subindexText(entry.subindex),
+        entry.subindex == 0 ? CsvRow::objectCodeWord(object.data.objecttype) : QString(),
+        dataTypeText(data.datatype),
+        isVariable ? object.data.name : data.name,
+        CsvRow::Variable{data.varname},
+        data.accesstype,
+        data.pdomapping.getCSVStringValue(),
+        flag(data.defaultineds),
+        flag(isDefaultExported(data)),
+        data.defaultvalue};
     if (m_withDescription) {
         const bool isObjectText = isVariable && data.description.isEmpty();
         fields.append(isObjectText ? object.data.description : data.description);

@@ -69,6 +69,9 @@ void TestCsvGenerators::fields()
 {
     QFETCH(QString, text);
     QTEST(CsvRow::field(text), "expected");
+    // Only the name of a variable is nothing if it is blank.
+    QCOMPARE(CsvRow::text({CsvRow::Variable{" \t"}, QString(" "), CsvRow::Variable{" a"}}),
+             "  ,\" \",\" a\"\n");
 }
 
 /// What stands in the device description is told by two flags of three values.
