@@ -1,6 +1,6 @@
 #include "generators/base/commongeneratorhelper.h"
 
-#include "store/objectdatabase.h"
+#include "canopen/numbertext.h"
 
 #include <algorithm>
 
@@ -48,6 +48,12 @@ int CommonGeneratorHelper::number(const char *key) const
     return m_store ? m_store->getGeneralSetting(QLatin1String(key)).toInt(nullptr, 0) : 0;
 }
 
+quint32 CommonGeneratorHelper::j1939Number(const char *key) const
+{
+    const QString text = m_store ? m_store->getJ1939Setting(QLatin1String(key)) : QString();
+    return NumberText::toUnsigned32(text, NumberText::Base::Decimal).value_or(0);
+}
+
 int CommonGeneratorHelper::initStructureVersion(InitStructure structure) const
 {
     switch (structure) {
@@ -91,6 +97,25 @@ bool CommonGeneratorHelper::hasUds() const
     return std::any_of(all.begin(), all.end(), [this](quint8 line) { return hasUds(line); });
 }
 
+bool CommonGeneratorHelper::hasIsoTp() const
+{
+    return number("isotp_supported") > 0 || hasUds();
+}
+
+bool CommonGeneratorHelper::isSafetyMessage(const ObjectDataBase::PGN &pgn) const
+{
+    return pgn.isSafe != 0 && j1939Number("safetysupport") > 0;
+}
+
+quint32 CommonGeneratorHelper::sourceAddresses(const ObjectDataBase::PGN &pgn) const
+{
+    if (pgn.direction != ObjectDataBase::receive)
+        return 1;
+    const quint32 addresses =
+        isSafetyMessage(pgn) ? j1939Number("sdm_rec_addr_cnt") : pgn.multiSourceAddress;
+    return std::max<quint32>(addresses, 1);
+}
+
 QString CommonGeneratorHelper::protocolWord(quint8 line) const
 {
     const QString uds = QLatin1String(m_dialect.protocolPrefix) + QLatin1String("UDS");
@@ -120,8 +145,7 @@ QString CommonGeneratorHelper::commonInit() const
                        .arg(QLatin1String(m_dialect.commonInitType))
                        .arg(initStructureVersion(InitStructure::Common))
                        .arg(QLatin1String(m_dialect.prefix));
-    // UDS runs on ISO-TP, and gen_define.h then gives the structure these members too.
-    if (number("isotp_supported") > 0 || hasUds())
+    if (hasIsoTp())
         text += QLatin1String("\t{ ISOTP_CLIENT_COUNTS },\n\t{ ISOTP_SERVER_COUNTS },\n");
     text += QLatin1String("\t{ ") + words.join(QLatin1String(", "));
     if (number("canfd_supported") > 0)

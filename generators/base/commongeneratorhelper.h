@@ -1,11 +1,10 @@
 #pragma once
 
 #include "generators/base/stackdialect.h"
+#include "store/objectdatabase.h"
 
 #include <QObject>
 #include <QString>
-
-class ObjectDataBase;
 
 /// Text blocks of the generated initialisation code that several generators share, for the older
 /// generation of the stack. Has no state but the store, which outlives it; a setting that is
@@ -35,11 +34,20 @@ public:
     [[nodiscard]] bool hasUds(quint8 line) const;
     /// Any line has.
     [[nodiscard]] bool hasUds() const;
+    /// ISO-TP is part of the project: by its setting, or since UDS runs on it. gen_define.h has the
+    /// switch and the counts then.
+    [[nodiscard]] bool hasIsoTp() const;
+    /// The message is sent or received as safety data (SAE J1939-76), apart from all others.
+    [[nodiscard]] bool isSafetyMessage(const ObjectDataBase::PGN &pgn) const;
+    /// For how many source addresses the values of a received message are kept apart; 1 for one
+    /// place, which each reception overwrites.
+    [[nodiscard]] quint32 sourceAddresses(const ObjectDataBase::PGN &pgn) const;
 
 protected:
     CommonGeneratorHelper(ObjectDataBase *store, bool isV4);
 
     [[nodiscard]] int number(const char *key) const;
+    [[nodiscard]] quint32 j1939Number(const char *key) const;
 
     ObjectDataBase *m_store;
     const StackDialect &m_dialect;

@@ -290,8 +290,11 @@ const char *Collector::specifier(quint16 index, quint8 sub, quint8 implementatio
 void Collector::collectConstant(Facts::Entry &entry, const Sub &data)
 {
     if (DictionaryTypes::isNumeric(entry.group)) {
-        DictionaryTypes::parse(entry.dataType, data.defaultvalue, NumberText::Base::Automatic,
-                               entry.value);
+        const bool isRead = DictionaryTypes::parse(entry.dataType, data.defaultvalue,
+                                                   NumberText::Base::Automatic, entry.value);
+        // The node-id alone, and a text of nothing but blanks, stand for 0.
+        if (!isRead && !DictionaryTypes::withoutNodeId(data.defaultvalue).isEmpty())
+            problem(entry.place, QStringLiteral("the default value is no number that can be read"));
         entry.defaultPosition = numberPosition(entry.group, entry.value);
     } else if (DictionaryTypes::isString(entry.group)) {
         entry.defaultPosition = stringPosition(
@@ -393,8 +396,9 @@ void Collector::collectPointer(Facts::Entry &entry, const Sub &data)
     row.place = entry.place;
     row.isConstant = data.implementation == CANopen::ManagedConst;
     if (data.implementation == CANopen::Variable)
-        row.varName = Helper::substituteVariables(data.varname.trimmed(), entry.place.index,
-                                                  entry.place.sub, entry.place.line);
+        row.varName =
+            Helper::substituteVariables(Helper::onOneLine(data.varname).trimmed(),
+                                        entry.place.index, entry.place.sub, entry.place.line);
     entry.varName = row.varName;
     row.maximalSize = data.size;
     if (entry.group == TableGroup::Domain) {

@@ -1,5 +1,6 @@
 #include "generators/base/indicationtable.h"
 
+#include "canopen/linetype.h"
 #include "generators/base/codewriter.h"
 #include "store/objectdatabase.h"
 
@@ -13,7 +14,7 @@ namespace {
 constexpr std::array<StaticSwitch, 42> switchRows = {{
     {"fct_sdo_server_read", "CO_EVENT_STATIC_SDO_SERVER_READ"},
     {"fct_sdo_server_write", "CO_EVENT_STATIC_SDO_SERVER_WRITE"},
-    {"fct_sdo_server_check_write", "CO_EVENT_STATIC_SDO_SERVER_CHECK_WRITE"},
+    {"fct_sdo_server_check_write", "CO_EVENT_STATIC_SDO_SERVER_CHECK_WRITE", Stack::OnlyV3},
     {"fct_ssdo_domain_write", "CO_EVENT_STATIC_SSDO_DOMAIN_WRITE", Stack::OnlyV4},
     {"fct_ssdo_domain_read", "CO_EVENT_STATIC_SSDO_DOMAIN_READ", Stack::OnlyV4},
     {"fct_pdo", "CO_EVENT_STATIC_PDO"},
@@ -232,6 +233,17 @@ constexpr std::array<UdsBinding, 12> udsRows = {{
     {"uds_fct_generic", "UDS_EVENT_STATIC_GENERIC_FCT", "UNSIGNED8 ", "UDS_GENERIC_PARA_T *pPara"},
 }};
 
+constexpr const char *usdoServer = "usdo_server_enabled";
+constexpr const char *usdoClient = "usdo_client_enabled";
+
+bool isOnAnyLine(ObjectDataBase &store, const char *key)
+{
+    const QList<quint8> lines = store.getLines();
+    return std::any_of(lines.begin(), lines.end(), [&](quint8 line) {
+        return store.getGeneralLineSetting(QLatin1String(key), line).trimmed().toInt() > 0;
+    });
+}
+
 } // namespace
 
 std::span<const StaticSwitch> staticSwitches()
@@ -262,13 +274,12 @@ QString functionName(ObjectDataBase &store, const char *key)
 
 bool hasUsdo(ObjectDataBase &store)
 {
-    const QList<quint8> lines = store.getLines();
-    return std::any_of(lines.begin(), lines.end(), [&store](quint8 line) {
-        const auto isOn = [&](const char *key) {
-            return store.getGeneralLineSetting(QLatin1String(key), line).trimmed().toInt() > 0;
-        };
-        return isOn("usdo_server_enabled") || isOn("usdo_client_enabled");
-    });
+    return isOnAnyLine(store, usdoServer) || isOnAnyLine(store, usdoClient);
+}
+
+bool hasUsdoPointers(ObjectDataBase &store)
+{
+    return LineType::of(store.getLineType(0)).hasCANopen && isOnAnyLine(store, usdoServer);
 }
 
 } // namespace IndicationTable

@@ -66,5 +66,7 @@ struct UdsBinding
 [[nodiscard]] QString functionName(ObjectDataBase &store, const char *key);
 /// USDO servers or clients are in use on any line.
 [[nodiscard]] bool hasUsdo(ObjectDataBase &store);
+/// The stack takes USDO functions: line 0 is a CANopen line, and USDO servers are in use.
+[[nodiscard]] bool hasUsdoPointers(ObjectDataBase &store);
 
 } // namespace IndicationTable

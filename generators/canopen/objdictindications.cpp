@@ -92,7 +92,7 @@ constexpr std::array<Pointer, 41> pointers = {{
 
 QString ObjDictIndications::pointerDefinitions(ObjectDataBase &store, const StackDialect &dialect)
 {
-    const bool hasUsdo = IndicationTable::hasUsdo(store);
+    const bool hasUsdo = IndicationTable::hasUsdoPointers(store);
     QString text;
     for (const Pointer &pointer : pointers) {
         const char *declarator = dialect.isV4 ? pointer.v4 : pointer.v3;

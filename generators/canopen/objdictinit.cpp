@@ -1,6 +1,7 @@
 #include "generators/canopen/objdictinit.h"
 
 #include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
 
 namespace {
 
@@ -159,7 +160,10 @@ void ObjDictInit::writeServices(quint8 line)
     const QList<QByteArray> srdos = numberedCalls("coSrdoInit", line, 0x1301, 0x137F, 0x1300);
     for (const QByteArray &srdo : srdos)
         service(true, "SRDO", srdo);
-    service(m_context.lineNumber("isotp_connection_cnt", line) > 0, "ISO-TP", call("isoTpInit"));
+    // Connections that are left over from a project that had ISO-TP need no start.
+    const bool hasIsoTp = m_context.lineNumber("isotp_connection_cnt", line) > 0 &&
+                          CommonGeneratorHelper(&m_context.store).hasIsoTp();
+    service(hasIsoTp, "ISO-TP", call("isoTpInit"));
     service(m_context.number("idnego_supported") > 0, "ID negotiation", call("coIdNegoInit"));
     service(has(line, 0x100C) || m_context.number("bootup_manager") > 0, "node guarding",
             call("coGuardingInit"));

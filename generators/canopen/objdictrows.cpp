@@ -26,6 +26,9 @@ constexpr std::array<AttributeWord, 9> attributeWords = {{{Facts::Numeric, "CO_A
                                                           {Facts::Stored, "CO_ATTR_STORE"},
                                                           {Facts::Compact, "CO_ATTR_COMPACT"}}};
 
+constexpr ObjDictRows::TableKind descriptions{"description of the objects", "CO_OBJECT_DESC_T"};
+constexpr ObjDictRows::TableKind assignments{"object dictionary assignment", "CO_OD_ASSIGN_T"};
+
 // What the owner of a virtual object answers for itself.
 constexpr quint16 valueAttributes = Facts::HasDefault | Facts::HasLimits | Facts::Stored;
 
@@ -44,6 +47,10 @@ const char *objectKind(quint32 objectType)
         return "invalid";
     }
 }
+
+// The stack refers to the virtual tables also where the project has no such object, and C has no
+// table without a row.
+constexpr const char *emptyRow = "\t{ 0u } /* no objects */\n";
 
 quint32 column(quint32 position)
 {
@@ -148,11 +155,16 @@ void ObjDictRows::writeRow(const Facts::Entry &entry, bool isVirtual)
     m_out << m_row.constData();
 }
 
+void ObjDictRows::writeHead(const TableKind &kind, const char *name, const char *size)
+{
+    m_out << "\n/* " << kind.title << " */\n"
+          << m_context.dialect.constant << ' ' << kind.type << ' ' << m_context.dialect.constStorage
+          << ' ' << name << '[' << size << "] = {\n";
+}
+
 void ObjDictRows::writeDescription()
 {
-    m_out << "\n/* description of the objects */\n"
-          << m_context.dialect.constant << " CO_OBJECT_DESC_T " << m_context.dialect.constStorage
-          << " od_description[CO_OBJ_DESC_CNT] = {\n";
+    writeHead(descriptions, "od_description", "CO_OBJ_DESC_CNT");
     for (const quint32 position : m_context.facts.description)
         writeRow(m_context.facts.entries[position], false);
     m_out << "};\n";
@@ -160,9 +172,10 @@ void ObjDictRows::writeDescription()
 
 void ObjDictRows::writeVirtualDescription()
 {
-    m_out << "\n/* description of the objects */\n"
-          << m_context.dialect.constant << " CO_OBJECT_DESC_T " << m_context.dialect.constStorage
-          << " vod_description[CO_VOBJ_DESC_CNT] = {\n";
+    writeHead(descriptions, "vod_description",
+              m_context.facts.virtualDescription.empty() ? "1" : "CO_VOBJ_DESC_CNT");
+    if (m_context.facts.virtualDescription.empty())
+        m_out << emptyRow;
     for (const quint32 position : m_context.facts.virtualDescription)
         writeRow(m_context.facts.entries[position], true);
     m_out << "};\n";
@@ -177,9 +190,7 @@ void ObjDictRows::writeAssignRow(const Facts::Object &object, quint32 rows, quin
 
 void ObjDictRows::writeAssignment()
 {
-    m_out << "\n/* object dictionary assignment */\n"
-          << m_context.dialect.constant << " CO_OD_ASSIGN_T " << m_context.dialect.constStorage
-          << " od_assign[CO_OD_ASSIGN_CNT] = {\n";
+    writeHead(assignments, "od_assign", "CO_OD_ASSIGN_CNT");
     for (const quint32 position : m_context.facts.assignment) {
         const Facts::Object &object = m_context.facts.objects[position];
         writeAssignRow(object, object.rowCount, object.firstRow);
@@ -189,9 +200,10 @@ void ObjDictRows::writeAssignment()
 
 void ObjDictRows::writeVirtualAssignment()
 {
-    m_out << "\n/* object dictionary assignment */\n"
-          << m_context.dialect.constant << " CO_OD_ASSIGN_T " << m_context.dialect.constStorage
-          << " vod_assign[CO_VOD_ASSIGN_CNT] = {\n";
+    writeHead(assignments, "vod_assign",
+              m_context.facts.virtualAssignment.empty() ? "1" : "CO_VOD_ASSIGN_CNT");
+    if (m_context.facts.virtualAssignment.empty())
+        m_out << emptyRow;
     for (const quint32 position : m_context.facts.virtualAssignment) {
         const Facts::Object &object = m_context.facts.objects[position];
         writeAssignRow(object, object.virtualRowCount, object.firstVirtualRow);

@@ -17,7 +17,14 @@ public:
     void writeVirtualDescription();
     void writeVirtualAssignment();
 
+    struct TableKind
+    {
+        const char *title;
+        const char *type; ///< of a row
+    };
+
 private:
+    void writeHead(const TableKind &kind, const char *name, const char *size);
     void writeRow(const DictionaryFacts::Entry &entry, bool isVirtual);
     void appendValueColumns(const DictionaryFacts::Entry &entry);
     void appendVirtualValueColumns(const DictionaryFacts::Entry &entry);

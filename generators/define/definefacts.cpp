@@ -39,7 +39,10 @@ QString functionText(const QString &text)
 class Collector
 {
 public:
-    Collector(ObjectDataBase &store, bool isV4) : m_store(store), m_settings(store), m_isV4(isV4) {}
+    Collector(ObjectDataBase &store, bool isV4)
+        : m_store(store), m_helper(&store), m_settings(store), m_isV4(isV4)
+    {
+    }
 
     DefineFacts run(const std::function<bool()> &stop);
 
@@ -49,6 +52,7 @@ private:
     void collectSettings(Line &line);
     void collectPgns(Line &line);
     void countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn);
+    static void countSafePgn(Line &line, const ObjectDataBase::PGN &pgn);
     [[nodiscard]] bool isLong(quint8 line, const ObjectDataBase::PGN &pgn);
     void collectProfiles();
     [[nodiscard]] bool hasFlyingMaster() const;
@@ -58,6 +62,7 @@ private:
     [[nodiscard]] quint32 bufferSize(const QString &key, quint8 line, quint32 offered) const;
 
     ObjectDataBase &m_store;
+    CommonGeneratorHelper m_helper;
     DefineSettings m_settings;
     bool m_isV4;
     DefineFacts m_facts;
@@ -68,7 +73,8 @@ DefineFacts Collector::run(const std::function<bool()> &stop)
     m_facts.dictionary = DictionaryFacts::collect(
         m_store, DictionaryOptions::of(m_store, /*addressRows=*/!m_isV4), stop);
     m_facts.fdMode = m_settings.isOn(QStringLiteral("canfd_supported"));
-    m_facts.hasUds = CommonGeneratorHelper(&m_store).hasUds();
+    m_facts.hasUds = m_helper.hasUds();
+    m_facts.hasIsoTp = m_helper.hasIsoTp();
     selectLines();
     m_facts.isMaster = std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [&](const Line &l) {
         return m_settings.lineNumber(QStringLiteral("nmtmaster"), l.line) > 0;
@@ -89,7 +95,7 @@ DefineFacts Collector::run(const std::function<bool()> &stop)
 /// objects is left out, as it is in the dictionary.
 void Collector::selectLines()
 {
-    const QList<quint8> all = CommonGeneratorHelper(&m_store).lines();
+    const QList<quint8> all = m_helper.lines();
     for (const quint8 number : all) {
         Line line;
         line.line = number;
@@ -182,16 +188,22 @@ void Collector::collectSettings(Line &line)
 
 void Collector::countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn)
 {
-    constexpr quint8 fewestSources = 2;
+    const quint32 sources = m_helper.sourceAddresses(pgn);
     ++line.receivePgnConfigs;
-    line.receivePgns += std::max<quint8>(pgn.multiSourceAddress, 1);
-    line.hasMultiSourcePgns |= pgn.multiSourceAddress >= fewestSources;
+    line.receivePgns += sources;
+    line.hasMultiSourcePgns |= sources > 1;
+}
+
+void Collector::countSafePgn(Line &line, const ObjectDataBase::PGN &pgn)
+{
+    const bool isReceive = pgn.direction == ObjectDataBase::receive;
+    ++(isReceive ? line.safeReceivePgns : line.safeTransmitPgns);
+    line.safetyTypes.append(pgn.safetyType);
 }
 
 /// Safety messages are data of their own, and the stack brings the address claim.
 void Collector::collectPgns(Line &line)
 {
-    const bool hasSafety = m_settings.isJ1939On(QStringLiteral("safetysupport"));
     for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
         const bool isReceive = direction == ObjectDataBase::receive;
         for (const quint32 number : m_store.getPGNList(line.line, direction)) {
@@ -199,8 +211,8 @@ void Collector::collectPgns(Line &line)
             if (!m_store.getPGN(line.line, number, direction, pgn) ||
                 (!isReceive && number == addressClaim))
                 continue;
-            if (hasSafety && pgn.isSafe)
-                ++(isReceive ? line.safeReceivePgns : line.safeTransmitPgns);
+            if (m_helper.isSafetyMessage(pgn))
+                countSafePgn(line, pgn);
             else if (isReceive)
                 countReceivePgn(line, pgn);
             else
@@ -324,6 +336,12 @@ bool DefineFacts::any(bool Line::*property) const
 {
     return std::any_of(lines.begin(), lines.end(),
                        [property](const Line &line) { return line.*property; });
+}
+
+bool DefineFacts::hasSafetyType(quint8 type) const
+{
+    return std::any_of(lines.begin(), lines.end(),
+                       [type](const Line &line) { return line.safetyTypes.contains(type); });
 }
 
 DefineFacts DefineFacts::collect(ObjectDataBase &store, bool isV4,

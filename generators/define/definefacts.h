@@ -68,6 +68,7 @@ struct DefineFacts
         quint32 safeTransmitPgns = 0;
         bool hasLongPgns = false; ///< more than 8 bytes (SAE J1939-21 transport protocol)
         bool hasMultiSourcePgns = false;
+        QList<quint8> safetyTypes; ///< of the safe PGNs, see ObjectDataBase::PGN::safetyType
         quint32 receiveCanIds = 0;
         quint32 transmitCanIds = 0;
 
@@ -84,6 +85,7 @@ struct DefineFacts
     bool hasUsdoServer = false;
     bool hasUsdoClient = false;
     bool hasUds = false;
+    bool hasIsoTp = false;
     QList<quint32> profiles;      ///< distinct, in the order of the lines
     quint64 virtualFunctions = 0; ///< CiA 447: 0x6000, subindex 1 low and 2 high word
 
@@ -92,6 +94,8 @@ struct DefineFacts
     [[nodiscard]] QList<quint32> list(quint32 Line::*count) const;
     [[nodiscard]] QList<quint32> list(int DictionaryFacts::LineCounts::*count) const;
     [[nodiscard]] bool any(bool Line::*property) const;
+    /// A safe PGN of the type is on any line.
+    [[nodiscard]] bool hasSafetyType(quint8 type) const;
     [[nodiscard]] bool hasObject(quint16 index) const { return dictionary.hasObject(index); }
 
     [[nodiscard]] static DefineFacts collect(ObjectDataBase &store, bool isV4,

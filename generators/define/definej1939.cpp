@@ -16,7 +16,11 @@ struct SettingRow
     bool isNumber = false;
     const char *parent = nullptr;
     bool onlyV3 = false;
+    quint32 offered = 0; ///< what the form shows in place of 0 and of no number
 };
+
+constexpr quint32 offeredCycleTime = 50;   // milliseconds
+constexpr quint32 offeredBufferSize = 200; // bytes
 
 constexpr std::array<SettingRow, 25> serviceRows = {
     {{"rxindication_cnt", "J1939_REC_PGN_INDICATION_CNT", true},
@@ -29,16 +33,18 @@ constexpr std::array<SettingRow, 25> serviceRows = {
      {"recalladdrclaims", "J1939_REC_ALL_CLAIM_SUPPORT"},
      {"spnchanged", "J1939_EVENT_SPN_CHANGED"},
      {"bamsupport", "J1939_BAM_SUPPORTED"},
-     {"bamcycletime", "J1939_BAM_CYLE_TIME", true, "bamsupport"},
+     {"bamcycletime", "J1939_BAM_CYLE_TIME", true, "bamsupport", false, offeredCycleTime},
      {"nmea2000support", "J1939_NMEA2000_SUPPORTED"},
      {"cmdtsupport", "J1939_CMDT_SUPPORTED"},
      {"cmdtpackets", "J1939_CMDT_MAX_PACKETS", true, "cmdtsupport"},
      {"diagsupport", "J1939_DIAGNOSTIC_SUPPORTED"},
-     {"dm_receivesize", "J1939_DIAG_REC_BUF_SIZE", true, "diagsupport"},
-     {"dm_transmitsize", "J1939_DIAG_TR_BUF_SIZE", true, "diagsupport"},
+     {"dm_receivesize", "J1939_DIAG_REC_BUF_SIZE", true, "diagsupport", false, offeredBufferSize},
+     {"dm_transmitsize", "J1939_DIAG_TR_BUF_SIZE", true, "diagsupport", false, offeredBufferSize},
      {"diagtoolsupport", "J1939_DIAGNOSTIC_TOOL_SUPPORTED"},
-     {"dmtool_receivesize", "J1939_DIAGTOOL_REC_BUF_SIZE", true, "diagtoolsupport"},
-     {"dmtool_transmitsize", "J1939_DIAGTOOL_TR_BUF_SIZE", true, "diagtoolsupport"},
+     {"dmtool_receivesize", "J1939_DIAGTOOL_REC_BUF_SIZE", true, "diagtoolsupport", false,
+      offeredBufferSize},
+     {"dmtool_transmitsize", "J1939_DIAGTOOL_TR_BUF_SIZE", true, "diagtoolsupport", false,
+      offeredBufferSize},
      {"requestsupport", "J1939_REQUEST_SUPPORTED"},
      {"propsupport", "J1939_PROPRIETARY_SUPPORTED"},
      {"dynsupport", "J1939_DYNAMIC_PGN"},
@@ -108,12 +114,11 @@ void DefineSections::writePgnCounts()
 
 void DefineSections::writeSafety()
 {
-    const quint32 type = m_settings.j1939Number(QStringLiteral("safetysupport"));
-    if (type == 0)
+    if (!m_settings.isJ1939On(QStringLiteral("safetysupport")))
         return;
     m_out.flag(QStringLiteral("J1939_SDG_SUPPORTED"));
-    m_out.flagIf(isV4() && type == 1, QStringLiteral("J1939_SDG_TYPE_1_SUPPORTED"));
-    m_out.flagIf(isV4() && type == 2, QStringLiteral("J1939_SDG_TYPE_2_SUPPORTED"));
+    m_out.flagIf(isV4() && m_facts.hasSafetyType(1), QStringLiteral("J1939_SDG_TYPE_1_SUPPORTED"));
+    m_out.flagIf(isV4() && m_facts.hasSafetyType(2), QStringLiteral("J1939_SDG_TYPE_2_SUPPORTED"));
     m_out.count(QStringLiteral("J1939_SDG_TIMER_INTERVAL"),
                 m_settings.j1939Number(QStringLiteral("sdm_timer_interval")));
     if (isV4())
@@ -150,7 +155,8 @@ void DefineSections::writeJ1939Services()
         if ((row.onlyV3 && isV4()) ||
             (row.parent && !m_settings.isJ1939On(QLatin1String(row.parent))))
             continue;
-        const quint32 value = m_settings.j1939Number(QLatin1String(row.key));
+        const quint32 stored = m_settings.j1939Number(QLatin1String(row.key));
+        const quint32 value = stored > 0 ? stored : row.offered;
         m_out.count(QLatin1String(row.define), row.isNumber ? value : (value > 0 ? 1 : 0));
     }
 }

@@ -7,7 +7,7 @@
 
 void DefineSections::writeIsoTpAndUds()
 {
-    if (!isOn("isotp_supported") && !m_facts.hasUds)
+    if (!m_facts.hasIsoTp)
         return;
     writeIsoTp();
     writeUds();

@@ -4,6 +4,7 @@
 #include "canopen/cohelper.h"
 #include "canopen/helper.h"
 #include "generators/base/codewriter.h"
+#include "generators/base/commongeneratorhelper.h"
 #include "generators/base/dictionaryfactstypes.h"
 #include "store/objectdatabase.h"
 
@@ -70,7 +71,7 @@ class Collector
 {
 public:
     Collector(ObjectDataBase &store, const std::function<bool()> &stop)
-        : m_store(store), m_stop(stop)
+        : m_store(store), m_helper(&store), m_stop(stop)
     {
     }
 
@@ -86,6 +87,7 @@ private:
     void add(const QString &variable, const CType &type, quint32 elements, const QString &note);
 
     ObjectDataBase &m_store;
+    CommonGeneratorHelper m_helper;
     const std::function<bool()> &m_stop;
     QHash<QString, qsizetype> m_rowOf; ///< by name
 };
@@ -97,7 +99,7 @@ void Collector::add(const QString &variable, const CType &type, quint32 elements
 {
     static const QRegularExpression plain(
         QStringLiteral("^&?\\s*([A-Za-z_][A-Za-z0-9_]*)\\s*(?:\\[\\s*([0-9]{1,9})\\s*\\])?$"));
-    const QString text = variable.trimmed();
+    const QString text = Helper::onOneLine(variable).trimmed();
     if (text.isEmpty() || text.contains(QLatin1Char('(')))
         return;
     const QRegularExpressionMatch match = plain.match(text);
@@ -168,10 +170,8 @@ void Collector::collectPgns(quint8 line)
                     spn.implementation != CANopen::Variable)
                     continue;
                 const CType type = typeOf(spn.dataType, true);
-                // One value for each source address that is kept apart.
-                const quint32 sources =
-                    direction == ObjectDataBase::receive ? pgn.multiSourceAddress : 0;
-                add(spn.varName, type, type.isArray ? spn.bitSize / 8 : sources,
+                add(spn.varName, type,
+                    type.isArray ? spn.bitSize / 8 : m_helper.sourceAddresses(pgn),
                     QStringLiteral("SPN%1").arg(spnNumber));
             }
         }

@@ -359,6 +359,7 @@ void TestGenDefine::defines_data()
 
     const Build events = [](TestProject &project) {
         project.setting("fct_pdo_sync", "f");
+        project.setting("fct_sdo_server_check_write", "f");
         project.setting("fct_pdo_update", "f");
         project.setting("fct_can", "f");
         project.setting("event_pdo", "2");
@@ -380,9 +381,11 @@ void TestGenDefine::defines_data()
          {"CO_SLEEP_447", "1u"},
          {"CORE_SLEEP_SUPPORTED", "1u"},
          {"CO_SLEEP_WAITTIME", "500u"}},
-        {"CO_EVENT_DYNAMIC_SDO_SERVER_CHECK_WRITE", "CO_SLEEP_454"});
+        {"CO_EVENT_DYNAMIC_SDO_SERVER_CHECK_WRITE", "CO_EVENT_STATIC_SDO_SERVER_CHECK_WRITE",
+         "CO_SLEEP_454"});
     row("events", false, events,
         {{"CO_EVENT_STATIC_CAN", "1u"},
+         {"CO_EVENT_STATIC_SDO_SERVER_CHECK_WRITE", "1u"},
          {"CO_EVENT_DYNAMIC_SDO_SERVER_CHECK_WRITE", "2u"},
          {"CO_EVENT_DYNAMIC_CAN", "1u"},
          {"CO_SLEEP_447", "1u"}},
@@ -475,7 +478,14 @@ void TestGenDefine::protocols_data()
         pgn(project, 60928, ObjectDataBase::transmit, 0);
         ObjectDataBase &store = project.store();
         store.setJ1939Setting("bamsupport", "1");
-        store.setJ1939Setting("bamcycletime", "50");
+        store.setJ1939Setting("bamcycletime", "0");
+        store.setJ1939Setting("dm_transmitsize", "90");
+        store.setJ1939Setting("safetysupport", "1");
+        store.addPGN(0, 0xFED0,
+                     {.number = 0xFED0,
+                      .direction = ObjectDataBase::transmit,
+                      .isSafe = 1,
+                      .safetyType = 2});
         store.setJ1939Setting("diagsupport", "1");
         store.setJ1939Setting("diagsupport_dm3", "1");
         store.setJ1939Setting("diagsupport_dmtool4", "1");
@@ -488,13 +498,19 @@ void TestGenDefine::protocols_data()
                                       {"J1939_TRANSMIT_PGN_CNT", "1u"},
                                       {"J1939_MULTI_SRC_ADDR", "1u"},
                                       {"J1939_BAM_CYLE_TIME", "50u"},
+                                      {"J1939_DIAG_REC_BUF_SIZE", "200u"},
+                                      {"J1939_DIAG_TR_BUF_SIZE", "90u"},
+                                      {"J1939_SDG_TYPE_2_SUPPORTED", "1u"},
                                       {"J1939_DIAGNOSTIC_DM3_SUPPORTED", "1u"},
                                       {"J1939_CAM11_CAM21_SUPPORTED", "1u"},
                                       {"J1939_SSDO_COUNTS", "1u"},
                                       {"CO_SDO_SERVER_CNT", "1u"},
                                       {"GEN_J1939_INIT_STRUCT_VERSION", "6u"}}
-                           << QStringList{"CO_OBJECT_COUNTS", "CO_TXPDO_COUNTS",
-                                          "CANOPEN_SUPPORTED", "GEN_CANOPEN_INIT_STRUCT_VERSION",
+                           << QStringList{"CO_OBJECT_COUNTS",
+                                          "CO_TXPDO_COUNTS",
+                                          "CANOPEN_SUPPORTED",
+                                          "GEN_CANOPEN_INIT_STRUCT_VERSION",
+                                          "J1939_SDG_TYPE_1_SUPPORTED",
                                           "J1939_DIAGNOSTIC_TOOL_DM4_SUPPORTED"};
     QTest::newRow("CANopen and J1939")
         << "5" << true << true << messages

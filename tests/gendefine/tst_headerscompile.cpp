@@ -282,14 +282,23 @@ void TestHeadersCompile::declarations()
         for (const auto &[type, name] : variables)
             project.variable(line, index++, name, TestProject::application(type, "", name));
     }
-    store.addPGN(0, 0xFECA,
-                 {.number = 0xFECA, .direction = ObjectDataBase::receive, .multiSourceAddress = 3});
-    store.addSPN(0, 0xFECA, ObjectDataBase::receive, 84,
-                 {.dataType = CAN::BITS11,
-                  .pgn = 0xFECA,
-                  .direction = ObjectDataBase::receive,
-                  .spn = 84,
-                  .varName = "sources"});
+    // A safety message has a number of addresses of its own.
+    store.setJ1939Setting("safetysupport", "1");
+    store.setJ1939Setting("sdm_rec_addr_cnt", "4");
+    for (const auto &[number, isSafe, name] :
+         {std::tuple(0xFECA, 0, "sources"), std::tuple(0xFED0, 1, "safeSources")}) {
+        store.addPGN(0, number,
+                     {.number = quint32(number),
+                      .direction = ObjectDataBase::receive,
+                      .isSafe = quint8(isSafe),
+                      .multiSourceAddress = 3});
+        store.addSPN(0, number, ObjectDataBase::receive, 84,
+                     {.dataType = CAN::BITS11,
+                      .pgn = quint32(number),
+                      .direction = ObjectDataBase::receive,
+                      .spn = 84,
+                      .varName = name});
+    }
     store.addCANID(1, 0x20000123, {.id = 0x20000123, .direction = ObjectDataBase::transmit});
     store.addDataElement(1, 0x20000123, ObjectDataBase::transmit, 1,
                          {.dataType = CAN::BITS29,
@@ -305,6 +314,7 @@ void TestHeadersCompile::declarations()
     for (const char *text : {"extern UNSIGNED16 speed;\n", "extern UNSIGNED24 wide;\n",
                              "extern INTEGER8 table[8];\n", "extern char openText[];\n",
                              "/* PGN 0xfeca */\nextern UNSIGNED16 sources[3];\t/* SPN84 */\n",
+                             "extern UNSIGNED16 safeSources[4];\t/* SPN84 */\n",
                              "/* CAN-ID 1/0x123 ext */\nextern UNSIGNED32 raw;", "\n/* line 1*/\n"})
         QVERIFY2(header.count(text) == 1, text);
     QVERIFY(!header.contains("get"));

@@ -81,6 +81,8 @@ void GeneratedProject::generate()
     run(*makeGenerator<ObjDictGeneratorV4, ObjDictGenerator>(m_isV4, isCompact));
     const auto virtualGenerator = makeGenerator<VobjDictGeneratorV4, VobjDictGenerator>(m_isV4);
     virtualGenerator->setStore(&store);
+    virtualGenerator->setVirtualObjects(
+        store.getGeneralSetting("special_virtual_objects").toInt() != 0);
     m_hasVirtual = virtualGenerator->hasContent();
     if (m_hasVirtual)
         run(*virtualGenerator);

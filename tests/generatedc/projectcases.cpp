@@ -91,6 +91,10 @@ void unknownTypes(TestProject &project)
         project.variable(0, index++, "constant", TestProject::constant(type, "1"));
         project.variable(0, index++, "variable", TestProject::application(type, "1", "appU8"));
     }
+    // Defaults that are no numbers.
+    for (const char *value :
+         {"abc", "'", "\"", "*/", "1;", "0x", "0b11", "$NODEID+0x10+1", "1.5", "١"})
+        project.variable(0, index++, "odd", TestProject::sub(UNSIGNED16, QString::fromUtf8(value)));
 }
 
 void limits(TestProject &project)
@@ -182,6 +186,7 @@ void services(TestProject &project)
     project.setting("nmtmaster", "1");
     project.setting("idnego_supported", "1");
     project.setting("bootup_manager", "1");
+    project.setting("isotp_supported", "1");
     project.setting("isotp_connection_cnt", "2");
     project.setting("event_led", "1");
     project.variable(0, 0x1005, "SYNC", TestProject::sub(UNSIGNED32, "0x80"));
@@ -274,9 +279,7 @@ void hostileTexts(TestProject &project)
                      TestProject::application(VISIBLE_STRING, "123456789", "shortText", 4));
     project.variable(0, 0x2201, "exact",
                      TestProject::application(VISIBLE_STRING, "1234", "exactText", 4));
-    // Defaults that are no numbers.
-    for (const char *value : {"abc", "'", "\"", "*/", "1;", "0x", "$NODEID", "1.5", "١"})
-        project.variable(0, index++, "odd", TestProject::sub(UNSIGNED16, QString::fromUtf8(value)));
+    project.variable(0, index++, "node-id", TestProject::sub(UNSIGNED16, "$NODEID"));
 }
 
 constexpr const char *hostileVariables =
@@ -347,6 +350,11 @@ void staticIndications(TestProject &project)
     project.setting("fct_store_save", "appStore");
     project.setting("fct_led_red", "appLed");
     project.setting("fct_time", "appTime");
+    project.setting("isotp_connection_cnt", "2"); // of no use without ISO-TP
+    project.setting("special_virtual_objects", "1");
+    // The functions of a client alone have no pointers.
+    project.setting("usdo_client_enabled", "1");
+    project.setting("usdo_client_read_ind_function", "appRead");
 }
 
 constexpr const char *indicationFunctions =

@@ -162,7 +162,7 @@ void TestObjDictText::fragments_data()
         << QStringList{"/* definition of static indication function pointers "
                        "*/\nCORE_CONST CO_EVENT_SYNC_T coEventSyncInd = "
                        "appSync;\nCORE_CONST CO_EVENT_LED_T coEventLedRedInd"}
-        << QStringList{};
+        << QStringList{"coEventUsdoClientReadInd", "isoTpInit"};
     QTest::newRow("virtual, V4")
         << "every class" << true << "gen_vobjdict.c"
         << QStringList{" * virtual object dictionary for ", " (V4)\n * ",

@@ -33,8 +33,8 @@
 #define CO_REC_BUFFER_COUNTS	10u
 #define CO_TR_BUFFER_COUNTS	10u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT	70u
-#define CO_OBJECT_COUNTS	70u
+#define CO_OBJECTS_LINE_0_CNT	62u
+#define CO_OBJECT_COUNTS	62u
 /* COB definitions */
 #define CO_COB_CNT 4u
 #define CO_COB_COUNTS	CO_COB_CNT

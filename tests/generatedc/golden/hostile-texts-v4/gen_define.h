@@ -33,8 +33,8 @@
 #define CORE_REC_BUFFER_COUNTS	10u
 #define CORE_TR_BUFFER_COUNTS	10u
 /* Number of objects per line */
-#define CO_OBJECTS_LINE_0_CNT	70u
-#define CO_OBJECT_COUNTS	70u
+#define CO_OBJECTS_LINE_0_CNT	62u
+#define CO_OBJECT_COUNTS	62u
 /* COB definitions */
 #define CORE_COB_CNT 4u
 #define CORE_COB_COUNTS	CORE_COB_CNT

@@ -73,15 +73,7 @@
 #define I_UTF8_9	0x2125u
 #define I_OCTETS_9	0x2126u
 #define I_VARIABLE_9	0x2127u
-#define I_ODD	0x2128u
-#define I_ODD_1	0x2129u
-#define I_ODD_2	0x212au
-#define I_ODD_3	0x212bu
-#define I_ODD_4	0x212cu
-#define I_ODD_5	0x212du
-#define I_ODD_6	0x212eu
-#define I_ODD_7	0x212fu
-#define I_ODD_8	0x2130u
+#define I_NODE_ID	0x2128u
 #define I_TOO_LONG	0x2200u
 #define I_EXACT	0x2201u
 #endif /* GEN_INDICES_H */

@@ -79,6 +79,13 @@
 
 /* Hardware settings */
 
+
+/* ISO-TP Defines */
+#define ISOTP_SUPPORTED	1u
+#define ISOTP_CLIENT_COUNTS	0u
+#define ISOTP_SERVER_COUNTS	0u
+#define ISOTP_CONNECTION_CNT	2u
+
 #define CO_STORE_NVS_CNT	1u
 
 /* do not modify comments starting with 'user-specific section:' */

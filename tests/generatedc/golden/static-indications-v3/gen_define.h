@@ -16,12 +16,15 @@
 
 /* CANopen Defines */
 #define CO_SDO_SERVER_CNT	1u
+#define CO_USDO_SUPPORTED	1u
+#define CO_USDO_CLIENT_SUPPORTED	1u
 #define CO_PROFILE_401	1u
 
 #define CO_EVENT_STATIC_SYNC	1u
 #define CO_EVENT_STATIC_LED	1u
 #define CO_EVENT_STATIC_TIME	1u
 #define CO_EVENT_STATIC_STORE_SAVE	1u
+#define CO_EVENT_STATIC_CUSDO_CLIENT_READ 1u
 
 /* Definition of CAN queue sizes */
 #define CO_CONFIG_REC_BUFFER_CNT	10u
@@ -57,6 +60,9 @@
 
 /* Hardware settings */
 
+/* number of virtual objects */
+#define CO_VOD_ASSIGN_CNT	0u
+#define CO_VOBJ_DESC_CNT	0u
 #define CO_STORE_NVS_CNT	1u
 
 /* do not modify comments starting with 'user-specific section:' */

@@ -11,4 +11,5 @@ void appSync(UNSIGNED8 syncCounter);
 void appLed(BOOL_T ledState);
 void appTime(CO_TIME_T *pTime);
 RET_T appStore(UNSIGNED8 subIndex);
+void appRead(UNSIGNED8 nodeId, UNSIGNED16 index, UNSIGNED8 subIndex, RET_T result);
 #endif /* GEN_INDICATION*/

@@ -11,4 +11,5 @@ void appSync(UNSIGNED8 syncCounter);
 void appLed(BOOL_T ledState);
 void appTime(CO_TIME_T *pTime);
 RET_T appStore(UNSIGNED8 subIndex);
+void appRead(CO_EVENT_USDO_CLIENT_PARA_T *pPara);
 #endif /* GEN_INDICATION*/

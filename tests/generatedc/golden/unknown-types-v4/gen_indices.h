@@ -37,4 +37,14 @@
 #define I_MANAGED_5	0x200fu
 #define I_CONSTANT_5	0x2010u
 #define I_VARIABLE_5	0x2011u
+#define I_ODD	0x2012u
+#define I_ODD_1	0x2013u
+#define I_ODD_2	0x2014u
+#define I_ODD_3	0x2015u
+#define I_ODD_4	0x2016u
+#define I_ODD_5	0x2017u
+#define I_ODD_6	0x2018u
+#define I_ODD_7	0x2019u
+#define I_ODD_8	0x201au
+#define I_ODD_9	0x201bu
 #endif /* GEN_INDICES_H */
