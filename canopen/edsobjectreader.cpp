@@ -3,6 +3,8 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
 #include "canopen/edsvalue.h"
+#include "canopen/indextext.h"
+#include "canopen/objectranges.h"
 
 #include <QCoreApplication>
 
@@ -17,16 +19,6 @@ constexpr int firstSignalType = 100;
 QString tr(const char *text)
 {
     return QCoreApplication::translate("EdsParser", text);
-}
-
-QString hex(quint32 number, int width)
-{
-    return QString::number(number, 16).rightJustified(width, u'0');
-}
-
-bool isPdoMapping(quint16 index)
-{
-    return (index >= 0x1600 && index <= 0x17FF) || (index >= 0x1A00 && index <= 0x1BFF);
 }
 
 QString findingText(EdsValue::Finding finding)
@@ -59,8 +51,8 @@ QString findingText(EdsValue::Finding finding)
 
 QString EdsObjectReader::Where::text() const
 {
-    const QString object = QLatin1String("0x") + hex(index, 4);
-    return subindex < 0 ? object : object + QLatin1String("sub") + hex(quint32(subindex), 1);
+    const QString object = IndexText::hex(index);
+    return subindex < 0 ? object : object + QLatin1String("sub") + QString::number(subindex, 16);
 }
 
 EdsObjectReader::Key EdsObjectReader::keyOf(QByteArrayView name)
@@ -348,7 +340,7 @@ void EdsObjectReader::completeCount(CANopenSubindex &record, const Owner &owner,
 {
     if (record.description.isEmpty())
         record.description = owner.description;
-    const bool countsItself = owner.index == 0x1003 || (isPdoMapping(owner.index) &&
+    const bool countsItself = owner.index == 0x1003 || (ObjectRanges::isPdoMapping(owner.index) &&
                                                         record.accessType == QLatin1String("rw"));
     if (record.hasDefaultValue || countsItself)
         return;

@@ -5,6 +5,8 @@
 #include "canopen/edsobjectreader.h"
 #include "canopen/edssections.h"
 #include "canopen/edsvalue.h"
+#include "canopen/indextext.h"
+#include "canopen/objectranges.h"
 
 #include <QHash>
 
@@ -17,14 +19,8 @@ namespace {
 
 using Kind = EdsSections::Kind;
 
-constexpr quint16 firstObject = 0x1000; // below: data types
 constexpr int mostCommentLines = 10000;
 constexpr qsizetype mostDeviceValues = 20000;
-
-QString hexIndex(quint16 index)
-{
-    return QLatin1String("0x") + QString::number(index, 16).rightJustified(4, u'0');
-}
 
 } // namespace
 
@@ -194,7 +190,7 @@ quint32 EdsParser::State::countSubindices() const
 void EdsParser::State::chooseObjectCode(Facts &facts)
 {
     CANopen::CANopenIndex &record = facts.object.record;
-    const QString where = hexIndex(record.index);
+    const QString where = IndexText::hex(record.index);
     const bool hasEntries = facts.highest > 0 || record.compactSubObj > 0;
     const quint8 stated = record.objectCode;
     switch (stated) {
@@ -231,16 +227,16 @@ void EdsParser::State::mendObject(Facts &facts)
         return;
     facts.isMended = true;
     CANopen::CANopenIndex &record = facts.object.record;
-    const QString where = hexIndex(record.index);
+    const QString where = IndexText::hex(record.index);
     if (!facts.section)
         messages.add(facts.firstLine, tr("%1 has no section of its own.").arg(where));
     chooseObjectCode(facts);
     if (record.name.isEmpty()) {
-        record.name = QStringLiteral("unnamed object");
+        record.name = IndexText::unnamedObject;
         if (facts.section)
             messages.add(facts.firstLine, tr("%1 has no name.").arg(where));
     }
-    if (hasLists && !facts.isListed && record.index >= firstObject)
+    if (hasLists && !facts.isListed && record.index >= ObjectRanges::device.low)
         messages.add(facts.firstLine, tr("%1 stands in no list of objects.").arg(where));
     if (!facts.isComplex())
         return;
@@ -280,9 +276,9 @@ void EdsParser::State::checkList(const char *name, bool mandatory)
         ++found;
         const auto object = objects.find(static_cast<quint16>(*index));
         if (object == objects.end()) {
-            messages.add(entry.line,
-                         tr("[%1] lists %2, which the file does not describe.")
-                             .arg(QLatin1String(name), hexIndex(static_cast<quint16>(*index))));
+            messages.add(entry.line, tr("[%1] lists %2, which the file does not describe.")
+                                         .arg(QLatin1String(name),
+                                              IndexText::hex(static_cast<quint16>(*index))));
             return;
         }
         object->isListed = true;

@@ -1,5 +1,6 @@
 #include "check/linecheck.h"
 
+#include "canopen/indextext.h"
 #include "check/modelchecker.h"
 #include "check/valuetext.h"
 #include "store/objectdatabase.h"
@@ -56,12 +57,13 @@ void LineCheck::report(CheckId id, const QStringList &arguments, int index, int 
 
 void LineCheck::reportObject(CheckId id, quint16 index, const QStringList &more)
 {
-    report(id, QStringList(hexIndex(index)) + more, index);
+    report(id, QStringList(IndexText::digits(index)) + more, index);
 }
 
 void LineCheck::reportSub(CheckId id, quint16 index, quint8 subindex, const QStringList &more)
 {
-    report(id, QStringList{hexIndex(index), hexSubIndex(subindex)} + more, index, subindex);
+    report(id, QStringList{IndexText::digits(index), IndexText::subDigits(subindex)} + more, index,
+           subindex);
 }
 
 bool LineCheck::correctDefaultValue(quint16 index, quint8 subindex, const QString &value)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "check/checktable.h"
-#include "check/linemodel.h"
+#include "dictionary/linemodel.h"
 
 #include <QMap>
 #include <QString>

@@ -50,7 +50,4 @@ void checkSrdoMapping(LineCheck &check);
 void checkGranularity(LineCheck &check);
 void checkPredefinedConnectionSet(LineCheck &check);
 
-/// 0x1600 to 0x17FF and 0x1A00 to 0x1BFF.
-[[nodiscard]] bool isPdoMappingObject(quint16 index);
-
 } // namespace LineChecks

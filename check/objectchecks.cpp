@@ -1,5 +1,7 @@
 #include "canopen/canopentypes.h"
+#include "canopen/indextext.h"
 #include "canopen/numbertext.h"
+#include "canopen/objectranges.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
@@ -54,7 +56,7 @@ bool isSubZeroRuleApplicable(const ObjectModel &object)
     if (object.index == errorField) {
         return false;
     }
-    if (!LineChecks::isPdoMappingObject(object.index)) {
+    if (!ObjectRanges::isPdoMapping(object.index)) {
         return true;
     }
     return !isSubZeroWritable(object) && toByte(object.value(0)) < firstSpecialMapping;
@@ -200,11 +202,6 @@ void checkIndex(LineCheck &check, const ObjectModel &object)
 
 } // namespace
 
-bool LineChecks::isPdoMappingObject(quint16 index)
-{
-    return (index >= 0x1600 && index <= 0x17FF) || (index >= 0x1A00 && index <= 0x1BFF);
-}
-
 void LineChecks::checkValueConversions(LineCheck &check)
 {
     for (const ObjectModel &object : check.model.deviceObjects()) {
@@ -213,8 +210,8 @@ void LineChecks::checkValueConversions(LineCheck &check)
             if (!isValueConvertible(sub.datatype, sub.defaultvalue)) {
                 // the subindex is decimal behind its 0x, as logs have always shown it
                 check.report(CheckId::ValueConversion,
-                             {hexIndex(object.index), QString::number(sub.subindex)}, object.index,
-                             sub.subindex);
+                             {IndexText::digits(object.index), QString::number(sub.subindex)},
+                             object.index, sub.subindex);
             }
         }
     }
@@ -243,8 +240,9 @@ void LineChecks::checkVariableNames(LineCheck &check)
                 users.try_emplace(sub.varname, std::pair(object.index, sub.subindex));
             if (!isNew) {
                 const auto &[index, subindex] = first->second;
-                check.reportSub(CheckId::VariableNameUsedTwice, object.index, sub.subindex,
-                                {sub.varname, hexIndex(index), hexSubIndex(subindex)});
+                check.reportSub(
+                    CheckId::VariableNameUsedTwice, object.index, sub.subindex,
+                    {sub.varname, IndexText::digits(index), IndexText::subDigits(subindex)});
             }
         }
     }

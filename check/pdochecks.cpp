@@ -1,6 +1,8 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
+#include "canopen/indextext.h"
 #include "canopen/numbertext.h"
+#include "canopen/objectranges.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
@@ -14,30 +16,21 @@
 
 namespace {
 
-using Range = std::pair<quint16, quint16>;
-constexpr std::array<Range, 2> mappingRanges = {Range{0x1600, 0x17FF}, Range{0x1A00, 0x1BFF}};
-constexpr std::array<Range, 2> communicationRanges = {Range{0x1400, 0x15FF}, Range{0x1800, 0x19FF}};
+constexpr std::array mappingRanges = {ObjectRanges::receiveMappings,
+                                      ObjectRanges::transmitMappings};
+constexpr std::array communicationRanges = {ObjectRanges::receivePdos, ObjectRanges::transmitPdos};
 
-constexpr quint16 mappingDistance = 0x200;
+/// The TPDOs of the pre-defined connection set (CiA 301) are four.
+constexpr quint16 lastPredefinedMapping = ObjectRanges::transmitMappings.low + 3;
 /// CiA 301 maps 64 objects at most; numbers above mark special mappings.
 constexpr quint8 highestCount = 64;
 constexpr quint64 cobIdInvalid = 0x80000000U;
 constexpr quint64 cobIdBits = 0x1FFFFFFFU;
 
-/// A mapping entry (CiA 301): index, subindex and length in bits in one 32-bit number.
-struct MappingEntry
+MappingEntry mappingEntry(const QString &text)
 {
-    quint16 index;
-    quint8 subindex;
-    quint8 length;
-
-    explicit MappingEntry(const QString &text) : MappingEntry(toNumber(text)) {}
-    explicit MappingEntry(quint64 value)
-        : index(static_cast<quint16>(value >> 16)), subindex(static_cast<quint8>(value >> 8)),
-          length(static_cast<quint8>(value))
-    {
-    }
-};
+    return MappingEntry::fromNumber(toNumber(text));
+}
 
 bool isOneOf(const QString &text, std::initializer_list<const char *> values)
 {
@@ -48,7 +41,8 @@ bool isOneOf(const QString &text, std::initializer_list<const char *> values)
 /// What a mapped object must allow.
 void checkMappedObject(LineCheck &check, quint16 mapping, const MappingEntry &entry)
 {
-    const QStringList names = {hexIndex(entry.index), hexSubIndex(entry.subindex)};
+    const QStringList names = {IndexText::digits(entry.index),
+                               IndexText::subDigits(entry.subindex)};
     const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
     if (target == nullptr) {
         check.reportObject(CheckId::MappedObjectMissing, mapping, names);
@@ -58,12 +52,12 @@ void checkMappedObject(LineCheck &check, quint16 mapping, const MappingEntry &en
         check.reportObject(CheckId::MappedObjectForbidden, mapping, names);
     }
     const quint8 length = COHelper::getDataLengthBits(target->datatype);
-    if (entry.length < length) {
+    if (entry.bits < length) {
         check.reportObject(CheckId::MappedObjectTooSmall, mapping, names);
-    } else if (entry.length > length) {
+    } else if (entry.bits > length) {
         check.reportObject(CheckId::MappedObjectTooLarge, mapping, names);
     }
-    const bool transmit = mapping >= 0x1800;
+    const bool transmit = mapping >= ObjectRanges::transmitPdos.low;
     if (transmit && isOneOf(target->accesstype, {"wo", "rww"})) {
         check.reportObject(CheckId::MappedAccessTransmit, mapping, names);
     }
@@ -89,12 +83,12 @@ quint16 checkMappingEntries(LineCheck &check, const ObjectModel &mapping)
         if (sub.accesstype != access) {
             check.reportObject(CheckId::MappingAccessMixed, mapping.index);
         }
-        const MappingEntry entry(sub.defaultvalue);
+        const MappingEntry entry = mappingEntry(sub.defaultvalue);
         const bool active = sub.subindex <= count;
         if (active) {
-            totalBits = static_cast<quint16>(totalBits + entry.length);
+            totalBits = static_cast<quint16>(totalBits + entry.bits);
         }
-        if (entry.length >= 1 && entry.length <= 7) {
+        if (entry.bits >= 1 && entry.bits <= 7) {
             check.bitwiseSeen = true;
         }
         constexpr quint16 firstObject = 8; // below: data types, mapped as dummies
@@ -112,27 +106,29 @@ quint16 checkMappingEntries(LineCheck &check, const ObjectModel &mapping)
 void correctEmptyTransmitPdo(LineCheck &check, const ObjectModel &mapping)
 {
     const SubIndexModel *zero = mapping.find(0);
-    if (check.autoCorrectionDisabled || mapping.index < 0x1A00 || mapping.index > 0x1A03 ||
-        zero == nullptr || zero->accesstype != QLatin1String("rw") ||
-        toNumber(zero->defaultvalue) != 0) {
+    if (check.autoCorrectionDisabled || mapping.index < ObjectRanges::transmitMappings.low ||
+        mapping.index > lastPredefinedMapping || zero == nullptr ||
+        zero->accesstype != QLatin1String("rw") || toNumber(zero->defaultvalue) != 0) {
         return;
     }
-    const auto communication = static_cast<quint16>(mapping.index - mappingDistance);
+    const auto communication =
+        static_cast<quint16>(mapping.index - ObjectRanges::pdoMappingDistance);
     const QString before = check.model.value(communication, 1);
     const QString after = disabledCobId(before);
     if (!isCobIdDisabled(before) && after != before &&
         check.correctDefaultValue(communication, 1, after)) {
-        check.report(CheckId::PdoDisabledCorrected, {hexIndex(communication), after}, communication,
-                     1);
+        check.report(CheckId::PdoDisabledCorrected, {IndexText::digits(communication), after},
+                     communication, 1);
     }
 }
 
 void checkMappingObject(LineCheck &check, const ObjectModel &mapping)
 {
-    const auto communication = static_cast<quint16>(mapping.index - mappingDistance);
+    const auto communication =
+        static_cast<quint16>(mapping.index - ObjectRanges::pdoMappingDistance);
     if (!check.model.contains(communication)) {
         check.reportObject(CheckId::MappingWithoutCommunication, mapping.index,
-                           {hexIndex(communication)});
+                           {IndexText::digits(communication)});
     }
     const quint8 count = toByte(mapping.value(0));
     if (count <= highestCount && mapping.subs.size() < 2) {
@@ -164,16 +160,19 @@ void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &
     if (!number || (*number & cobIdInvalid) != 0) {
         return;
     }
-    const auto mapping = static_cast<quint16>(communication.index + mappingDistance);
+    const auto mapping =
+        static_cast<quint16>(communication.index + ObjectRanges::pdoMappingDistance);
     const SubIndexModel *mapped = check.model.find(mapping, 0);
     if (mapped != nullptr && toNumber(mapped->defaultvalue) == 0) {
-        check.reportObject(CheckId::PdoEnabledButEmpty, communication.index, {hexIndex(mapping)});
+        check.reportObject(CheckId::PdoEnabledButEmpty, communication.index,
+                           {IndexText::digits(mapping)});
     }
     const QString key =
         QStringLiteral("%1:0x%2").arg(hasNodeId ? 1 : 0).arg(*number & cobIdBits, 0, 16);
     const auto user = users.constFind(key);
     if (user != users.constEnd()) {
-        check.reportObject(CheckId::CobIdCollision, communication.index, {text, hexIndex(*user)});
+        check.reportObject(CheckId::CobIdCollision, communication.index,
+                           {text, IndexText::digits(*user)});
     } else {
         users.insert(key, communication.index);
     }
@@ -181,21 +180,22 @@ void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &
 
 void checkCommunicationObject(LineCheck &check, const ObjectModel &communication, CobIdUsers &users)
 {
-    const auto mapping = static_cast<quint16>(communication.index + mappingDistance);
+    const auto mapping =
+        static_cast<quint16>(communication.index + ObjectRanges::pdoMappingDistance);
     if (!check.model.contains(mapping)) {
         check.reportObject(CheckId::CommunicationWithoutMapping, communication.index,
-                           {hexIndex(mapping)});
+                           {IndexText::digits(mapping)});
     }
     const auto isExported = [&](quint8 subindex) {
         const SubIndexModel *sub = communication.find(subindex);
         return sub != nullptr && sub->isExported();
     };
     if (!isExported(1)) {
-        check.report(CheckId::CobIdNotInEds, {hexIndex(communication.index)}, communication.index,
-                     1);
+        check.report(CheckId::CobIdNotInEds, {IndexText::digits(communication.index)},
+                     communication.index, 1);
     }
     if (!isExported(2)) {
-        check.report(CheckId::TransmissionTypeNotInEds, {hexIndex(communication.index)},
+        check.report(CheckId::TransmissionTypeNotInEds, {IndexText::digits(communication.index)},
                      communication.index, 2);
     }
     checkCobId(check, communication, users);
@@ -232,8 +232,8 @@ const QMap<quint16, QStringList> &predefinedConnectionSet()
 
 void LineChecks::checkPdoMapping(LineCheck &check)
 {
-    for (const auto &[low, high] : mappingRanges) {
-        for (const ObjectModel &mapping : check.model.range(low, high)) {
+    for (const ObjectRange &range : mappingRanges) {
+        for (const ObjectModel &mapping : check.model.range(range)) {
             checkMappingObject(check, mapping);
         }
     }
@@ -242,8 +242,8 @@ void LineChecks::checkPdoMapping(LineCheck &check)
 void LineChecks::checkPdoCommunication(LineCheck &check)
 {
     CobIdUsers users;
-    for (const auto &[low, high] : communicationRanges) {
-        for (const ObjectModel &communication : check.model.range(low, high)) {
+    for (const ObjectRange &range : communicationRanges) {
+        for (const ObjectModel &communication : check.model.range(range)) {
             checkCommunicationObject(check, communication, users);
         }
     }
@@ -253,7 +253,7 @@ void LineChecks::checkPdoTimes(LineCheck &check)
 {
     constexpr quint8 inhibitTime = 3; // in 100 us
     constexpr quint8 eventTimer = 5;  // in ms
-    for (const ObjectModel &communication : check.model.range(0x1800, 0x19FF)) {
+    for (const ObjectModel &communication : check.model.range(ObjectRanges::transmitPdos)) {
         if (communication.find(inhibitTime) == nullptr ||
             communication.find(eventTimer) == nullptr) {
             continue;
@@ -267,24 +267,26 @@ void LineChecks::checkPdoTimes(LineCheck &check)
 
 void LineChecks::checkSrdoCommunication(LineCheck &check)
 {
-    for (const ObjectModel &communication : check.model.range(0x1301, 0x1340)) {
-        const auto mapping = static_cast<quint16>(communication.index + 0x80);
+    for (const ObjectModel &communication : check.model.range(ObjectRanges::srdos)) {
+        const auto mapping =
+            static_cast<quint16>(communication.index + ObjectRanges::srdoMappingDistance);
         if (!check.model.contains(mapping)) {
             check.reportObject(CheckId::SrdoWithoutMapping, communication.index,
-                               {hexIndex(mapping)});
+                               {IndexText::digits(mapping)});
         }
     }
 }
 
 void LineChecks::checkSrdoMapping(LineCheck &check)
 {
-    for (const ObjectModel &mapping : check.model.range(0x1381, 0x13BF)) {
+    for (const ObjectModel &mapping : check.model.range({ObjectRanges::srdoMappings.low, 0x13BF})) {
         for (const SubIndexModel &sub : mapping.subs) {
             if (sub.subindex == 0) {
                 continue;
             }
-            const MappingEntry entry(sub.defaultvalue);
-            const QStringList names = {hexIndex(entry.index), hexSubIndex(entry.subindex)};
+            const MappingEntry entry = mappingEntry(sub.defaultvalue);
+            const QStringList names = {IndexText::digits(entry.index),
+                                       IndexText::subDigits(entry.subindex)};
             const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
             if (target == nullptr) {
                 check.reportObject(CheckId::SrdoMappedMissing, mapping.index, names);
@@ -325,7 +327,8 @@ void LineChecks::checkPredefinedConnectionSet(LineCheck &check)
     for (auto row = table.cbegin(); row != table.cend(); ++row) {
         if (check.model.contains(row.key()) &&
             !row.value().contains(check.model.value(row.key(), 1).toLower())) {
-            check.report(CheckId::PredefinedConnectionSet, {hexIndex(row.key())}, row.key(), 1);
+            check.report(CheckId::PredefinedConnectionSet, {IndexText::digits(row.key())},
+                         row.key(), 1);
             found = true;
         }
     }

@@ -1,4 +1,5 @@
 #include "canopen/canopentypes.h"
+#include "canopen/indextext.h"
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
@@ -78,7 +79,8 @@ void LineChecks::checkStoreAndRestore(LineCheck &check)
         for (const quint8 subindex : {1, 2, 3}) {
             const QString value = check.model.value(index, subindex);
             if (!value.isEmpty() && toNumber(value) > highest) {
-                check.report(id, {hexIndex(index), QString::number(subindex)}, index, subindex);
+                check.report(id, {IndexText::digits(index), QString::number(subindex)}, index,
+                             subindex);
             }
         }
     }
@@ -96,7 +98,7 @@ void LineChecks::checkIdentity(LineCheck &check)
     constexpr quint16 identity = 0x1018;
     constexpr quint64 testVendor = 0x7A5;
     const auto report = [&](CheckId id, int subindex) {
-        check.report(id, {hexIndex(identity)}, identity, subindex);
+        check.report(id, {IndexText::digits(identity)}, identity, subindex);
     };
     const auto isEmpty = [&](quint8 subindex) {
         const SubIndexModel *sub = check.model.find(identity, subindex);

@@ -125,13 +125,3 @@ bool isCobIdDisabled(const QString &text)
 {
     return (matchCobId(text).captured(2).toULongLong(nullptr, 16) & cobIdInvalid) != 0;
 }
-
-QString hexIndex(quint16 index)
-{
-    return QStringLiteral("%1").arg(index, 4, 16, QChar(u'0'));
-}
-
-QString hexSubIndex(quint8 subindex)
-{
-    return QStringLiteral("%1").arg(subindex, 2, 16, QChar(u'0'));
-}

@@ -26,8 +26,3 @@
 
 /// Whether the hexadecimal number in a COB-ID text has bit 31 set.
 [[nodiscard]] bool isCobIdDisabled(const QString &text);
-
-/// Four digits, lower case.
-[[nodiscard]] QString hexIndex(quint16 index);
-/// Two digits, lower case.
-[[nodiscard]] QString hexSubIndex(quint8 subindex);

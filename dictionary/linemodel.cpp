@@ -1,15 +1,18 @@
-#include "check/linemodel.h"
+#include "dictionary/linemodel.h"
 
-#include "store/objectdatabase.h"
+#include "dictionary/objectwalk.h"
 
 #include <algorithm>
 
 namespace {
 
-SubIndexModel subIndexModel(quint8 subindex, const ObjectDataBase::SUBINDEX_DATA_T &data)
+SubIndexModel subIndexModel(const DictionaryEntry &entry)
 {
+    const ObjectDataBase::SUBINDEX_DATA_T &data = entry.data;
     SubIndexModel model;
-    model.subindex = subindex;
+    model.subindex = entry.subindex;
+    if (!entry.isReadable)
+        return model;
     model.datatype = data.datatype;
     model.name = data.name;
     model.accesstype = data.accesstype;
@@ -25,31 +28,17 @@ SubIndexModel subIndexModel(quint8 subindex, const ObjectDataBase::SUBINDEX_DATA
     return model;
 }
 
-SubIndexModel emptySubIndexModel(quint8 subindex)
-{
-    SubIndexModel model;
-    model.subindex = subindex;
-    return model;
-}
-
-ObjectModel readObject(ObjectDataBase &database, quint8 line, quint16 index)
+ObjectModel objectModel(const DictionaryObject &source)
 {
     ObjectModel object;
-    object.index = index;
-    ObjectDataBase::INDEX_DATA_T data;
-    if (database.getIndexData(line, index, data)) {
-        object.objecttype = data.objecttype;
-        object.name = data.name;
+    object.index = source.index;
+    if (source.isReadable) {
+        object.objecttype = source.data.objecttype;
+        object.name = source.data.name;
     }
-    QList<quint8> numbers = database.getSubIndices(line, index);
-    std::sort(numbers.begin(), numbers.end());
-    object.subs.reserve(static_cast<std::size_t>(numbers.size()));
-    ObjectDataBase::SUBINDEX_DATA_T record;
-    for (const quint8 subindex : std::as_const(numbers)) {
-        const bool readable = database.getSubIndexData(line, index, subindex, record);
-        object.subs.push_back(readable ? subIndexModel(subindex, record)
-                                       : emptySubIndexModel(subindex));
-    }
+    object.subs.reserve(source.entries.size());
+    for (const DictionaryEntry &entry : source.entries)
+        object.subs.push_back(subIndexModel(entry));
     return object;
 }
 
@@ -74,15 +63,12 @@ int ObjectModel::entryCount() const
 
 void LineModel::load(ObjectDataBase &database, quint8 line)
 {
-    if (!database.isLineCached(line))
-        database.cacheAllSubs(line);
     m_line = line;
     m_objects.clear();
-    const QList<quint16> indices = database.getIndices(line);
-    m_objects.reserve(static_cast<std::size_t>(indices.size()));
-    for (const quint16 index : indices) {
-        m_objects.push_back(readObject(database, line, index));
-    }
+    ObjectWalk walk = ObjectWalk::cached(database, line, ObjectRanges::all);
+    m_objects.reserve(static_cast<std::size_t>(walk.size()));
+    for (qsizetype i = 0; i < walk.size(); ++i)
+        m_objects.push_back(objectModel(walk.at(i)));
 }
 
 void LineModel::refresh(ObjectDataBase &database, quint16 index)
@@ -91,7 +77,7 @@ void LineModel::refresh(ObjectDataBase &database, quint16 index)
     if (it == m_objects.end() || it->index != index) {
         return;
     }
-    *it = readObject(database, m_line, index);
+    *it = objectModel(readDictionaryObject(database, m_line, index));
 }
 
 const ObjectModel *LineModel::find(quint16 index) const
@@ -112,14 +98,14 @@ QString LineModel::value(quint16 index, quint8 subindex) const
     return object != nullptr ? object->value(subindex) : QString();
 }
 
-std::span<const ObjectModel> LineModel::range(quint16 low, quint16 high) const
+std::span<const ObjectModel> LineModel::range(ObjectRange range) const
 {
-    const auto first = std::ranges::lower_bound(m_objects, low, {}, &ObjectModel::index);
-    const auto last = std::ranges::upper_bound(m_objects, high, {}, &ObjectModel::index);
+    const auto first = std::ranges::lower_bound(m_objects, range.low, {}, &ObjectModel::index);
+    const auto last = std::ranges::upper_bound(m_objects, range.high, {}, &ObjectModel::index);
     return {first, last};
 }
 
 std::span<const ObjectModel> LineModel::deviceObjects() const
 {
-    return range(0x1000, 0xFFFF);
+    return range(ObjectRanges::device);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/objectranges.h"
 #include "canopen/pdomapping.h"
 
 #include <QString>
@@ -66,9 +67,9 @@ public:
     [[nodiscard]] bool contains(quint16 index) const { return find(index) != nullptr; }
     /// The default value; empty if there is no such subindex.
     [[nodiscard]] QString value(quint16 index, quint8 subindex) const;
-    /// The objects from `low` to `high`, ascending.
-    [[nodiscard]] std::span<const ObjectModel> range(quint16 low, quint16 high) const;
-    /// The objects from 0x1000 up: those of the device, without data type definitions.
+    /// The objects of the range, ascending.
+    [[nodiscard]] std::span<const ObjectModel> range(ObjectRange range) const;
+    /// Without data type definitions.
     [[nodiscard]] std::span<const ObjectModel> deviceObjects() const;
 
 private:
