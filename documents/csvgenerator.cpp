@@ -28,7 +28,7 @@ void CSVGenerator::writeDocument(QIODevice &device)
     out << "Index,Sub,EDSname,Datatype,Access,Value,varname,LowLimit,UpLimit,hasDefault,hasLimit,"
            "refuseRead,refuseWrite,defaultInEDS,implementation,Size,ObjectCode,mapable\n";
     walkObjects([&](const Object &object) {
-        if (object.isCompound() || object.entries.isEmpty())
+        if (object.isCompound() || object.entries.empty())
             out << objectRow(object);
         for (const Entry &entry : object.entries)
             out << entryRow(object, entry);

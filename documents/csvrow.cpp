@@ -3,6 +3,7 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
 #include "canopen/helper.h"
+#include "canopen/indextext.h"
 
 #include <algorithm>
 
@@ -16,11 +17,6 @@ bool needsQuotes(const QString &text)
            std::any_of(text.begin(), text.end(), [](QChar c) {
                return c == QLatin1Char(',') || c == QLatin1Char(';') || c == QLatin1Char('"');
            });
-}
-
-QString hexText(quint16 number, int digits)
-{
-    return QStringLiteral("0x%1").arg(number, digits, 16, QLatin1Char('0'));
 }
 
 } // namespace
@@ -69,10 +65,10 @@ QString CsvRow::implementationWord(quint8 implementation)
 
 QString CsvRow::subindexText(quint8 subindex)
 {
-    return hexText(subindex, 2);
+    return IndexText::subHex(subindex);
 }
 
 QString CsvRow::indexText(quint16 index)
 {
-    return hexText(index, 4);
+    return IndexText::hex(index);
 }

@@ -2,22 +2,11 @@
 
 #include "canopen/cohelper.h"
 #include "canopen/helper.h"
+#include "canopen/indextext.h"
 
 #include <QDebug>
 #include <QScopeGuard>
 #include <QThread>
-
-bool DictionaryDocument::Object::isCompound() const
-{
-    return data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD;
-}
-
-quint16 DictionaryDocument::Object::dataType() const
-{
-    if (data.datatype == 0 && !isCompound() && !entries.isEmpty())
-        return entries.constFirst().data.datatype;
-    return data.datatype;
-}
 
 bool DictionaryDocument::isOutputWritable()
 {
@@ -34,9 +23,9 @@ void DictionaryDocument::writeContent(QIODevice &device)
 
 void DictionaryDocument::walkObjects(const std::function<void(const Object &)> &visit, int percent)
 {
-    const QList<quint16> indices = store()->getIndices(m_line, firstObject);
-    const auto visitAt = [&](qsizetype i) { visit(readObject(indices.at(i))); };
-    walk(indices.size(), visitAt, percent);
+    ObjectWalk objects(*store(), m_line);
+    const auto visitAt = [&](qsizetype i) { visit(named(objects.at(i))); };
+    walk(objects.size(), visitAt, percent);
 }
 
 void DictionaryDocument::walk(qsizetype count, const std::function<void(qsizetype)> &visit,
@@ -59,22 +48,13 @@ void DictionaryDocument::walk(qsizetype count, const std::function<void(qsizetyp
     }
 }
 
-DictionaryDocument::Object DictionaryDocument::readObject(quint16 index) const
+const DictionaryDocument::Object &DictionaryDocument::named(Object &object)
 {
-    Object object;
-    object.index = index;
-    store()->getIndexData(m_line, index, object.data);
     if (object.data.name.isEmpty())
-        object.data.name = QStringLiteral("unnamed object");
-    const QList<quint8> subindices = store()->getSubIndices(m_line, index);
-    object.entries.reserve(subindices.size());
-    for (const quint8 subindex : subindices) {
-        Entry entry;
-        entry.subindex = subindex;
-        store()->getSubIndexData(m_line, index, subindex, entry.data);
+        object.data.name = IndexText::unnamedObject;
+    for (Entry &entry : object.entries) {
         if (entry.data.name.isEmpty())
-            entry.data.name = QStringLiteral("unnamed subindex");
-        object.entries.append(std::move(entry));
+            entry.data.name = IndexText::unnamedSubIndex;
     }
     return object;
 }
@@ -117,7 +97,7 @@ QString DictionaryDocument::dataTypeText(quint16 dataType)
     const QString name = COHelper::index2DataTypeString(dataType);
     if (!name.isEmpty() || dataType == 0)
         return name;
-    return QStringLiteral("0x%1").arg(dataType, 4, 16, QLatin1Char('0'));
+    return IndexText::hex(dataType);
 }
 
 bool DictionaryDocument::isDefaultExported(const ObjectDataBase::SUBINDEX_DATA_T &entry)

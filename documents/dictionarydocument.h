@@ -1,7 +1,7 @@
 #pragma once
 
+#include "dictionary/objectwalk.h"
 #include "generators/base/abstractgenerator.h"
-#include "store/objectdatabase.h"
 
 #include <functional>
 
@@ -15,25 +15,8 @@ public:
     [[nodiscard]] bool isOutputWritable() override;
 
 protected:
-    static constexpr quint16 firstObject = 0x1000; ///< below are the data types of CiA 301
-
-    struct Entry
-    {
-        quint8 subindex = 0;
-        ObjectDataBase::SUBINDEX_DATA_T data; ///< the name is never empty
-    };
-
-    struct Object
-    {
-        quint16 index = 0;
-        ObjectDataBase::INDEX_DATA_T data; ///< the name is never empty
-        QList<Entry> entries;              ///< ascending
-
-        /// An array or a record, whose entries have names of their own.
-        [[nodiscard]] bool isCompound() const;
-        /// The type of the object; that of its value for a variable that has none itself.
-        [[nodiscard]] quint16 dataType() const;
-    };
+    using Entry = DictionaryEntry;
+    using Object = DictionaryObject;
 
     explicit DictionaryDocument(QObject *parent = nullptr) : AbstractGenerator(parent) {}
 
@@ -42,8 +25,8 @@ protected:
     /// The sections of the file, in order.
     virtual void writeDocument(QIODevice &device) = 0;
 
-    /// Calls `visit` for each object of the line, with progress that rises from `percent`; stops
-    /// between two objects on request.
+    /// Calls `visit` for each object of the line, its names never empty, with progress that rises
+    /// from `percent`; stops between two objects on request.
     void walkObjects(const std::function<void(const Object &)> &visit, int percent = 0);
     /// The walk for other kinds of items: calls `visit` with 0 to `count` - 1.
     void walk(qsizetype count, const std::function<void(qsizetype)> &visit, int percent = 0);
@@ -66,5 +49,5 @@ protected:
     [[nodiscard]] static bool isDefaultExported(const ObjectDataBase::SUBINDEX_DATA_T &entry);
 
 private:
-    [[nodiscard]] Object readObject(quint16 index) const;
+    [[nodiscard]] static const Object &named(Object &object);
 };

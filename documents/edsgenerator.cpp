@@ -1,7 +1,9 @@
 #include "documents/edsgenerator.h"
 
 #include "canopen/helper.h"
+#include "canopen/indextext.h"
 #include "canopen/numbertext.h"
+#include "dictionary/objectwalk.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/generationclock.h"
 
@@ -15,7 +17,6 @@
 
 namespace {
 
-constexpr quint16 firstObject = 0x1000;
 constexpr int commentWidth = 250;
 constexpr int firstSignalType = 100;
 
@@ -119,7 +120,7 @@ QStringList EDSGenerator::variants(ObjectDataBase &store, quint8 line)
         if (!names.contains(name))
             names.append(name);
     };
-    const QList<quint16> indices = store.getIndices(line, firstObject);
+    const QList<quint16> indices = store.getIndices(line, ObjectRanges::device.low);
     for (const quint16 index : indices) {
         ObjectDataBase::INDEX_DATA_T object;
         if (!store.getIndexData(line, index, object) || !object.metadata.contains(variantKey))
@@ -174,10 +175,10 @@ void EDSGenerator::collectObjects()
     m_objects.clear();
     m_objects.reserve(m_allIndices.size());
     for (const quint16 index : std::as_const(m_allIndices)) {
-        if (index < firstObject || (!m_fdMode && isFdOnly(index)))
+        if (index < ObjectRanges::device.low || (!m_fdMode && isFdOnly(index)))
             continue;
         Object object{index, {}};
-        object.data.name = QStringLiteral("unnamed object");
+        object.data.name = IndexText::unnamedObject;
         store()->getIndexData(m_line, index, object.data);
         if (isInVariant(object.data.metadata))
             m_objects.append(std::move(object));
@@ -248,8 +249,8 @@ void EDSGenerator::writeDeviceInfo(CodeWriter &out) const
     for (const char *key : baudRates)
         out << key << '=' << setting(key) << '\n';
     const QString granularity = setting("Granularity");
-    out << "NrOfRxPDO=" << countObjects(0x1400, 0x15FF) << '\n'
-        << "NrOfTxPDO=" << countObjects(0x1800, 0x19FF) << '\n'
+    out << "NrOfRxPDO=" << countObjects(ObjectRanges::receivePdos) << '\n'
+        << "NrOfTxPDO=" << countObjects(ObjectRanges::transmitPdos) << '\n'
         << "SimpleBootupSlave=1\n"
         << "SimpleBootupMaster=0\n"
         << "LSS_Supported=" << setting("LSS_Supported") << '\n'
@@ -280,7 +281,7 @@ void EDSGenerator::writeObjectLists(CodeWriter &out) const
     QList<quint16> manufacturer;
     QList<quint16> optional;
     for (const Object &object : m_objects) {
-        if (object.index >= 0x2000 && object.index <= 0x5FFF)
+        if (ObjectRanges::manufacturer.contains(object.index))
             manufacturer.append(object.index);
         else if (object.index <= 0xCFFF && !isMandatory(object.index))
             optional.append(object.index);
@@ -327,27 +328,23 @@ void EDSGenerator::writeObject(CodeWriter &out, const Object &object) const
 
 void EDSGenerator::writeSubObjects(CodeWriter &out, const Object &object) const
 {
-    const QList<quint8> subindices = store()->getSubIndices(m_line, object.index);
-    QList<std::pair<quint8, ObjectDataBase::SUBINDEX_DATA_T>> entries;
-    entries.reserve(subindices.size());
-    for (const quint8 subindex : subindices) {
-        ObjectDataBase::SUBINDEX_DATA_T entry;
-        entry.name = QStringLiteral("unnamed subindex");
-        store()->getSubIndexData(m_line, object.index, subindex, entry);
-        if (isInVariant(entry.metadata))
-            entries.emplace_back(subindex, std::move(entry));
-    }
+    std::vector<DictionaryEntry> entries =
+        readDictionaryObject(*store(), m_line, object.index).entries;
+    const quint8 highest = entries.empty() ? 0 : entries.back().subindex;
+    std::erase_if(entries, [this](const DictionaryEntry &entry) {
+        return !isInVariant(entry.data.metadata);
+    });
     out << "SubNumber=" << entries.size() << '\n';
     writeDescription(out, object.data.description);
-    for (auto &[subindex, entry] : entries) {
+    for (auto &[subindex, isReadable, entry] : entries) {
         (out << "\n[").hex(object.index, 4) << "sub";
         out.hex(subindex) << "]\nParameterName="
                           << oneLine(Helper::substituteVariables(entry.name, object.index, subindex,
                                                                  m_line))
                           << "\nObjectType=" << int(CANopen::VAR) << '\n';
         // The highest subindex of the device, which a variant's list may not reach.
-        if (object.index >= 0x2000 && subindex == 0)
-            entry.defaultvalue = QString::number(subindices.isEmpty() ? 0 : subindices.last());
+        if (object.index >= ObjectRanges::manufacturer.low && subindex == 0)
+            entry.defaultvalue = QString::number(highest);
         writeEntry(out, entry);
     }
 }
@@ -407,10 +404,10 @@ QString EDSGenerator::identityValue(quint8 subindex) const
     return oneLine(withoutDisplayMark(value));
 }
 
-int EDSGenerator::countObjects(quint16 low, quint16 high) const
+int EDSGenerator::countObjects(const ObjectRange &range) const
 {
-    const auto first = std::lower_bound(m_allIndices.begin(), m_allIndices.end(), low);
-    const auto last = std::upper_bound(first, m_allIndices.end(), high);
+    const auto first = std::lower_bound(m_allIndices.begin(), m_allIndices.end(), range.low);
+    const auto last = std::upper_bound(first, m_allIndices.end(), range.high);
     return static_cast<int>(last - first);
 }
 
@@ -418,7 +415,8 @@ int EDSGenerator::countObjects(quint16 low, quint16 high) const
 bool EDSGenerator::hasGroupMapping() const
 {
     return std::any_of(m_allIndices.begin(), m_allIndices.end(), [this](quint16 index) {
-        if (index < 0x1600 || index > 0x1BFF)
+        if (index < ObjectRanges::receiveMappings.low ||
+            index > ObjectRanges::transmitMappings.high)
             return false;
         ObjectDataBase::SUBINDEX_DATA_T entry;
         store()->getSubIndexData(m_line, index, 0, entry);

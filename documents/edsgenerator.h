@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/objectranges.h"
 #include "generators/base/abstractgenerator.h"
 #include "store/objectdatabase.h"
 
@@ -48,7 +49,7 @@ private:
 
     [[nodiscard]] bool isInVariant(const ObjectDataBase::MetaData &metadata) const;
     [[nodiscard]] QString identityValue(quint8 subindex) const;
-    [[nodiscard]] int countObjects(quint16 low, quint16 high) const;
+    [[nodiscard]] int countObjects(const ObjectRange &range) const;
     [[nodiscard]] bool hasGroupMapping() const;
 
     QString m_edsDefine;

@@ -1,6 +1,7 @@
 #include "documents/htmlgenerator.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/indextext.h"
 #include "documents/htmlpage.h"
 #include "generators/base/codewriter.h"
 
@@ -8,14 +9,9 @@ namespace {
 
 constexpr const char *tableWidth = "70%";
 
-QString indexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
-}
-
 QString anchorOf(quint16 index)
 {
-    return QStringLiteral("index%1").arg(index, 4, 16, QLatin1Char('0'));
+    return QLatin1String("index") + IndexText::digits(index);
 }
 
 /// Strings and domains are as long as their record says; all others as their type.
@@ -48,9 +44,9 @@ void HTMLGenerator::writeDocument(QIODevice &device)
     page.writeHeadTable(title, *store());
 
     page.beginContents();
-    const QList<quint16> indices = store()->getIndices(m_line, firstObject);
+    const QList<quint16> indices = store()->getIndices(m_line, ObjectRanges::device.low);
     for (const quint16 index : indices)
-        page.contentsLink(anchorOf(index), indexText(index));
+        page.contentsLink(anchorOf(index), IndexText::hex(index));
     page.endContents();
 
     page.beginBlocks();
@@ -69,7 +65,7 @@ void HTMLGenerator::writeObject(HtmlPage &page, const Object &object) const
     page.beginBlock(tableWidth);
     page.blockTitle(
         anchorOf(object.index),
-        QStringLiteral(" Object: %1 - %2").arg(indexText(object.index), nameOf(object)));
+        QStringLiteral(" Object: %1 - %2").arg(IndexText::hex(object.index), nameOf(object)));
     page.row("Object Code", COHelper::objectCode2String(object.data.objecttype));
     page.row("Description", object.data.description);
     page.endBlock();
@@ -82,9 +78,8 @@ void HTMLGenerator::writeEntry(HtmlPage &page, const Object &object, const Entry
     const ObjectDataBase::SUBINDEX_DATA_T &data = entry.data;
     const QString name = nameOf(object, entry);
     page.beginBlock(tableWidth);
-    page.headRow(
-        QStringLiteral("Sub "),
-        QStringLiteral("0x%1 - %2").arg(entry.subindex, 2, 16, QLatin1Char('0')).arg(name));
+    page.headRow(QStringLiteral("Sub "),
+                 IndexText::subHex(entry.subindex) + QLatin1String(" - ") + name);
     page.row("Name ", name);
     page.row("Data Type", dataTypeText(data.datatype));
     page.row("Access ", data.accesstype);

@@ -32,7 +32,7 @@ void ICSVGenerator::writeDocument(QIODevice &device)
         << (m_withDescription ? "description," : "")
         << "size,implementation,haslimit,lowlimit,uplimit,nvstorage\n";
     walkObjects([&](const Object &object) {
-        if (object.isCompound() || object.entries.isEmpty())
+        if (object.isCompound() || object.entries.empty())
             out << objectRow(object);
         for (const Entry &entry : object.entries)
             out << entryRow(object, entry);

@@ -1,5 +1,6 @@
 #include "documents/xddgenerator.h"
 
+#include "canopen/indextext.h"
 #include "canopen/numbertext.h"
 #include "documents/htmlpage.h"
 #include "generators/base/codewriter.h"
@@ -199,7 +200,7 @@ void XDDGenerator::writeNetworkProfile(QXmlStreamWriter &xml)
 void XDDGenerator::writeObject(QXmlStreamWriter &xml, const Object &object) const
 {
     xml.writeStartElement(QStringLiteral("CANopenFDDataObject"));
-    xml.writeAttribute(QStringLiteral("index"), hexText(object.index, 4));
+    xml.writeAttribute(QStringLiteral("index"), IndexText::digits(object.index));
     xml.writeAttribute(QStringLiteral("name"), xmlText(nameOf(object)));
     xml.writeAttribute(QStringLiteral("objectType"), QString::number(object.data.objecttype));
     if (!object.isCompound())
@@ -218,7 +219,7 @@ void XDDGenerator::writeEntry(QXmlStreamWriter &xml, const Object &object, const
         xml.writeAttribute(QLatin1String(name), value);
     };
     xml.writeStartElement(QStringLiteral("CANopenFDDataElement"));
-    attribute("subIndex", hexText(entry.subindex, 2));
+    attribute("subIndex", IndexText::subDigits(entry.subindex));
     attribute("name", xmlText(nameOf(object, entry)));
     attribute("dataType", hexText(data.datatype, 2));
     attribute("modification", modificationOf(data));

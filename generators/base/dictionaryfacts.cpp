@@ -1,6 +1,7 @@
 #include "generators/base/dictionaryfacts.h"
 
 #include "canopen/canopentypes.h"
+#include "canopen/objectranges.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>
@@ -24,15 +25,14 @@ DictionaryOptions DictionaryOptions::of(ObjectDataBase &store, bool addressRows)
 
 QList<quint8> DictionaryFacts::selectLines(ObjectDataBase &store, bool &multiLine)
 {
-    constexpr int firstIndex = 0x1000;
     QList<quint8> lines = store.getLines();
     std::sort(lines.begin(), lines.end());
-    multiLine = lines.contains(1) && !store.getIndices(1, firstIndex).isEmpty();
+    multiLine = lines.contains(1) && !store.getIndices(1, ObjectRanges::device.low).isEmpty();
     QList<quint8> active;
     if (multiLine) {
         std::copy_if(lines.begin(), lines.end(), std::back_inserter(active), [&](quint8 line) {
             return line < ObjectDataBase::maximumLines &&
-                   store.getIndices(line, firstIndex).size() > 1;
+                   store.getIndices(line, ObjectRanges::device.low).size() > 1;
         });
     }
     if (active.isEmpty())

@@ -1,3 +1,6 @@
+#include "canopen/indextext.h"
+#include "canopen/objectranges.h"
+#include "dictionary/objectwalk.h"
 #include "generators/base/dictionaryfacts.h"
 
 #include "canopen/canopentypes.h"
@@ -64,18 +67,12 @@ public:
     Facts run();
 
 private:
-    struct Source
-    {
-        quint8 number;
-        Sub data;
-    };
-
     void collectSrdoMapping(quint8 line);
     void collectLine(quint8 line);
-    void collectObject(quint8 line, quint16 index);
-    bool shareRows(Facts::Object &object, const std::vector<Source> &subs) const;
-    void collectRows(Facts::Object &object, const std::vector<Source> &subs);
-    void collectSub(const Facts::Object &object, const Source &source);
+    void collectObject(quint8 line, const DictionaryObject &source);
+    bool shareRows(Facts::Object &object, const std::vector<DictionaryEntry> &subs) const;
+    void collectRows(Facts::Object &object, const std::vector<DictionaryEntry> &subs);
+    void collectSub(const Facts::Object &object, const DictionaryEntry &source);
     void collectValue(Facts::Entry &entry, const Sub &data);
     void collectConstant(Facts::Entry &entry, const Sub &data);
     void collectLimits(Facts::Entry &entry, const Sub &data);
@@ -84,12 +81,12 @@ private:
     quint32 limitPosition(const Facts::Entry &entry, const QString &text, bool isLow);
     quint32 stringPosition(TableGroup group, const QByteArray &bytes);
     [[nodiscard]] int compactRun(const Facts::Object &object,
-                                 const std::vector<Source> &subs) const;
-    [[nodiscard]] bool isLike(const Facts::Object &object, const Source &sub, const Source &last,
-                              const QString &lastName) const;
+                                 const std::vector<DictionaryEntry> &subs) const;
+    [[nodiscard]] bool isLike(const Facts::Object &object, const DictionaryEntry &sub,
+                              const DictionaryEntry &last, const QString &lastName) const;
     [[nodiscard]] const char *specifier(quint16 index, quint8 sub, quint8 implementation) const;
     void countObject(Facts::LineCounts &counts, const Facts::Object &object,
-                     const std::vector<Source> &subs);
+                     const std::vector<DictionaryEntry> &subs);
     void addRows();
     void checkSizes();
     void problem(const Facts::Place &place, const QString &text);
@@ -134,14 +131,14 @@ void Collector::collectSrdoMapping(quint8 line)
             DictionaryTypes::parse(CAN::UNSIGNED32, text, NumberText::Base::Automatic, entry);
             if (entry == 0)
                 continue;
-            const auto mapped = Facts::subKey(line, quint16(entry >> 16), quint8(entry >> 8));
+            const MappingEntry target = MappingEntry::fromNumber(entry);
+            const auto mapped = Facts::subKey(line, target.index, target.subindex);
             if (m_srdoMapped.contains(mapped))
                 continue;
             m_srdoMapped.insert(mapped);
-            const TableGroup group =
-                DictionaryTypes::of(
-                    m_store.getSubIndexDataType(line, quint16(entry >> 16), quint8(entry >> 8)))
-                    .group;
+            const TableGroup group = DictionaryTypes::of(m_store.getSubIndexDataType(
+                                                             line, target.index, target.subindex))
+                                         .group;
             if (DictionaryTypes::isNumeric(group))
                 ++m_facts.srdoEntries[std::size_t(group)];
         }
@@ -150,43 +147,35 @@ void Collector::collectSrdoMapping(quint8 line)
 
 void Collector::collectLine(quint8 line)
 {
-    if (!m_store.isLineCached(line))
-        m_store.cacheAllSubs(line);
     Facts::LineCounts counts;
     counts.line = line;
     m_facts.lines.push_back(counts);
-    const QList<quint16> indices = m_store.getIndices(line, 0x1000);
-    m_facts.objects.reserve(m_facts.objects.size() + indices.size());
-    m_facts.objectIndex.reserve(m_facts.objectIndex.size() + indices.size());
+    ObjectWalk objects = ObjectWalk::cached(m_store, line);
+    m_facts.objects.reserve(m_facts.objects.size() + objects.size());
+    m_facts.objectIndex.reserve(m_facts.objectIndex.size() + objects.size());
     constexpr qsizetype usualSubs = 4;
-    m_facts.entries.reserve(m_facts.entries.size() + std::size_t(usualSubs * indices.size()));
-    for (const quint16 index : indices) {
+    m_facts.entries.reserve(m_facts.entries.size() + std::size_t(usualSubs * objects.size()));
+    for (qsizetype i = 0; i < objects.size(); ++i) {
         if (m_stop && m_stop())
             return;
-        collectObject(line, index);
+        DictionaryObject &object = objects.at(i);
+        std::erase_if(object.entries,
+                      [](const DictionaryEntry &entry) { return !entry.isReadable; });
+        collectObject(line, object);
     }
 }
 
-void Collector::collectObject(quint8 line, quint16 index)
+void Collector::collectObject(quint8 line, const DictionaryObject &source)
 {
-    ObjectDataBase::INDEX_DATA_T data;
-    m_store.getIndexData(line, index, data);
-    const QList<quint8> numbers = m_store.getSubIndices(line, index);
-    std::vector<Source> subs;
-    subs.reserve(std::size_t(numbers.size()));
-    for (const quint8 sub : numbers) {
-        subs.push_back({sub, {}});
-        if (!m_store.getSubIndexData(line, index, sub, subs.back().data))
-            subs.pop_back();
-    }
-
+    const quint16 index = source.index;
+    const std::vector<DictionaryEntry> &subs = source.entries;
     Facts::Object object;
     object.line = line;
     object.entryLine = line;
     object.index = index;
-    object.objectType = data.objecttype;
+    object.objectType = source.data.objecttype;
     object.subCount = int(subs.size());
-    object.highestSub = subs.empty() ? 0 : subs.back().number;
+    object.highestSub = source.highest();
     // An object whose subindex 0 is virtual belongs to the virtual dictionary alone.
     object.isAssigned = subs.empty() || subs.front().data.implementation != CANopen::VirtualObject;
     if (!shareRows(object, subs))
@@ -202,7 +191,7 @@ void Collector::collectObject(quint8 line, quint16 index)
 
 /// A shared object uses the rows of the first line that holds it. Rows of one object stand
 /// together, so sharing is possible only for the object as a whole.
-bool Collector::shareRows(Facts::Object &object, const std::vector<Source> &subs) const
+bool Collector::shareRows(Facts::Object &object, const std::vector<DictionaryEntry> &subs) const
 {
     const auto holder = m_firstHolder.constFind(object.index);
     if (holder == m_firstHolder.constEnd() || subs.empty())
@@ -212,7 +201,7 @@ bool Collector::shareRows(Facts::Object &object, const std::vector<Source> &subs
         return false;
     for (std::size_t i = 0; i < subs.size(); ++i) {
         if (!subs[i].data.sharedlines ||
-            m_facts.entries[first.firstEntry + i].place.sub != subs[i].number)
+            m_facts.entries[first.firstEntry + i].place.sub != subs[i].subindex)
             return false;
     }
     object.isShared = true;
@@ -224,26 +213,26 @@ bool Collector::shareRows(Facts::Object &object, const std::vector<Source> &subs
     return true;
 }
 
-void Collector::collectRows(Facts::Object &object, const std::vector<Source> &subs)
+void Collector::collectRows(Facts::Object &object, const std::vector<DictionaryEntry> &subs)
 {
     object.firstEntry = quint32(m_facts.entries.size());
     object.entryCount = quint32(subs.size());
     if (m_options.compactDescription)
         object.compactFrom = compactRun(object, subs);
-    for (const Source &source : subs)
+    for (const DictionaryEntry &source : subs)
         collectSub(object, source);
 }
 
-void Collector::collectSub(const Facts::Object &object, const Source &source)
+void Collector::collectSub(const Facts::Object &object, const DictionaryEntry &source)
 {
     const Sub &data = source.data;
     Facts::Entry entry;
-    entry.place = {object.line, object.index, source.number};
+    entry.place = {object.line, object.index, source.subindex};
     entry.dataType = data.datatype == CAN::TIME_OF_DAY ? quint16(CAN::UNSIGNED48) : data.datatype;
     const DictionaryType type = DictionaryTypes::of(entry.dataType);
     entry.group = type.group;
     entry.implementation = data.implementation;
-    entry.specifier = specifier(object.index, source.number, data.implementation);
+    entry.specifier = specifier(object.index, source.subindex, data.implementation);
     entry.addsNodeId = DictionaryTypes::hasNodeId(data.defaultvalue);
 
     const Access access = accessOf(data.accesstype);
@@ -261,7 +250,7 @@ void Collector::collectSub(const Facts::Object &object, const Source &source)
     set(mapsTransmit && access.isReadable && !access.isProcessOutput, Facts::MapTransmit);
     set(mapsReceive && access.isWritable && !access.isProcessInput, Facts::MapReceive);
     set(data.nvstorage, Facts::Stored);
-    set(source.number == object.compactFrom && object.compactFrom != Facts::noCompactRun,
+    set(source.subindex == object.compactFrom && object.compactFrom != Facts::noCompactRun,
         Facts::Compact);
 
     collectConstant(entry, data);
@@ -417,9 +406,10 @@ void Collector::collectPointer(Facts::Entry &entry, const Sub &data)
 }
 
 /// The first subindex of the run of like subindices at the end of an object.
-int Collector::compactRun(const Facts::Object &object, const std::vector<Source> &subs) const
+int Collector::compactRun(const Facts::Object &object,
+                          const std::vector<DictionaryEntry> &subs) const
 {
-    constexpr quint16 firstCompactIndex = 0x1200;
+    constexpr quint16 firstCompactIndex = ObjectRanges::sdoServers.low;
     constexpr std::size_t fewestSubs = 3;
     if (object.index < firstCompactIndex || subs.size() < fewestSubs)
         return Facts::noCompactRun;
@@ -427,14 +417,14 @@ int Collector::compactRun(const Facts::Object &object, const std::vector<Source>
         return Facts::noCompactRun;
     const QString lastName = simplifiedName(subs.back().data.name);
     std::size_t first = subs.size() - 1;
-    while (first > 0 && subs[first - 1].number + 1 == subs[first].number &&
+    while (first > 0 && subs[first - 1].subindex + 1 == subs[first].subindex &&
            isLike(object, subs[first - 1], subs.back(), lastName))
         --first;
-    return first + 1 == subs.size() ? Facts::noCompactRun : subs[first].number;
+    return first + 1 == subs.size() ? Facts::noCompactRun : subs[first].subindex;
 }
 
-bool Collector::isLike(const Facts::Object &object, const Source &sub, const Source &last,
-                       const QString &lastName) const
+bool Collector::isLike(const Facts::Object &object, const DictionaryEntry &sub,
+                       const DictionaryEntry &last, const QString &lastName) const
 {
     const Sub &a = sub.data;
     const Sub &b = last.data;
@@ -446,18 +436,18 @@ bool Collector::isLike(const Facts::Object &object, const Source &sub, const Sou
            a.limitineds == b.limitineds && a.lowlimit == b.lowlimit && a.uplimit == b.uplimit &&
            a.size == b.size && a.defaultineds == b.defaultineds && a.nvstorage == b.nvstorage &&
            a.defaultvalue == b.defaultvalue && a.writedefaulttoeds == b.writedefaulttoeds &&
-           mapped(sub.number) == mapped(last.number) &&
-           specifier(object.index, sub.number, a.implementation) ==
-               specifier(object.index, last.number, b.implementation) &&
+           mapped(sub.subindex) == mapped(last.subindex) &&
+           specifier(object.index, sub.subindex, a.implementation) ==
+               specifier(object.index, last.subindex, b.implementation) &&
            simplifiedName(a.name) == lastName;
 }
 
 void Collector::countObject(Facts::LineCounts &counts, const Facts::Object &object,
-                            const std::vector<Source> &subs)
+                            const std::vector<DictionaryEntry> &subs)
 {
-    for (const Source &source : subs) {
+    for (const DictionaryEntry &source : subs) {
         if (source.data.nvstorage)
-            counts.nvStorage.append({object.line, object.index, source.number});
+            counts.nvStorage.append({object.line, object.index, source.subindex});
     }
     countServices(m_facts, counts, object,
                   subs.empty() ? QString()
@@ -532,9 +522,8 @@ void Collector::checkSizes()
 
 void Collector::problem(const Facts::Place &place, const QString &text)
 {
-    m_facts.problems.append(QStringLiteral("Object 0x%1-0x%2 of line %3: %4.")
-                                .arg(place.index, 4, 16, QLatin1Char('0'))
-                                .arg(place.sub, 2, 16, QLatin1Char('0'))
+    m_facts.problems.append(QStringLiteral("Object %1-%2 of line %3: %4.")
+                                .arg(IndexText::hex(place.index), IndexText::subHex(place.sub))
                                 .arg(place.line)
                                 .arg(text));
 }

@@ -1,6 +1,7 @@
 #include "generators/base/dictionaryfactspdos.h"
 
 #include "canopen/canopentypes.h"
+#include "canopen/objectranges.h"
 
 #include <QDataStream>
 #include <QIODevice>
@@ -20,40 +21,30 @@ constexpr quint8 damMapping = 255;
 
 struct CountedRange
 {
-    quint16 low;
-    quint16 high;
+    ObjectRange range;
     int Facts::LineCounts::*count;
     bool countsEntries; ///< the subindices but 0 in place of the objects
 };
 
 constexpr std::array<CountedRange, 12> countedRanges = {
-    {{0x1000, 0xFFFF, &Facts::LineCounts::objects, false},
-     {0x1003, 0x1003, &Facts::LineCounts::errorHistory, true},
-     {0x1016, 0x1016, &Facts::LineCounts::heartbeatConsumers, true},
-     {0x1028, 0x1028, &Facts::LineCounts::emcyConsumers, true},
-     {0x1200, 0x127F, &Facts::LineCounts::sdoServers, false},
-     {0x1280, 0x12FF, &Facts::LineCounts::sdoClients, false},
-     {0x1301, 0x137F, &Facts::LineCounts::srdos, false},
-     {0x1400, 0x15FF, &Facts::LineCounts::receivePdos, false},
-     {0x1600, 0x17FF, &Facts::LineCounts::receiveMappings, false},
-     {0x1800, 0x19FF, &Facts::LineCounts::transmitPdos, false},
-     {0x1A00, 0x1BFF, &Facts::LineCounts::transmitMappings, false},
-     {0x1F81, 0x1F81, &Facts::LineCounts::slaveAssignments, true}}};
-
-constexpr quint16 firstReceivePdo = 0x1400;
-constexpr quint16 firstTransmitPdo = 0x1800;
-constexpr quint16 pdoRange = 0x0200;
-
-bool isBetween(quint16 index, quint16 low, quint16 high)
-{
-    return index >= low && index <= high;
-}
+    {{ObjectRanges::device, &Facts::LineCounts::objects, false},
+     {{0x1003, 0x1003}, &Facts::LineCounts::errorHistory, true},
+     {{0x1016, 0x1016}, &Facts::LineCounts::heartbeatConsumers, true},
+     {{0x1028, 0x1028}, &Facts::LineCounts::emcyConsumers, true},
+     {ObjectRanges::sdoServers, &Facts::LineCounts::sdoServers, false},
+     {ObjectRanges::sdoClients, &Facts::LineCounts::sdoClients, false},
+     {{ObjectRanges::srdos.low, 0x137F}, &Facts::LineCounts::srdos, false},
+     {ObjectRanges::receivePdos, &Facts::LineCounts::receivePdos, false},
+     {ObjectRanges::receiveMappings, &Facts::LineCounts::receiveMappings, false},
+     {ObjectRanges::transmitPdos, &Facts::LineCounts::transmitPdos, false},
+     {ObjectRanges::transmitMappings, &Facts::LineCounts::transmitMappings, false},
+     {{0x1F81, 0x1F81}, &Facts::LineCounts::slaveAssignments, true}}};
 
 void countMapping(Facts &facts, Facts::LineCounts &counts, const Facts::Object &object,
                   const QString &subZeroAccess)
 {
     facts.maxMapEntries = std::max(facts.maxMapEntries, object.subCount - 1);
-    const bool isTransmit = object.index >= firstTransmitPdo;
+    const bool isTransmit = object.index >= ObjectRanges::transmitPdos.low;
     if (subZeroAccess == QLatin1String("rw"))
         ++(isTransmit ? counts.dynamicTransmitMappings : counts.dynamicReceiveMappings);
     const Facts::Entry *subZero = facts.find(object.line, object.index, 0);
@@ -76,9 +67,9 @@ public:
     void run()
     {
         for (const Facts::Object &object : m_facts.objects) {
-            if (isBetween(object.index, firstReceivePdo, firstReceivePdo + pdoRange - 1))
+            if (ObjectRanges::receivePdos.contains(object.index))
                 collect(object, false);
-            else if (isBetween(object.index, firstTransmitPdo, firstTransmitPdo + pdoRange - 1))
+            else if (ObjectRanges::transmitPdos.contains(object.index))
                 collect(object, true);
         }
     }
@@ -101,8 +92,8 @@ void PdoCollector::collect(const Facts::Object &communication, bool isTransmit)
     Facts::Pdo pdo;
     pdo.line = communication.line;
     pdo.index = communication.index;
-    pdo.number =
-        quint16(communication.index - (isTransmit ? firstTransmitPdo : firstReceivePdo) + 1);
+    const ObjectRange &pdos = isTransmit ? ObjectRanges::transmitPdos : ObjectRanges::receivePdos;
+    pdo.number = quint16(communication.index - pdos.low + 1);
     pdo.table = table(pdo, isTransmit);
     (isTransmit ? m_facts.transmitPdos : m_facts.receivePdos).push_back(pdo);
 }
@@ -118,7 +109,8 @@ bool PdoCollector::isStatic(const Facts::Entry &subZero) const
 
 quint32 PdoCollector::table(const Facts::Pdo &pdo, bool isTransmit)
 {
-    const Facts::Object *object = m_facts.findObject(pdo.line, quint16(pdo.index + pdoRange));
+    const Facts::Object *object =
+        m_facts.findObject(pdo.line, quint16(pdo.index + ObjectRanges::pdoMappingDistance));
     const Facts::Entry *subZero = object ? m_facts.find(object->line, object->index, 0) : nullptr;
     if (!subZero || quint8(subZero->value) >= firstSpecialMapping || !isStatic(*subZero) ||
         m_facts.maxMapEntries <= 0)
@@ -157,13 +149,13 @@ Facts::MapSlot PdoCollector::slot(const Facts::Object &object, quint8 sub) const
     slot.mapping = mapping ? quint32(mapping->value) : 0;
     if (slot.mapping == 0)
         return slot;
-    const quint32 bits = slot.mapping & 0xFF;
+    const MappingEntry entry = MappingEntry::fromNumber(slot.mapping);
+    const quint32 bits = entry.bits;
     slot.length = quint8(m_options.bitwiseMapping ? bits : (bits + bitsPerByte - 1) / bitsPerByte);
-    const auto index = quint16(slot.mapping >> 16);
+
     // Dummy entries map a data type (CiA 301), which fills the place of a variable.
-    slot.isNumeric = index >= CAN::BOOLEAN && index <= lastDummyType;
-    const Facts::Entry *target =
-        m_facts.find(object.line, index, quint8((slot.mapping >> 8) & 0xFF));
+    slot.isNumeric = entry.index >= CAN::BOOLEAN && entry.index <= lastDummyType;
+    const Facts::Entry *target = m_facts.find(object.line, entry.index, entry.subindex);
     if (!target)
         return slot;
     slot.isNumeric = target->has(Facts::Numeric);
@@ -203,16 +195,18 @@ void countServices(DictionaryFacts &facts, DictionaryFacts::LineCounts &counts,
                    const DictionaryFacts::Object &object, const QString &subZeroAccess)
 {
     for (const CountedRange &range : countedRanges) {
-        if (!isBetween(object.index, range.low, range.high))
+        if (!range.range.contains(object.index))
             continue;
         const bool hasSubZero = facts.find(object.line, object.index, 0) != nullptr;
         counts.*range.count += range.countsEntries ? object.subCount - (hasSubZero ? 1 : 0) : 1;
     }
-    if (isBetween(object.index, 0x1600, 0x17FF) || isBetween(object.index, 0x1A00, 0x1BFF))
+    if (ObjectRanges::isPdoMapping(object.index))
         countMapping(facts, counts, object, subZeroAccess);
-    if (isBetween(object.index, 0x1400, 0x15FF) && facts.find(object.line, object.index, 5))
+    if (ObjectRanges::receivePdos.contains(object.index) &&
+        facts.find(object.line, object.index, 5))
         ++counts.receivePdoTimers;
-    if (isBetween(object.index, 0x1800, 0x19FF) && facts.find(object.line, object.index, 3))
+    if (ObjectRanges::transmitPdos.contains(object.index) &&
+        facts.find(object.line, object.index, 3))
         ++counts.transmitPdoInhibits;
 }
 

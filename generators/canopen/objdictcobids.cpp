@@ -1,5 +1,6 @@
 #include "generators/canopen/objdictcobids.h"
 
+#include "canopen/objectranges.h"
 #include "generators/base/codewriter.h"
 
 #include <algorithm>
@@ -7,14 +8,6 @@
 namespace {
 
 using Facts = DictionaryFacts;
-
-constexpr quint16 firstSdo = 0x1200;
-constexpr quint16 lastSdo = 0x12FF;
-
-bool isPdo(quint16 index)
-{
-    return (index >= 0x1400 && index <= 0x15FF) || (index >= 0x1800 && index <= 0x19FF);
-}
 
 } // namespace
 
@@ -25,8 +18,8 @@ std::vector<ObjDictCobIds::CobId> ObjDictCobIds::cobIds(quint8 line) const
     if (m_context.lineNumber("overwrite_predef", line) <= 0)
         return ids;
     for (const Facts::Object &object : m_context.facts.objects) {
-        const bool isSdo = object.index >= firstSdo && object.index <= lastSdo;
-        if (object.line != line || (!isSdo && !isPdo(object.index)))
+        const bool isSdo = ObjectRanges::isSdo(object.index);
+        if (object.line != line || (!isSdo && !ObjectRanges::isPdoCommunication(object.index)))
             continue;
         for (quint8 sub = 1; sub <= (isSdo ? 2 : 1); ++sub) {
             const Facts::Entry *entry = m_context.facts.find(line, object.index, sub);

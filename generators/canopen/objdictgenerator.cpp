@@ -1,6 +1,7 @@
 #include "generators/canopen/objdictgenerator.h"
 
 #include "canopen/canopentypes.h"
+#include "canopen/indextext.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/outputfile.h"
 #include "generators/canopen/objdictcobids.h"
@@ -178,8 +179,8 @@ void ObjDictGenerator::reportProblems()
     QStringList problems = m_facts.problems;
     for (const DictionaryFacts::Object &object : m_facts.objects) {
         if (!hasObjectKind(object.objectType))
-            problems.append(tr("Object 0x%1 of line %2: objects of type %3 can't be generated.")
-                                .arg(object.index, 4, 16, QLatin1Char('0'))
+            problems.append(tr("Object %1 of line %2: objects of type %3 can't be generated.")
+                                .arg(IndexText::hex(object.index))
                                 .arg(object.line)
                                 .arg(object.objectType));
     }

@@ -82,13 +82,13 @@ void ObjDictInit::writeOdInit(quint8 line)
     }
 }
 
-QList<QByteArray> ObjDictInit::numberedCalls(const char *function, quint8 line, quint16 low,
-                                             quint16 high, quint16 base) const
+QList<QByteArray> ObjDictInit::numberedCalls(const char *function, quint8 line,
+                                             const ObjectRange &range) const
 {
     QList<QByteArray> calls;
-    for (int index = low; index <= high; ++index) {
+    for (int index = range.low; index <= range.high; ++index) {
         if (has(line, quint16(index)))
-            calls.append(call(function, numberText(index - base)));
+            calls.append(call(function, numberText(index - range.low + 1)));
     }
     return calls;
 }
@@ -117,7 +117,8 @@ void ObjDictInit::writeSdoServers(quint8 line)
 {
     const bool hasUsdo = m_context.fdMode && m_context.newInitStructure &&
                          m_context.lineNumber("usdo_server_enabled", line) > 0;
-    const QList<QByteArray> calls = numberedCalls("coSdoServerInit", line, 0x1200, 0x127F, 0x11FF);
+    const QList<QByteArray> calls =
+        numberedCalls("coSdoServerInit", line, ObjectRanges::sdoServers);
     if (!hasUsdo && calls.isEmpty())
         return;
     m_out << "\n    /* initialize SDO servers */\n";
@@ -129,7 +130,8 @@ void ObjDictInit::writeSdoClients(quint8 line)
     const int usdoClients = m_context.lineNumber("usdo_client_cnt", line);
     const bool hasUsdo = m_context.fdMode && m_context.newInitStructure && usdoClients > 0 &&
                          m_context.lineNumber("usdo_client_enabled", line) > 0;
-    const QList<QByteArray> calls = numberedCalls("coSdoClientInit", line, 0x1280, 0x12FF, 0x127F);
+    const QList<QByteArray> calls =
+        numberedCalls("coSdoClientInit", line, ObjectRanges::sdoClients);
     if (!hasUsdo && calls.isEmpty())
         return;
     m_out << "\n    /* initialize SDO clients */\n";
@@ -157,7 +159,8 @@ void ObjDictInit::writeServices(quint8 line)
     service(has(line, 0x1012), "TIME", call("coTimeInit", value(0x1012)));
     service(has(line, 0x1F10), "SRD", call("coSrdInit"));
     service(has(line, 0x1300), "GFC", call("coGfcInit", "CO_TRUE, CO_TRUE"));
-    const QList<QByteArray> srdos = numberedCalls("coSrdoInit", line, 0x1301, 0x137F, 0x1300);
+    const QList<QByteArray> srdos =
+        numberedCalls("coSrdoInit", line, {ObjectRanges::srdos.low, 0x137F});
     for (const QByteArray &srdo : srdos)
         service(true, "SRDO", srdo);
     // Connections that are left over from a project that had ISO-TP need no start.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/objectranges.h"
 #include "generators/canopen/objdictcontext.h"
 
 class CodeWriter;
@@ -47,8 +48,8 @@ private:
     /// "function(canLine, arguments)", without the line in the single line form.
     [[nodiscard]] QByteArray call(const char *function, const QByteArray &arguments = {}) const;
     [[nodiscard]] bool has(quint8 line, quint16 index) const;
-    [[nodiscard]] QList<QByteArray> numberedCalls(const char *function, quint8 line, quint16 low,
-                                                  quint16 high, quint16 base) const;
+    [[nodiscard]] QList<QByteArray> numberedCalls(const char *function, quint8 line,
+                                                  const ObjectRange &range) const;
 
     const ObjDictContext &m_context;
     CodeWriter &m_out;

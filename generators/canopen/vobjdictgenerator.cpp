@@ -1,6 +1,7 @@
 #include "generators/canopen/vobjdictgenerator.h"
 
 #include "canopen/canopentypes.h"
+#include "canopen/objectranges.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/dictionaryfacts.h"
 #include "generators/canopen/objdictcontext.h"
@@ -17,7 +18,6 @@ namespace {
 constexpr quint8 progressOfHead = 25;
 constexpr quint8 progressOfVariables = 50;
 constexpr quint8 progressOfDescription = 75;
-constexpr quint16 firstIndex = 0x1000;
 
 } // namespace
 
@@ -38,7 +38,7 @@ bool VobjDictGenerator::hasContent() const
         const auto found = store()->findSubIndices(line, QStringLiteral("implementation"),
                                                    int(CANopen::VirtualObject));
         return std::any_of(found.begin(), found.end(), [](const ObjectDataBase::SubIndexKey &key) {
-            return key.first >= firstIndex;
+            return key.first >= ObjectRanges::device.low;
         });
     });
 }

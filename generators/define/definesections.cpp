@@ -1,5 +1,6 @@
 #include "generators/define/definesections.h"
 
+#include "canopen/indextext.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "store/objectdatabase.h"
 
@@ -116,8 +117,8 @@ void DefineSections::writeVirtualObjects()
     quint64 stored = 0;
     for (const Line &line : m_facts.lines) {
         for (const Facts::Place &place : line.counts.nvStorage)
-            qDebug().noquote() << QStringLiteral("Index found: index 0x%1")
-                                      .arg(place.index, 4, 16, QLatin1Char('0'));
+            qDebug().noquote() << QLatin1String("Index found: index ") +
+                                      IndexText::hex(place.index);
         stored += quint64(line.counts.nvStorage.size());
     }
     m_out.count(QStringLiteral("CO_STORE_NVS_CNT"), stored);

@@ -3,6 +3,7 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
 #include "canopen/helper.h"
+#include "dictionary/objectwalk.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/base/dictionaryfactstypes.h"
@@ -17,7 +18,6 @@ namespace {
 
 using Row = ExtDeclVariables::Row;
 
-constexpr int firstObject = 0x1000;
 constexpr quint32 addressClaim = 60928;
 constexpr quint32 extendedBit = 0x20000000;
 constexpr quint32 identifierMask = 0x1FFFFFFF;
@@ -140,16 +140,17 @@ void Collector::collectLine(quint8 line)
 
 void Collector::collectObjects(quint8 line)
 {
-    for (const quint16 index : m_store.getIndices(line, firstObject)) {
+    ObjectWalk objects(m_store, line);
+    for (qsizetype i = 0; i < objects.size(); ++i) {
         if (m_stop())
             return;
-        for (const quint8 sub : m_store.getSubIndices(line, index)) {
-            ObjectDataBase::SUBINDEX_DATA_T data;
-            if (!m_store.getSubIndexData(line, index, sub, data) ||
-                data.implementation != CANopen::Variable)
+        const DictionaryObject &object = objects.at(i);
+        for (const DictionaryEntry &entry : object.entries) {
+            const ObjectDataBase::SUBINDEX_DATA_T &data = entry.data;
+            if (!entry.isReadable || data.implementation != CANopen::Variable)
                 continue;
             const CType type = typeOf(data.datatype, false);
-            add(Helper::substituteVariables(data.varname, index, sub, line), type,
+            add(Helper::substituteVariables(data.varname, object.index, entry.subindex, line), type,
                 type.isArray ? data.size : 0, QString());
         }
     }

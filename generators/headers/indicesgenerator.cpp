@@ -2,6 +2,8 @@
 
 #include "canopen/canopentypes.h"
 #include "canopen/helper.h"
+#include "canopen/indextext.h"
+#include "canopen/objectranges.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/headers/indicesnames.h"
@@ -15,7 +17,6 @@
 
 namespace {
 
-constexpr int firstObject = 0x1000;
 constexpr quint32 addressClaim = 60928;
 constexpr quint32 controllerName = 2848; // NAME of controller application (SAE J1939-81)
 constexpr quint32 extendedBit = 0x20000000;
@@ -26,12 +27,11 @@ constexpr const char *guard = "GEN_INDICES_H";
 struct PdoRange
 {
     const char *kind;
-    quint16 first;
-    quint16 last;
+    ObjectRange objects;
 };
 
-constexpr PdoRange receivePdos = {"RPDO", 0x1400, 0x15FF};
-constexpr PdoRange transmitPdos = {"TPDO", 0x1800, 0x19FF};
+constexpr PdoRange receivePdos = {"RPDO", ObjectRanges::receivePdos};
+constexpr PdoRange transmitPdos = {"TPDO", ObjectRanges::transmitPdos};
 
 /// Writes the file's lines; owns nothing.
 class Writer
@@ -92,7 +92,7 @@ QByteArray Writer::nameOf(const ObjectDataBase::MetaData &metaData, const QStrin
 void Writer::writeObjects(quint8 line)
 {
     beginLine(line);
-    for (const quint16 index : m_store.getIndices(line, firstObject)) {
+    for (const quint16 index : m_store.getIndices(line, ObjectRanges::device.low)) {
         if (m_stop()) {
             qDebug() << "Generation aborted";
             return;
@@ -105,13 +105,13 @@ void Writer::writeObjects(quint8 line)
 void Writer::writeObject(quint8 line, quint16 index)
 {
     static const QString attribute = QStringLiteral("objectdefine");
-    static const QString nameless = QStringLiteral("unnamed object");
+    static const QString nameless = IndexText::unnamedObject;
     ObjectDataBase::INDEX_DATA_T data;
     m_store.getIndexData(line, index, data);
     const QByteArray name = m_names.unique(
         prefixed(nameOf(data.metadata, attribute, "I_",
                         Helper::substituteVariables(data.name, index, 0, line), nameless)));
-    define(name, "0x" + QByteArray::number(index, 16).rightJustified(4, '0') + 'u');
+    define(name, IndexText::hex(index).toLatin1() + 'u');
     writePdoName(name, index);
     if (data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD)
         writeSubs(line, index);
@@ -120,8 +120,8 @@ void Writer::writeObject(quint8 line, quint16 index)
 /// A PDO that belongs to a node of the network gets a second name, for its number.
 void Writer::writePdoName(const QByteArray &name, quint16 index)
 {
-    const bool isReceive = index >= receivePdos.first && index <= receivePdos.last;
-    const bool isTransmit = index >= transmitPdos.first && index <= transmitPdos.last;
+    const bool isReceive = receivePdos.objects.contains(index);
+    const bool isTransmit = transmitPdos.objects.contains(index);
     if (!isReceive && !isTransmit)
         return;
     static const QRegularExpression pattern(
@@ -136,13 +136,13 @@ void Writer::writePdoName(const QByteArray &name, quint16 index)
             .join(QLatin1Char('_'))
             .toLatin1());
     if (m_names.take(second))
-        define(second, QByteArray::number(index - range.first + 1) + 'u');
+        define(second, QByteArray::number(index - range.objects.low + 1) + 'u');
 }
 
 void Writer::writeSubs(quint8 line, quint16 index)
 {
     static const QString attribute = QStringLiteral("subdefine");
-    static const QString nameless = QStringLiteral("unnamed subindex");
+    static const QString nameless = IndexText::unnamedSubIndex;
     for (const quint8 sub : m_store.getSubIndices(line, index)) {
         if (sub == 0) {
             if (!m_hasEntriesName)
