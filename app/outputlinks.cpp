@@ -1,5 +1,7 @@
 #include "app/outputlinks.h"
 
+#include "canopen/indextext.h"
+
 #include <QRegularExpression>
 
 #include <algorithm>
@@ -113,12 +115,11 @@ QString OutputLinks::Target::anchor() const
 {
     switch (kind) {
     case Kind::Object:
-        return QStringLiteral("%2 - 0x%1").arg(index, 4, 16, QLatin1Char('0')).arg(line);
+        return QStringLiteral("%1 - %2").arg(line).arg(IndexText::hex(index));
     case Kind::SubObject:
-        return QStringLiteral("%3 - 0x%1-0x%2")
-            .arg(index, 4, 16, QLatin1Char('0'))
-            .arg(subindex, 2, 16, QLatin1Char('0'))
-            .arg(line);
+        return QStringLiteral("%1 - %2-%3")
+            .arg(line)
+            .arg(IndexText::hex(index), IndexText::subHex(subindex));
     case Kind::Setting:
         break;
     }

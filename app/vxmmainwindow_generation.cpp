@@ -1,4 +1,5 @@
 #include "app/vxmmainwindow.h"
+#include "canopen/indextext.h"
 
 #include "app/generatoroutputform.h"
 #include "app/guioutputhandler.h"
@@ -172,14 +173,13 @@ void VxmMainWindow::projectCorrectionDone()
 
 void VxmMainWindow::handleGotoIndex(quint8 line, quint16 index)
 {
-    showDictionaryPage(line, QStringLiteral("Object 0x%1").arg(index, 4, 16, QLatin1Char('0')));
+    showDictionaryPage(line, QLatin1String("Object ") + IndexText::hex(index));
 }
 
 void VxmMainWindow::handleGoToSubindex(quint8 line, quint16 index, quint8 subindex)
 {
-    showDictionaryPage(line, QStringLiteral("Object 0x%1-0x%2")
-                                 .arg(index, 4, 16, QLatin1Char('0'))
-                                 .arg(subindex, 2, 16, QLatin1Char('0')));
+    showDictionaryPage(line, QLatin1String("Object ") + IndexText::hex(index) + QLatin1Char('-') +
+                                 IndexText::subHex(subindex));
 }
 
 /// Brings the line and its object dictionary to the front.

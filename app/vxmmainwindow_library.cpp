@@ -1,13 +1,12 @@
 // The library of standard objects: filled from a profile database while the window is at work.
 
 #include "app/vxmmainwindow.h"
+#include "canopen/objectranges.h"
 
 #include "import/codbimporter.h"
 
 namespace {
 
-constexpr quint32 firstStandardObject = 0x1000;
-constexpr quint32 lastStandardObject = 0x1FFF;
 constexpr quint8 complete = 100;
 
 } // namespace
@@ -32,7 +31,7 @@ void VxmMainWindow::loadLibrary(const QString &profile)
             });
     m_libraryImporter->setLine(line);
     m_libraryImporter->setDatabase(m_library.get());
-    m_libraryImporter->setRange(firstStandardObject, lastStandardObject);
+    m_libraryImporter->setRange(ObjectRanges::communication.low, ObjectRanges::communication.high);
     m_libraryImporter->setFile(profile);
     m_libraryImporter->start();
 }

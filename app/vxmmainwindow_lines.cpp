@@ -1,4 +1,5 @@
 #include "app/vxmmainwindow.h"
+#include "dictionary/objectwalk.h"
 
 #include "app/selectprotocoldialog.h"
 #include "canopen/linetype.h"
@@ -12,21 +13,10 @@ namespace {
 
 constexpr quint8 firstScratchLine = 240; ///< lines from here on are none of the user's
 constexpr quint16 errorRegister = 0x1001;
-constexpr quint16 firstManufacturerObject = 0x2000;
 
 QString typeKey(quint8 line)
 {
     return QStringLiteral("line%1type").arg(line);
-}
-
-/// An object of which at least one subindex is shared between the lines.
-bool isShared(ObjectDataBase &store, quint8 line, quint16 index)
-{
-    const QList<quint8> subIndices = store.getSubIndices(line, index);
-    return std::any_of(subIndices.begin(), subIndices.end(), [&](quint8 subIndex) {
-        ObjectDataBase::SUBINDEX_DATA_T data;
-        return store.getSubIndexData(line, index, subIndex, data) && data.sharedlines;
-    });
 }
 
 } // namespace
@@ -129,8 +119,8 @@ void VxmMainWindow::addLine()
 void VxmMainWindow::copyStandardObjects(quint8 line)
 {
     if (m_database->indexExists(0, errorRegister)) {
-        for (const quint16 index : m_database->getIndices(0, firstManufacturerObject)) {
-            if (isShared(*m_database, 0, index))
+        for (const quint16 index : m_database->getIndices(0, ObjectRanges::manufacturer.low)) {
+            if (readDictionaryObject(*m_database, 0, index).isShared())
                 m_database->copyIndex(0, index, line, index);
         }
         return;

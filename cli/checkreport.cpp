@@ -1,5 +1,6 @@
 #include "cli/checkreport.h"
 
+#include "canopen/indextext.h"
 #include "check/warninggroups.h"
 #include "generation/plaintextoutputhandler.h"
 
@@ -89,9 +90,9 @@ QString placeText(const CheckPlace &place)
     QString text = QStringLiteral("line%1").arg(place.line);
     if (place.index < 0)
         return text;
-    text += QStringLiteral("/0x%1").arg(place.index, 4, 16, QLatin1Char('0'));
+    text += QLatin1Char('/') + IndexText::hex(quint16(place.index));
     if (place.subindex >= 0)
-        text += QStringLiteral("/0x%1").arg(place.subindex, 2, 16, QLatin1Char('0'));
+        text += QLatin1Char('/') + IndexText::subHex(quint8(place.subindex));
     return text;
 }
 

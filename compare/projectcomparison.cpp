@@ -1,5 +1,6 @@
 #include "compare/projectcomparison.h"
 
+#include "canopen/objectranges.h"
 #include "compare/recordproperties.h"
 #include "compare/settingscomparison.h"
 
@@ -14,7 +15,6 @@ namespace {
 
 using Store = ObjectDataBase;
 
-constexpr quint16 firstObject = 0x1000;
 constexpr std::array<quint8, 2> directions{Store::transmit, Store::receive};
 
 // The three kinds of items, each with records and parts: one comparison serves them all.
@@ -28,7 +28,7 @@ struct Objects
 
     static auto numbers(Store &store, const DiffItem &at)
     {
-        return store.getIndices(at.line, firstObject);
+        return store.getIndices(at.line, ObjectRanges::device.low);
     }
     static auto partNumbers(Store &store, const DiffItem &at)
     {

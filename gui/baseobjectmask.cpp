@@ -1,5 +1,6 @@
 #include "gui/baseobjectmask.h"
 
+#include "canopen/indextext.h"
 #include "gui/guihelper.h"
 
 #include <QComboBox>
@@ -21,8 +22,8 @@ bool BaseObjectMask::confirmOverwrite(quint8 line, quint16 objectIndex)
         return true;
     const int answer = GuiHelper::showMessageBox(
         this, {.title = QCoreApplication::applicationName(),
-               .text = QStringLiteral("The existing index 0x%1 must be overwritten. Proceed?")
-                           .arg(objectIndex, 4, 16, QLatin1Char('0')),
+               .text = QStringLiteral("The existing index %1 must be overwritten. Proceed?")
+                           .arg(IndexText::hex(objectIndex)),
                .informativeText = {},
                .buttons = QMessageBox::Yes | QMessageBox::No,
                .icon = QMessageBox::Warning,

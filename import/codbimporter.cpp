@@ -1,5 +1,7 @@
 #include "import/codbimporter.h"
 
+#include "canopen/objectranges.h"
+
 #include <QDebug>
 #include <QFile>
 #include <QFileInfo>
@@ -136,7 +138,6 @@ void CODBImporter::addObject(const CodbLine &line)
 
 void CODBImporter::addEntry(const CodbLine &line)
 {
-    constexpr quint16 firstProfileObject = 0x2000;
     ObjectDataBase::SUBINDEX_DATA_T entry = line.entryData();
     const std::optional<ObjectDataBase::INDEX_DATA_T> object =
         line.subindex() <= 1 ? objectOf(line.index()) : std::nullopt;
@@ -146,7 +147,7 @@ void CODBImporter::addEntry(const CodbLine &line)
         m_staged[line.index()].object->datatype = entry.datatype;
     }
     const bool hasParts = object && object->objecttype != CANopen::VAR;
-    if (hasParts && line.subindex() == 0 && line.index() >= firstProfileObject)
+    if (hasParts && line.subindex() == 0 && line.index() >= ObjectRanges::manufacturer.low)
         entry.implementation = CANopen::ManagedConst;
 
     CANopenSubindex record;

@@ -1,6 +1,7 @@
 #include "import/csvimporter.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/indextext.h"
 #include "canopen/wordtable.h"
 #include "import/csvimporterreader.h"
 #include "import/objectwriter.h"
@@ -15,11 +16,6 @@ using Entry = ObjectDataBase::SUBINDEX_DATA_T;
 constexpr qsizetype mostEntries = 500000;
 constexpr qsizetype batchSize = 5000;
 constexpr int mostMessages = 500;
-
-QString hexText(quint16 index)
-{
-    return QStringLiteral("%1").arg(index, 4, 16, QLatin1Char('0'));
-}
 
 bool isOn(const QString &text)
 {
@@ -315,7 +311,7 @@ CsvImporter::Object &CsvImporter::objectOf(const Key &key, const CsvRecord &row)
     object.data.objecttype = CANopen::VAR;
     object.data.name = row.text(CsvColumn::EdsName);
     if (object.data.name.isEmpty())
-        object.data.name = QStringLiteral("Object_%1").arg(hexText(key.second));
+        object.data.name = QStringLiteral("Object_%1").arg(IndexText::digits(key.second));
     return object;
 }
 
@@ -359,7 +355,7 @@ void CsvImporter::readEntry(Object &object, const Key &key, quint8 subindex, con
         isNew = true;
         entry = {};
         entry.name = subindex == 0 && !object.isCompound() ? object.data.name
-                                                           : QStringLiteral("unnamed subindex");
+                                                           : QString(IndexText::unnamedSubIndex);
     }
     const QString name = row.text(CsvColumn::EdsName);
     if (!name.isEmpty())
@@ -453,7 +449,7 @@ void CsvImporter::completeObject(const Key &key, Object &object)
         object.data.objecttype = CANopen::RECORD;
         reportMessage(
             tr("%1: 0x%2 has no object code but several sub-indices; it becomes a record.")
-                .arg(fileName(), hexText(key.second)));
+                .arg(fileName(), IndexText::digits(key.second)));
     }
     if (object.isNew && object.data.objecttype == CANopen::ARRAY && !object.entries.contains(0)) {
         Entry count;

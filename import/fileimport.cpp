@@ -1,5 +1,6 @@
 #include "import/fileimport.h"
 
+#include "canopen/indextext.h"
 #include "import/vxmpimporter.h"
 
 #include <QFileInfo>
@@ -18,11 +19,6 @@ constexpr quint8 complete = 100;
 /// In the order of `ImportedImplementation`.
 constexpr std::array kindTexts{"managed variables", "application variables",
                                "original implementation types"};
-
-QString hexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
-}
 
 } // namespace
 
@@ -198,7 +194,8 @@ QString FileImport::conflict(const QList<ImportedItem> &items) const
         const auto former = sourceOf.constFind(item.target);
         if (former != sourceOf.constEnd())
             return tr("The objects %1 and %2 would both become %3.")
-                .arg(hexText(*former), hexText(item.index), hexText(item.target));
+                .arg(IndexText::hex(*former), IndexText::hex(item.index),
+                     IndexText::hex(item.target));
         sourceOf.insert(item.target, item.index);
     }
     return {};

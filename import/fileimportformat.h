@@ -1,5 +1,7 @@
 #pragma once
 
+#include "canopen/objectranges.h"
+
 #include <QList>
 #include <QString>
 
@@ -11,8 +13,8 @@ class BaseDataImporter;
 struct FileImportOptions
 {
     QString path;
-    quint32 low = 0x1000; ///< first object that is read
-    quint32 high = 0xFFFF;
+    quint32 low = ObjectRanges::device.low; ///< first object that is read
+    quint32 high = ObjectRanges::device.high;
     quint8 sourceLine = 0;     ///< of a project
     bool expandCopies = false; ///< the copies that a profile database asks for
 };

@@ -1,5 +1,6 @@
 #include "import/fileimporttransfer.h"
 
+#include "canopen/objectranges.h"
 #include "import/objectwriter.h"
 
 #include <QScopeGuard>
@@ -12,7 +13,6 @@ namespace {
 
 constexpr qsizetype objectsPerStep = 250;
 constexpr qsizetype fewObjects = 50;
-constexpr quint16 firstApplicationObject = 0x2000; ///< the stack itself works with those below
 
 using Data = ObjectDataBase::SUBINDEX_DATA_T;
 
@@ -41,7 +41,7 @@ void makeManaged(quint16 index, quint8 subindex, bool, Data &data)
 
 void makeApplication(quint16 index, quint8 subindex, bool isSubZero, Data &data)
 {
-    if (index < firstApplicationObject || isSubZero) {
+    if (index < ObjectRanges::manufacturer.low || isSubZero) {
         makeManaged(index, subindex, isSubZero, data);
         return;
     }

@@ -1,5 +1,6 @@
 #include "import/importhandler.h"
 
+#include "canopen/objectranges.h"
 #include "import/vxmpimporter.h"
 
 #include <QDebug>
@@ -19,7 +20,6 @@ namespace {
 constexpr qint64 fewestBytes = 11;
 constexpr qint64 mostBytes = qint64(1024) * 1024;
 constexpr int fewestKeys = 2;
-constexpr int firstObject = 0x1000;
 constexpr quint32 highestIndex = 0xFFFF;
 
 /// A number with its base by prefix, up to a highest value.
@@ -238,8 +238,9 @@ bool ImportHandler::processImport(const actionSetting &action)
     if (action.projectPath.isEmpty() || !m_store->lineExists(action.targetLine) ||
         !readProject(action))
         return false;
-    const QList<quint16> before = m_store->getIndices(action.targetLine, firstObject);
-    const QList<quint16> objects = m_scratch->getIndices(ObjectDataBase::stagingLine, firstObject);
+    const QList<quint16> before = m_store->getIndices(action.targetLine, ObjectRanges::device.low);
+    const QList<quint16> objects =
+        m_scratch->getIndices(ObjectDataBase::stagingLine, ObjectRanges::device.low);
     if (!objects.isEmpty() && objects.last() + action.offset > highestIndex)
         return false;
     QSet<quint16> brought;

@@ -1,6 +1,7 @@
 #include "import/pdocompletion.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/objectranges.h"
 
 #include <algorithm>
 #include <array>
@@ -10,10 +11,7 @@ namespace {
 using Entry = ObjectDataBase::SUBINDEX_DATA_T;
 using Entries = QList<std::pair<quint8, Entry>>;
 
-constexpr quint16 firstReceive = 0x1400;
-constexpr quint16 firstTransmit = 0x1800;
-constexpr quint16 mappingDistance = 0x200;
-constexpr quint32 mostPdos = 0x200;  // of one direction
+constexpr quint32 mostPdos = ObjectRanges::receivePdos.size(); // of one direction
 constexpr quint8 mappingEntries = 8; // objects of a byte in a classical frame
 
 // Numbers of the structures of CiA 301.
@@ -72,14 +70,15 @@ bool PdoCompletion::complete(quint32 receivePdos, quint32 transmitPdos)
 {
     bool done = completeCommunication(Direction::Receive, receivePdos);
     done &= completeCommunication(Direction::Transmit, transmitPdos);
-    done &= completeMapping(firstReceive + mappingDistance, receivePdos);
-    done &= completeMapping(firstTransmit + mappingDistance, transmitPdos);
+    done &= completeMapping(ObjectRanges::receiveMappings.low, receivePdos);
+    done &= completeMapping(ObjectRanges::transmitMappings.low, transmitPdos);
     return done;
 }
 
 bool PdoCompletion::completeCommunication(Direction direction, quint32 limit)
 {
-    const quint16 first = direction == Direction::Receive ? firstReceive : firstTransmit;
+    const quint16 first = direction == Direction::Receive ? ObjectRanges::receivePdos.low
+                                                          : ObjectRanges::transmitPdos.low;
     const auto count = m_store.getIndices(m_line, first, first + mostPdos - 1).size();
     if (quint32(count) >= limit)
         return true;
@@ -89,8 +88,8 @@ bool PdoCompletion::completeCommunication(Direction direction, quint32 limit)
         if (!isMissing(index))
             continue;
         done &= addCommunication(direction, index, static_cast<int>(i) + 1);
-        if (isMissing(index + mappingDistance))
-            done &= addMapping(index + mappingDistance);
+        if (isMissing(index + ObjectRanges::pdoMappingDistance))
+            done &= addMapping(index + ObjectRanges::pdoMappingDistance);
     }
     return done;
 }

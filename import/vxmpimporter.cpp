@@ -1,5 +1,6 @@
 #include "import/vxmpimporter.h"
 
+#include "canopen/indextext.h"
 #include "store/objectdatabase.h"
 
 #include <QSet>
@@ -73,7 +74,7 @@ bool VXMPImporter::copyObjects(ObjectDataBase &source)
         ObjectDataBase::INDEX_DATA_T object;
         source.getIndexData(m_sourceLine, index, object);
         if (object.name.isEmpty())
-            object.name = QStringLiteral("unnamed object");
+            object.name = IndexText::unnamedObject;
         objects.append({line(), index, object});
         const QList<quint8> subindices = source.getSubIndices(m_sourceLine, index);
         for (const quint8 subindex : subindices) {

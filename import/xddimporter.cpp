@@ -1,6 +1,7 @@
 #include "import/xddimporter.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/indextext.h"
 #include "import/objectwriter.h"
 #include "import/xmlguard.h"
 
@@ -211,7 +212,7 @@ void XDDImporter::readObject(const QXmlStreamReader &xml)
         return;
     m_index = static_cast<quint16>(*index);
     ObjectDataBase::INDEX_DATA_T data;
-    data.name = attribute(xml, "name", QStringLiteral("unnamed object"));
+    data.name = attribute(xml, "name", IndexText::unnamedObject);
     data.objecttype = attribute(xml, "objectType").toUInt();
     if (data.objecttype == 0) {
         data.objecttype = CANopen::VAR;

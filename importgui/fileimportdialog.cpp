@@ -1,5 +1,7 @@
 #include "importgui/fileimportdialog.h"
 
+#include "canopen/indextext.h"
+#include "canopen/objectranges.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
 #include "importgui/importobjectmodel.h"
@@ -45,21 +47,16 @@ QString remembered(const Memory &memory)
 struct Segment
 {
     const char *label;
-    quint16 low;
-    quint16 high;
+    ObjectRange range;
 };
 constexpr std::array segments{
-    Segment{"All", 0x0000, 0xFFFF},
-    Segment{"Communication (0x1000-0x1FFF)", 0x1000, 0x1FFF},
-    Segment{"Manufacturer (0x2000-0x5FFF)", 0x2000, 0x5FFF},
-    Segment{"Profile (0x6000-0x9FFF)", 0x6000, 0x9FFF},
-    Segment{"Other (0xA000-0xFFFF)", 0xA000, 0xFFFF},
+    Segment{"All", ObjectRanges::all},
+    Segment{"Communication (0x1000-0x1FFF)", ObjectRanges::communication},
+    Segment{"Manufacturer (0x2000-0x5FFF)", ObjectRanges::manufacturer},
+    Segment{"Profile (0x6000-0x9FFF)", ObjectRanges::profile},
+    Segment{"Other (0xA000-0xFFFF)",
+            {ObjectRanges::networkVariables.low, ObjectRanges::additional.high}},
 };
-
-QString hexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
-}
 
 } // namespace
 
@@ -271,7 +268,7 @@ int FileImportDialog::currentRow() const
 void FileImportDialog::updateSegment()
 {
     const Segment &segment = segments[size_t(qMax(0, ui->cbSegment->currentIndex()))];
-    m_filter->setSegment(segment.low, segment.high);
+    m_filter->setSegment(segment.range.low, segment.range.high);
     updateState();
 }
 
@@ -281,7 +278,7 @@ void FileImportDialog::selectSubIndices()
     if (row < 0)
         return;
     ImportedItem item = m_model->item(row);
-    SubSelectDialog dialog(QStringLiteral("%1 - %2").arg(hexText(item.index), m_model->nameOf(row)),
+    SubSelectDialog dialog(IndexText::titled(item.index, m_model->nameOf(row)),
                            m_import->subindices(item.index), item.subindices, this);
     if (GuiHelper::execDialog(dialog) != QDialog::Accepted)
         return;

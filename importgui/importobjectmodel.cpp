@@ -1,5 +1,6 @@
 #include "importgui/importobjectmodel.h"
 
+#include "canopen/indextext.h"
 #include "gui/lineicon.h"
 
 #include <QFontDatabase>
@@ -41,11 +42,6 @@ QIcon blankIcon()
         return QIcon(pixmap);
     }();
     return icon;
-}
-
-QString hexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
 }
 
 } // namespace
@@ -131,11 +127,9 @@ int ImportObjectModel::rowCount(const QModelIndex &parent) const
 
 QString ImportObjectModel::text(const Row &row)
 {
-    QString text = QStringLiteral("0x%1 - %2")
-                       .arg(row.object.index, 4, 16, QLatin1Char('0'))
-                       .arg(row.object.name);
+    QString text = IndexText::titled(row.object.index, row.object.name);
     if (row.item.target != row.object.index)
-        text += tr("  (to %1)").arg(hexText(row.item.target));
+        text += tr("  (to %1)").arg(IndexText::hex(row.item.target));
     if (!row.item.subindices.isEmpty())
         text += tr("  (%n subindices)", nullptr, int(row.item.subindices.size()));
     return text;
@@ -145,7 +139,7 @@ QString ImportObjectModel::toolTip(const Row &row)
 {
     if (!row.object.exists)
         return {};
-    const QString object = hexText(row.item.target);
+    const QString object = IndexText::hex(row.item.target);
     return row.item.subindices.isEmpty()
                ? tr("%1 already exists in the project. The import overwrites it.").arg(object)
                : tr("%1 already exists in the project. The import overwrites the chosen "

@@ -1,5 +1,6 @@
 #include "importgui/indexdestinationdialog.h"
 
+#include "canopen/indextext.h"
 #include "store/objectdatabase.h"
 #include "ui_indexdestinationdialog.h"
 
@@ -10,11 +11,6 @@
 namespace {
 
 constexpr int highestIndex = 0xFFFF;
-
-QString hexText(int index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
-}
 
 quint16 freeIndex(const QSet<quint16> &present, quint16 wanted)
 {
@@ -38,7 +34,7 @@ IndexDestinationDialog::IndexDestinationDialog(ObjectDataBase &store, quint8 lin
     ui->setupUi(this);
     const QList<quint16> present = store.getIndices(line);
     m_present = QSet<quint16>(present.begin(), present.end());
-    ui->leIndex->setText(hexText(freeIndex(m_present, wanted)));
+    ui->leIndex->setText(IndexText::hex(freeIndex(m_present, wanted)));
     ui->leIndex->selectAll();
     ui->leName->setText(name);
     ui->leName->setVisible(!name.isEmpty());
@@ -83,9 +79,11 @@ void IndexDestinationDialog::check()
     QStringList hints;
     if (!isAllowed)
         hints.append(tr("The index has to be a number from %1 to %2.")
-                         .arg(hexText(m_low), hexText(std::max(0, m_high - m_distanceOfLast))));
+                         .arg(IndexText::hex(m_low),
+                              IndexText::hex(quint16(std::max(0, m_high - m_distanceOfLast)))));
     else if (m_present.contains(m_target))
-        hints.append(tr("Object %1 already exists and will be replaced.").arg(hexText(m_target)));
+        hints.append(
+            tr("Object %1 already exists and will be replaced.").arg(IndexText::hex(m_target)));
     if (!isNamed)
         hints.append(tr("The object needs a name."));
     if (m_followers > 0)

@@ -1,5 +1,6 @@
 #include "importgui/subselectdialog.h"
 
+#include "canopen/indextext.h"
 #include "store/objectdatabase.h"
 
 #include <QComboBox>
@@ -112,9 +113,7 @@ void SubSelectDialog::fillObjects()
         ObjectDataBase::INDEX_DATA_T data;
         if (m_store->getIndexData(targetLine(), index, data) &&
             (data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD))
-            m_object->addItem(
-                QStringLiteral("0x%1 - %2").arg(index, 4, 16, QLatin1Char('0')).arg(data.name),
-                index);
+            m_object->addItem(IndexText::titled(index, data.name), index);
     }
     fillSubindices();
 }

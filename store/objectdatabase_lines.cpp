@@ -1,3 +1,4 @@
+#include "canopen/indextext.h"
 #include "store/objectdatabase_p.h"
 
 #include "store/schema.h"
@@ -22,7 +23,7 @@ bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, qu
         INDEX_DATA_T object;
         source.getIndexData(sourceLine, index, object);
         if (object.name.isEmpty())
-            object.name = QStringLiteral("unnamed object");
+            object.name = IndexText::unnamedObject;
         const QList<quint8> subindices = source.getSubIndices(sourceLine, index);
         target.deleteIndex(targetLine, index, true);
         copied &= target.addIndex(targetLine, index, object);

@@ -1,5 +1,7 @@
 #include "resources/builder/datawriter.h"
 
+#include "canopen/indextext.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -13,11 +15,6 @@ namespace {
 using DataSource::Line;
 using DataSource::Object;
 using DataSource::Settings;
-
-QString indexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
-}
 
 QString fillSettings(const Settings &settings, const QString &table,
                      const std::function<bool(const QString &, const QString &)> &write)
@@ -34,7 +31,7 @@ QString fillObjects(ObjectDataBase &store, const Line &line)
     QList<ObjectDataBase::SubEntry> entries;
     for (const Object &object : line.objects) {
         if (!store.addIndex(line.number, object.index, object.data))
-            return QStringLiteral("object %1 can't be written").arg(indexText(object.index));
+            return QStringLiteral("object %1 can't be written").arg(IndexText::hex(object.index));
         for (auto sub = object.subIndices.begin(); sub != object.subIndices.end(); ++sub)
             entries.append({line.number, object.index, sub.key(), sub.value()});
     }

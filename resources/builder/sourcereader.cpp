@@ -1,6 +1,7 @@
 #include "resources/builder/sourcereader.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/indextext.h"
 #include "resources/builder/sourcelexer.h"
 #include "resources/builder/subindexparser.h"
 
@@ -434,7 +435,7 @@ void Reader::readObject(const QString &rest)
     object.index = quint16(index);
     for (const Object &other : std::as_const(line().objects)) {
         if (other.index == object.index) {
-            fail(QStringLiteral("object 0x%1 stands twice").arg(index, 4, 16, QLatin1Char('0')));
+            fail(QStringLiteral("object %1 stands twice").arg(IndexText::hex(quint16(index))));
             return;
         }
     }
@@ -494,9 +495,8 @@ void Reader::finishObject()
     if (!m_object)
         return;
     if (const QString problem = SubIndexParser::finish(*m_object); !problem.isEmpty())
-        fail(m_objectPlace, QStringLiteral("object 0x%1: %2")
-                                .arg(m_object->index, 4, 16, QLatin1Char('0'))
-                                .arg(problem));
+        fail(m_objectPlace,
+             QStringLiteral("object %1: %2").arg(IndexText::hex(m_object->index), problem));
     line().objects.append(*m_object);
     m_object.reset();
 }
