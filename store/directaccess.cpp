@@ -72,7 +72,9 @@ public:
         const char *rest = nullptr;
         m_result =
             sqlite3_prepare_v2(connection, text.data(), int(text.size()) + 1, &m_handle, &rest);
-        m_isSingle = rest == text.end() || QByteArrayView(rest, text.end()).trimmed().isEmpty();
+        // Where a statement can't be read, the rest tells nothing of what stands behind it.
+        m_isSingle = m_result != SQLITE_OK || rest == text.end() ||
+                     QByteArrayView(rest, text.end()).trimmed().isEmpty();
     }
     ~Statement() { sqlite3_finalize(m_handle); }
     Statement(const Statement &) = delete;
@@ -223,17 +225,18 @@ bool DirectAccess::runMany(QByteArrayView text, qsizetype count, const FillFunct
         error = notReadyText(connection, statement);
         return false;
     }
+    bool done = true;
     for (qsizetype i = 0; i < count; ++i) {
         BoundRow row(statement.handle());
         fill(i, row);
         const int result = sqlite3_step(statement.handle());
         sqlite3_reset(statement.handle());
-        if (result != SQLITE_DONE) {
+        if (result != SQLITE_DONE && done) {
             error = errorText(connection, QLatin1String("Unable to fetch row"));
-            return false;
+            done = false;
         }
     }
-    return true;
+    return done;
 }
 
 void BoundRow::id(qint64 value)

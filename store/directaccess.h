@@ -49,8 +49,8 @@ public:
     /// Runs one statement, in UTF-8 with a NUL behind it. On failure false, with the words of Qt's
     /// driver in `error`. Rows go to `row`, unless that is null.
     bool run(QByteArrayView statement, const RowFunction *row, Rows rows, QString &error) const;
-    /// Runs one statement that gives no rows `count` times; `fill` hears which time it is. Ends
-    /// with the first failure.
+    /// Runs one statement that gives no rows `count` times; `fill` hears which time it is. Goes on
+    /// after a failure; false and the first reason if there was one.
     bool runMany(QByteArrayView statement, qsizetype count, const FillFunction &fill,
                  QString &error) const;
     [[nodiscard]] qint64 lastInsertId() const;

@@ -49,6 +49,7 @@ public:
     static constexpr quint8 transmit = 85; ///< direction byte
     static constexpr quint8 receive = 119; ///< direction byte
     static constexpr int schemaVersion = 107;
+    static constexpr quint32 highestPGN = 0x3FFFF; ///< 18 bits (SAE J1939-21)
 
     /// One CAN line.
     struct NODE_DATA_T
@@ -169,7 +170,7 @@ public:
     /// A J1939 signal. Positions and sizes in bits.
     struct SPN
     {
-        quint8 pos = 0; ///< row in its PGN's table
+        quint16 pos = 0; ///< row in its PGN's table
         QString name;
         QString desc;
         QString defaultValue = QStringLiteral("0");
@@ -199,7 +200,7 @@ public:
     /// A signal of a raw CAN message. Positions and sizes in bits.
     struct DataElement
     {
-        quint8 pos = 0;
+        quint16 pos = 0; ///< row in its message's table
         QString name;
         QString desc;
         QString defaultValue = QStringLiteral("0");
@@ -347,8 +348,9 @@ public:
     /// `source` is the store to copy from, this one if null.
     bool copyIndex(quint8 sourceLine, quint16 index, quint8 targetLine, quint16 newIndex,
                    ObjectDataBase *source = nullptr);
-    /// One column, without notification and without touching a cache; an empty value changes
-    /// nothing. Makes the row if it is missing.
+    /// One column of a row, which is made if it is missing; an empty value changes nothing. Table,
+    /// index and subindex are texts as they stand in a statement. The caches drop what they have of
+    /// the row.
     void setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
                                 const QVariant &value);
     void setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex,
@@ -380,6 +382,8 @@ public:
     bool setGeneralSettingForLine(const QString &key, const QString &value, quint8 line);
     /// The line's item of a comma list, or the last item for a line beyond its end.
     [[nodiscard]] QString getGeneralLineSetting(const QString &key, quint8 line);
+    /// The line's item of a comma list; empty for a line beyond its end.
+    [[nodiscard]] QString getGeneralOwnLineSetting(const QString &key, quint8 line);
     [[nodiscard]] QStringList getGeneralSettingKeys();
     [[nodiscard]] bool generalSettingExists(const QString &key);
     /// The general settings that hold one value a line, joined by commas.
@@ -406,11 +410,15 @@ public:
     [[nodiscard]] bool miscSettingExists(const QString &key);
 
     [[nodiscard]] QString getJ1939Setting(const QString &key);
+    /// As their general namesakes.
     [[nodiscard]] QString getJ1939LineSetting(const QString &key, quint8 line);
+    [[nodiscard]] QString getJ1939OwnLineSetting(const QString &key, quint8 line);
     bool setJ1939Setting(const QString &key, const QString &value);
+    bool setJ1939LineSetting(const QString &key, const QString &value, quint8 line);
     [[nodiscard]] QStringList getJ1939SettingKeys();
     [[nodiscard]] bool j1939SettingExists(const QString &key);
 
+    /// A setter that changes a value notifies with the line; one that doesn't writes nothing.
     [[nodiscard]] QMap<UDS::SID, bool> getUDSServices(quint8 line);
     [[nodiscard]] bool getUDSServiceActive(quint8 line, UDS::SID sid);
     [[nodiscard]] QString getUDSServiceSessions(quint8 line, UDS::SID sid);
@@ -442,7 +450,7 @@ public:
     [[nodiscard]] QString getSPNName(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
     void deletePGN(quint8 line, quint32 number, quint8 direction);
     void deleteSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
-    /// Lays the SPNs out one behind the other if the first two both start at bit 0, or if forced.
+    /// Lays the SPNs out one behind the other if all of them start at bit 0, or if forced.
     void realignSPNs(quint8 line, quint8 direction, quint32 pgn, bool force = false);
     /// `implementation` 0 makes every SPN managed, 2 an application variable, else it is kept.
     static bool copyPGN(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
@@ -455,7 +463,8 @@ public:
     void clearSPNCache();
     /// Repairs `mappingcount` of every PGN of a line.
     void repairMappingCounts(quint8 line);
-    /// Folds legacy page keys (`edpDpKey`) into the PGN numbers.
+    /// Folds legacy page keys (`edpDpKey`) into the PGN numbers. A PGN whose folded number is taken
+    /// in its direction stays as it is, and the debug log says so.
     void foldPageKeys(quint8 line);
 
     // --- Raw CAN ----------------------------------------------------------------------------
@@ -478,7 +487,7 @@ public:
     void deleteDataElement(quint8 line, quint32 canId, quint32 number, quint8 direction);
     static bool copyCANID(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                           quint8 targetLine, quint32 id, quint8 direction, quint8 targetDirection);
-    /// Lays the elements out one behind the other if the first two both start at bit 0.
+    /// Lays the elements out one behind the other if all of them start at bit 0.
     void realignDataElements(quint8 line, quint8 direction, quint32 canId);
 
 signals:
@@ -506,7 +515,9 @@ private:
     void repairSPNDirections(const QList<quint8> &lines);
     void giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections);
     void makeNodePathsAbsolute(const QList<quint8> &lines);
+    void adaptSignals(const QList<quint8> &lines);
     void layOutSignals(const QList<quint8> &lines);
+    [[nodiscard]] bool mayBeReplaced();
     void fitLineLists(const QList<quint8> &lines);
     bool mayBeSaved(const QString &target);
     void writeSaveKeys();
@@ -532,6 +543,8 @@ private:
     bool writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata);
     bool writeSubMetaData(quint8 line, quint16 index, quint8 subindex, const MetaData &metadata);
     [[nodiscard]] QString sqlValueText(const QString &column, const QVariant &value);
+    void tellIndexValue(quint8 line, quint16 index);
+    void tellSubIndexValue(quint8 line, quint16 index, quint8 subindex);
 
     // lines and settings
     void inheritLineSettings(quint8 line);
@@ -542,6 +555,10 @@ private:
                                 quint8 targetLine);
     bool writeSetting(const char *table, const QString &key, const QString &value,
                       const ChangeSet &change);
+    bool writeLineSetting(const char *table, const QString &key, const QString &value, quint8 line,
+                          const ChangeSet &change);
+    template <typename Change>
+    void changeUDSService(quint8 line, UDS::SID sid, const Change &change);
 };
 
 Q_DECLARE_METATYPE(ObjectDataBase::ChangeSet)

@@ -51,7 +51,7 @@ ObjectDataBase::SPN readSpn(StringTable &strings, const ResultRow &row)
     spn.defaultValue = row.value(3).toString();
     spn.name = strings.lookup(row.value(4).toLongLong());
     spn.desc = strings.lookup(row.value(5).toLongLong());
-    spn.pos = quint8(row.value(6).toUInt());
+    spn.pos = quint16(row.value(6).toUInt());
     spn.bitSize = quint16(row.value(7).toUInt());
     spn.slotDf = quint16(row.value(8).toUInt());
     spn.bitPosition = quint16(row.value(9).toUInt());
@@ -100,6 +100,7 @@ bool ObjectDataBase::addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 
         return false;
     const QString name = d->internedId(data.name);
     const QString desc = d->internedId(data.desc);
+    d->signalCache.drop(line);
     const QStringList keys = {QStringLiteral("pgnnumber"), QStringLiteral("spnnumber"),
                               QStringLiteral("direction")};
     const bool done =
@@ -249,6 +250,7 @@ void ObjectDataBase::deletePGN(quint8 line, quint32 number, quint8 direction)
 {
     if (d->refusesWrites())
         return;
+    d->signalCache.drop(line);
     d->runner.exec(QLatin1String("delete from ") + spnTable(line) + QLatin1String(" where ") +
                        whereSpnsOf(number, direction),
                    Q_FUNC_INFO);
@@ -262,6 +264,7 @@ void ObjectDataBase::deleteSPN(quint8 line, quint32 pgn, quint32 spn, quint8 dir
 {
     if (d->refusesWrites())
         return;
+    d->signalCache.drop(line);
     d->runner.exec(QLatin1String("delete from ") + spnTable(line) + QLatin1String(" where ") +
                        whereSpn(pgn, direction, spn),
                    Q_FUNC_INFO);
@@ -287,13 +290,15 @@ void ObjectDataBase::realignSPNs(quint8 line, quint8 direction, quint32 pgn, boo
 {
     if (d->refusesWrites())
         return;
-    QList<SPN> spns = readSPNs(line, pgn, direction);
-    if (!SignalLayout::layOut(spns, &SPN::bitPosition, force))
-        return;
-    for (const SPN &spn : std::as_const(spns)) {
-        if (spn.spn != 0)
-            addSPN(line, pgn, direction, spn.spn, spn);
-    }
+    d->runner.exclusive([&] {
+        QList<SPN> spns = readSPNs(line, pgn, direction);
+        if (!SignalLayout::layOut(spns, &SPN::bitPosition, force))
+            return;
+        for (const SPN &spn : std::as_const(spns)) {
+            if (spn.spn != 0)
+                addSPN(line, pgn, direction, spn.spn, spn);
+        }
+    });
 }
 
 bool ObjectDataBase::copyPGN(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
@@ -346,6 +351,7 @@ bool ObjectDataBase::loadSPNCache(quint8 line)
             lists[{line, spn.pgn, spn.direction}].append(spn.spn);
         },
         Q_FUNC_INFO);
+    d->signalCache.drop(line);
     const std::unique_lock lock(d->signalCache.mutex);
     d->signalCache.spns.insert(spns);
     d->signalCache.lists.insert(lists);
@@ -356,10 +362,25 @@ bool ObjectDataBase::loadSPNCache(quint8 line)
 
 void ObjectDataBase::clearSPNCache()
 {
-    const std::unique_lock lock(d->signalCache.mutex);
-    d->signalCache.spns.clear();
-    d->signalCache.lists.clear();
-    d->signalCache.lines.clear();
+    d->signalCache.clear();
+}
+
+void SignalCache::clear()
+{
+    const std::unique_lock lock(mutex);
+    spns.clear();
+    lists.clear();
+    lines.clear();
+}
+
+void SignalCache::drop(quint8 line)
+{
+    const std::unique_lock lock(mutex);
+    if (!lines.remove(line))
+        return;
+    const auto isOfLine = [line](const auto &entry) { return std::get<0>(entry.key()) == line; };
+    spns.removeIf(isOfLine);
+    lists.removeIf(isOfLine);
 }
 
 void ObjectDataBase::repairMappingCounts(quint8 line)
@@ -368,16 +389,17 @@ void ObjectDataBase::repairMappingCounts(quint8 line)
         return;
     QStringList statements;
     d->runner.forEachRow(
-        QLatin1String("select p.number, p.direction, count(s.spnnumber) from ") + pgnTable(line) +
+        QLatin1String("select p.rowid, count(s.spnnumber) from ") + pgnTable(line) +
             QLatin1String(" p left join ") + spnTable(line) +
             QLatin1String(" s on s.pgnnumber = p.number and s.direction = p.direction "
                           "group by p.rowid having ifnull(p.mappingcount,-1) != "
                           "count(s.spnnumber)"),
         [&](const ResultRow &row) {
-            statements.append(QStringLiteral("update PGNs%1 SET mappingcount = %2 where number = "
-                                             "%3 AND direction = %4 ")
-                                  .arg(QString::number(line), row.value(2).toString(),
-                                       row.value(0).toString(), row.value(1).toString()));
+            // By the row, as foreign rows may have no direction.
+            statements.append(QStringLiteral("update PGNs%1 SET mappingcount = %2 where rowid = %3")
+                                  .arg(line)
+                                  .arg(row.integer(1))
+                                  .arg(row.integer(0)));
         },
         Q_FUNC_INFO);
     for (const QString &statement : std::as_const(statements))
@@ -399,6 +421,11 @@ void ObjectDataBase::foldPageKeys(quint8 line)
             getPGN(line, number, direction, pgn);
             const QList<SPN> spns = readSPNs(line, number, direction);
             const quint32 folded = (quint32(pgn.edpDpKey) << pageShift) + number;
+            if (pgnExists(line, folded, direction)) {
+                qDebug() << "line" << line << "has PGN" << folded << "already, so" << number
+                         << "keeps its page bits" << pgn.edpDpKey;
+                continue;
+            }
             pgn.edpDpKey = 0;
             pgn.number = folded;
             addPGN(line, folded, pgn);

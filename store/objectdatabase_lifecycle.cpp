@@ -47,10 +47,7 @@ void ObjectDataBase::State::clearCaches()
         const std::scoped_lock lock(orderMutex);
         intoClauses.clear();
     }
-    const std::unique_lock lock(signalCache.mutex);
-    signalCache.spns.clear();
-    signalCache.lists.clear();
-    signalCache.lines.clear();
+    signalCache.clear();
 }
 
 ObjectDataBase::ObjectDataBase(QObject *parent)
@@ -75,8 +72,20 @@ ObjectDataBase::~ObjectDataBase()
         QFile::remove(file);
 }
 
+/// A generator reads the project to its end; one that is blocked can't be filled.
+bool ObjectDataBase::mayBeReplaced()
+{
+    if (!d->refusesWrites())
+        return true;
+    d->lastError =
+        QStringLiteral("The project is in use; another one can't be opened or made now.");
+    return false;
+}
+
 bool ObjectDataBase::createNewDataBase()
 {
+    if (!mayBeReplaced())
+        return false;
     const QString path = d->newWorkingFile();
     if (!d->runner.open(path))
         qDebug() << "error sqlDbFile.open()" << d->runner.database().lastError().text();
@@ -105,6 +114,8 @@ bool ObjectDataBase::createNewDataBase()
 
 bool ObjectDataBase::openDataBase(const QString &path, bool)
 {
+    if (!mayBeReplaced())
+        return false;
     d->lastError.clear();
     if (path.endsWith(QLatin1String("vxmt"), Qt::CaseInsensitive))
         return openText(path);
@@ -140,6 +151,7 @@ bool ObjectDataBase::openText(const QString &path)
     }
     d->projectPath = path;
     checkExternalModification();
+    adaptSignals(getLines());
     notify({.kind = ProjectReplaced});
     return true;
 }
@@ -251,6 +263,9 @@ bool ObjectDataBase::writesBlocked() const
 void ObjectDataBase::setGenerating(bool generating)
 {
     d->generating = generating;
+    // A generator that was stopped leaves behind what it had read.
+    if (!generating)
+        d->signalCache.clear();
 }
 
 bool ObjectDataBase::isGenerating() const

@@ -7,7 +7,6 @@
 
 namespace {
 
-constexpr quint32 highestCopiedPGN = 0x1FFFF;
 const quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
 
 } // namespace
@@ -17,6 +16,8 @@ bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, qu
 {
     if (target.d->refusesWrites())
         return false;
+    if (&target == &source && sourceLine == targetLine)
+        return true;
     source.cacheAllSubs(sourceLine);
     bool copied = true;
     for (const quint16 index : source.getIndices(sourceLine, low, high)) {
@@ -34,7 +35,7 @@ bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, qu
         }
     }
     source.clearSubCache(sourceLine);
-    copyPGNs(target, source, sourceLine, targetLine, highestCopiedPGN);
+    copyPGNs(target, source, sourceLine, targetLine, highestPGN);
     for (const quint8 direction : directions) {
         for (const quint32 id : source.getCANIDList(sourceLine, direction))
             copied &= copyCANID(target, source, sourceLine, targetLine, id, direction, direction);
@@ -46,8 +47,6 @@ bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, qu
 void ObjectDataBase::copyUDSSettings(ObjectDataBase &target, ObjectDataBase &source,
                                      quint8 sourceLine, quint8 targetLine)
 {
-    if (&target == &source && sourceLine == targetLine)
-        return;
     QStringList rows;
     const Schema::Table &table = Schema::table(QStringLiteral("UDSSettings"));
     const QString columns = Schema::columnList(table);

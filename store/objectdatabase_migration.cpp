@@ -15,12 +15,18 @@ namespace {
 
 const quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
 
+constexpr int firstVersionWithDirections = 100;
+constexpr int firstVersionWithPositions = 105;
+
 constexpr const char *createFirst[] = {
     "GeneralSettings", "DescriptionSettings", "VirtualNodes",  "SignalGroups", "Signals",
     "Groups",          "EnergyBusSettings",   "J1939Settings", "MiscSettings"};
 
 constexpr const char *createWithMiscSettings[] = {
     "Connections", "LockedMappings", "LockedPDOs", "PGNs0", "SPNs0", "CANIDs0", "DataElements0"};
+
+/// What lines behind the first one may lack.
+constexpr const char *signalTables[] = {"PGNs", "SPNs", "CANIDs", "DataElements"};
 
 constexpr Schema::Addition additionsOfProject[] = {
     {"Nodes", "dcfpath,tpdocnt,rpdocnt,ismaster,issyncproducer,issyncconsumer,ishbconsumer,"
@@ -139,11 +145,17 @@ void Migration::runSchemaSteps()
 void Migration::migrateLine(quint8 line)
 {
     const QString suffix = QString::number(line);
+    if (line != 0) {
+        for (const char *table : signalTables)
+            m_runner.exec(
+                Schema::createStatement(Schema::table(QString::fromLatin1(table)), suffix, true),
+                Q_FUNC_INFO);
+    }
     for (const Schema::Addition &addition : additionsOfLine)
         addColumns(addition.table, suffix, addition.columns);
     if (m_version < 101)
         rebuildSubObjects(line);
-    if (m_version < 105)
+    if (m_version < firstVersionWithPositions)
         addColumns("DataElements", suffix, "bitpos");
     if (m_version < 107)
         m_runner.exec(
@@ -218,21 +230,19 @@ bool ObjectDataBase::editionAllowed()
 
 void ObjectDataBase::runContentSteps()
 {
-    const int version = getMiscSetting(QStringLiteral("DatabaseVersion")).toInt();
     const QList<quint8> lines = getLines();
     for (const quint8 line : lines) {
         fillLineType(line);
         completeUDSSettings(line);
     }
-    if (version < 100)
+    if (d->fileVersion() < firstVersionWithDirections)
         repairSPNDirections(lines);
     if (d->projectPath.endsWith(QLatin1String("vxep"), Qt::CaseInsensitive))
         makeNodePathsAbsolute(lines);
     for (const quint8 line : lines)
         d->writeMissingDescriptionDefaults(line);
     d->strings.rebuild();
-    if (version < 105)
-        layOutSignals(lines);
+    adaptSignals(lines);
     d->runner.transaction([&] {
         for (const quint8 line : lines)
             repairMappingCounts(line);
@@ -268,9 +278,11 @@ void ObjectDataBase::completeUDSSettings(quint8 line)
         return;
     for (int i = 0; i < int(std::size(services)); ++i) {
         const auto sid = UDS::SID(services[i]);
-        setUDSServiceActive(line, sid, true);
-        setUDSServiceSessions(
-            line, sid, i < inAllSessions ? QStringLiteral("1,2,3,4") : QStringLiteral("2,3,4"));
+        d->changeUdsService(line, sid, [&](UdsService &service) {
+            service.active = true;
+            service.sessions =
+                i < inAllSessions ? QStringLiteral("1,2,3,4") : QStringLiteral("2,3,4");
+        });
     }
 }
 
@@ -282,7 +294,9 @@ void ObjectDataBase::repairSPNDirections(const QList<quint8> &lines)
         if (getLineType(line) != 2)
             continue;
         QMap<quint32, QSet<quint8>> ofPgn;
-        d->runner.forEachRow(QStringLiteral("select number, direction from PGNs%1").arg(line),
+        d->runner.forEachRow(QStringLiteral("select number, direction from PGNs%1 where direction "
+                                            "is not NULL")
+                                 .arg(line),
                              [&](const ResultRow &row) {
                                  ofPgn[row.value(0).toUInt()].insert(quint8(row.value(1).toUInt()));
                              });
@@ -347,6 +361,20 @@ void ObjectDataBase::makeNodePathsAbsolute(const QList<quint8> &lines)
         node.outputpath = QStringLiteral("C:/");
         addNode(line, node);
     }
+}
+
+int ObjectDataBase::State::fileVersion()
+{
+    return setting("MiscSettings", QStringLiteral("DatabaseVersion")).toInt();
+}
+
+/// Signals of older versions, whatever the form of their file.
+void ObjectDataBase::adaptSignals(const QList<quint8> &lines)
+{
+    if (d->fileVersion() < firstVersionWithPositions)
+        layOutSignals(lines);
+    for (const quint8 line : lines)
+        foldPageKeys(line);
 }
 
 void ObjectDataBase::layOutSignals(const QList<quint8> &lines)

@@ -64,26 +64,28 @@ bool ObjectDataBase::State::upsert(const QString &table, const QString &where,
                                    const QList<std::pair<QString, QString>> &values,
                                    const QStringList &insertOnlyColumns, const char *context)
 {
-    if (runner.hasRow(QLatin1String("select 1 from ") + table + QLatin1String(" where ") + where)) {
+    bool done = false;
+    runner.exclusive([&] {
+        const bool exists = runner.hasRow(QLatin1String("select 1 from ") + table +
+                                          QLatin1String(" where ") + where);
+        QStringList columns;
+        QStringList literals;
         QStringList terms;
         for (const auto &[column, value] : values) {
+            columns.append(column);
+            literals.append(value);
             if (!insertOnlyColumns.contains(column))
                 terms.append(column + QLatin1String(" = ") + value);
         }
-        return runner.exec(QLatin1String("update ") + table + QLatin1String(" set ") +
-                               terms.join(QLatin1String(", ")) + QLatin1String(" where ") + where,
-                           context);
-    }
-    QStringList columns;
-    QStringList literals;
-    for (const auto &[column, value] : values) {
-        columns.append(column);
-        literals.append(value);
-    }
-    return runner.exec(QLatin1String("insert into ") + table + QLatin1String(" (") +
-                           columns.join(u',') + QLatin1String(") values(") + literals.join(u',') +
-                           u')',
-                       context);
+        const QString statement =
+            exists
+                ? QLatin1String("update ") + table + QLatin1String(" set ") +
+                      terms.join(QLatin1String(", ")) + QLatin1String(" where ") + where
+                : QLatin1String("insert into ") + table + QLatin1String(" (") + columns.join(u',') +
+                      QLatin1String(") values(") + literals.join(u',') + u')';
+        done = runner.exec(statement, context);
+    });
+    return done;
 }
 
 std::string ObjectDataBase::State::intoClause(const char *table, quint8 line)
@@ -146,7 +148,9 @@ bool ObjectDataBase::addNode(quint8 line, const NODE_DATA_T &data)
 
 void ObjectDataBase::inheritLineSettings(quint8 line)
 {
-    for (const QString &key : getMultiLineKeys()) {
+    // The staging line is far behind the others and would pad every list up to itself.
+    const QStringList &keys = line == stagingLine ? QStringList() : getMultiLineKeys();
+    for (const QString &key : keys) {
         const QString list = getGeneralSetting(key);
         if (!list.isEmpty())
             setGeneralSettingForLine(key, StoreText::lineItem(list, line), line);
@@ -166,8 +170,10 @@ void ObjectDataBase::createUDSTable(quint8 line)
     if (!getUDSServices(line).isEmpty())
         return;
     for (const UDS::SID sid : basicServices) {
-        setUDSServiceActive(line, sid, true);
-        setUDSServiceSessions(line, sid, QStringLiteral("1"));
+        d->changeUdsService(line, sid, [](UdsService &service) {
+            service.active = true;
+            service.sessions = QStringLiteral("1");
+        });
     }
 }
 
@@ -190,6 +196,7 @@ bool ObjectDataBase::deleteNode(quint8 line)
                        QLatin1String(" OR connode = ") + number,
                    Q_FUNC_INFO);
     d->objects.clear(line);
+    d->signalCache.drop(line);
     {
         const std::scoped_lock lock(d->orderMutex);
         d->intoClauses.clear();
@@ -306,10 +313,11 @@ void ObjectDataBase::setNodeSqlValue(const QString &node, const QString &column,
 {
     if (d->refusesWrites())
         return;
-    d->runner.exec(QLatin1String("update Nodes set ") + column + u'=' +
-                       SqlText::quoted(value.toString()) + QLatin1String(" where nodeId = ") +
-                       node + u' ',
-                   Q_FUNC_INFO);
+    if (d->runner.exec(QLatin1String("update Nodes set ") + column + u'=' +
+                           SqlText::quoted(value.toString()) + QLatin1String(" where nodeId = ") +
+                           node + u' ',
+                       Q_FUNC_INFO))
+        notify({.kind = NodeAdded, .line = quint8(node.toUInt())});
 }
 
 bool ObjectDataBase::removeProducerConnections(quint8 line, quint16 index)

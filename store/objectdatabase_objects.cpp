@@ -232,11 +232,14 @@ void ObjectDataBase::setIndexName(quint8 line, quint16 index, const QString &nam
 {
     if (d->refusesWrites())
         return;
-    d->runner.exec(QLatin1String("update ") + objectTable(line) + QLatin1String(" set name=") +
-                       d->internedId(name) + QLatin1String(" where ((objectindex = ") +
-                       SqlText::number(index) + QLatin1String("))"),
-                   Q_FUNC_INFO);
+    const bool done =
+        d->runner.exec(QLatin1String("update ") + objectTable(line) + QLatin1String(" set name=") +
+                           d->internedId(name) + QLatin1String(" where ((objectindex = ") +
+                           SqlText::number(index) + QLatin1String("))"),
+                       Q_FUNC_INFO);
     d->objects.dropWalk(line);
+    if (done)
+        notify({.kind = IndexAdded, .index = index, .line = line});
 }
 
 QMap<std::pair<quint16, int>, ObjectDataBase::MetaData> ObjectDataBase::getAllMetaData(quint8 line)

@@ -11,6 +11,7 @@
 #include <QMap>
 
 #include <atomic>
+#include <functional>
 #include <mutex>
 #include <shared_mutex>
 
@@ -26,6 +27,21 @@ struct SignalCache
     QMap<SpnKey, ObjectDataBase::SPN> spns;
     QMap<PgnKey, QList<quint32>> lists;
     QSet<quint8> lines;
+
+    /// Before anything of the line is written.
+    void drop(quint8 line);
+    void clear();
+};
+
+/// What a line says of one UDS service.
+struct UdsService
+{
+    bool active = false;
+    QString sessions;
+    QString userLevels;
+    QString authentication;
+
+    bool operator==(const UdsService &) const = default;
 };
 
 /// The rooms behind `ObjectDataBase`.
@@ -70,8 +86,19 @@ struct ObjectDataBase::State
     enum class SettingChange { Failed, Unchanged, Written };
     SettingChange writeSetting(const char *table, const QString &key, const QString &value);
 
+    SettingChange writeLineSetting(const char *table, const QString &key, const QString &value,
+                                   quint8 line);
+
+    // --- UDS ---------------------------------------------------------------------------------
+    [[nodiscard]] UdsService udsService(quint8 line, UDS::SID sid);
+    /// Changes what there is of a service; false if that left it as it was, or failed.
+    bool changeUdsService(quint8 line, UDS::SID sid,
+                          const std::function<void(UdsService &)> &change);
+
     // --- lines -------------------------------------------------------------------------------
     bool createLineTables(quint8 line);
+    /// `DatabaseVersion` of what was opened.
+    [[nodiscard]] int fileVersion();
     /// What stands between "insert" and the rows for a table of the line.
     [[nodiscard]] std::string intoClause(const char *table, quint8 line);
     static constexpr qsizetype mostRowsOfInsert = 20;
@@ -84,6 +111,14 @@ struct ObjectDataBase::State
         return descriptionLine == 0 ? key : key + u'_' + QString::number(descriptionLine);
     }
 
+    struct Row
+    {
+        QString table;
+        QString where;
+        QString inserted; ///< what stands behind the table where the row has to be made
+    };
+    /// Writes one column of a row, which is made if it is missing.
+    bool writeColumn(const Row &row, const QString &column, const QString &text);
     /// Upsert of a row by its key: `values` are (column, SQL literal).
     bool upsert(const QString &table, const QString &where,
                 const QList<std::pair<QString, QString>> &values,
@@ -95,4 +130,6 @@ namespace StoreText {
 [[nodiscard]] const QList<std::pair<QString, QString>> &descriptionDefaults();
 /// The line's item of a comma list, or the last item for a line beyond its end.
 [[nodiscard]] QString lineItem(const QString &list, quint8 line);
+/// The line's item of a comma list; empty for a line beyond its end.
+[[nodiscard]] QString ownLineItem(const QString &list, quint8 line);
 } // namespace StoreText

@@ -145,7 +145,7 @@ bool ObjectDataBase::getDataElement(quint8 line, quint32 canId, quint8 direction
             data.defaultValue = row.value(3).toString();
             data.name = d->text(row.value(4));
             data.desc = d->text(row.value(5));
-            data.pos = quint8(row.value(6).toUInt());
+            data.pos = quint16(row.value(6).toUInt());
             data.bitSize = quint16(row.value(7).toUInt());
             data.bitPos = quint16(row.value(8).toUInt());
             data.canId = canId;
@@ -235,9 +235,11 @@ void ObjectDataBase::realignDataElements(quint8 line, quint8 direction, quint32 
 {
     if (d->refusesWrites())
         return;
-    QList<DataElement> elements = readDataElements(line, canId, direction);
-    if (!SignalLayout::layOut(elements, &DataElement::bitPos, false))
-        return;
-    for (const DataElement &element : std::as_const(elements))
-        addDataElement(line, canId, direction, element.number, element);
+    d->runner.exclusive([&] {
+        QList<DataElement> elements = readDataElements(line, canId, direction);
+        if (!SignalLayout::layOut(elements, &DataElement::bitPos, false))
+            return;
+        for (const DataElement &element : std::as_const(elements))
+            addDataElement(line, canId, direction, element.number, element);
+    });
 }

@@ -22,6 +22,11 @@ QString StoreText::lineItem(const QString &list, quint8 line)
     return line < items.size() ? items.at(line) : items.constLast();
 }
 
+QString StoreText::ownLineItem(const QString &list, quint8 line)
+{
+    return list.split(u',').value(line);
+}
+
 QString ObjectDataBase::State::setting(const char *table, const QString &key)
 {
     return runner.value(QLatin1String("select value") + whereItem(table, key)).toString();
@@ -43,19 +48,42 @@ QStringList ObjectDataBase::State::settingKeys(const char *table)
 ObjectDataBase::State::SettingChange
 ObjectDataBase::State::writeSetting(const char *table, const QString &key, const QString &value)
 {
-    QString statement;
-    if (settingExists(table, key)) {
-        if (setting(table, key) == value)
-            return SettingChange::Unchanged;
-        statement = QLatin1String("update ") + QLatin1String(table) +
-                    QLatin1String(" set value = ") + SqlText::quoted(value) +
-                    QLatin1String(" where item = ") + SqlText::quoted(key);
-    } else {
-        statement = QLatin1String("insert into ") + QLatin1String(table) +
-                    QLatin1String(" values(") + SqlText::quoted(key) + u',' +
-                    SqlText::quoted(value) + u')';
-    }
-    return runner.exec(statement, Q_FUNC_INFO) ? SettingChange::Written : SettingChange::Failed;
+    SettingChange result = SettingChange::Failed;
+    runner.exclusive([&] {
+        QString statement;
+        if (!settingExists(table, key)) {
+            statement = QLatin1String("insert into ") + QLatin1String(table) +
+                        QLatin1String(" values(") + SqlText::quoted(key) + u',' +
+                        SqlText::quoted(value) + u')';
+        } else if (setting(table, key) == value) {
+            result = SettingChange::Unchanged;
+            return;
+        } else {
+            statement = QLatin1String("update ") + QLatin1String(table) +
+                        QLatin1String(" set value = ") + SqlText::quoted(value) +
+                        QLatin1String(" where item = ") + SqlText::quoted(key);
+        }
+        if (runner.exec(statement, Q_FUNC_INFO))
+            result = SettingChange::Written;
+    });
+    return result;
+}
+
+ObjectDataBase::State::SettingChange ObjectDataBase::State::writeLineSetting(const char *table,
+                                                                             const QString &key,
+                                                                             const QString &value,
+                                                                             quint8 line)
+{
+    SettingChange result = SettingChange::Failed;
+    runner.exclusive([&] {
+        const QString list = setting(table, key);
+        QStringList items = list.isEmpty() ? QStringList() : list.split(u',');
+        while (items.size() <= line)
+            items.append(QString());
+        items[line] = value;
+        result = writeSetting(table, key, items.join(u','));
+    });
+    return result;
 }
 
 bool ObjectDataBase::writeSetting(const char *table, const QString &key, const QString &value,
@@ -64,6 +92,17 @@ bool ObjectDataBase::writeSetting(const char *table, const QString &key, const Q
     if (d->refusesWrites())
         return false;
     const State::SettingChange result = d->writeSetting(table, key, value);
+    if (result == State::SettingChange::Written)
+        notify(change);
+    return result != State::SettingChange::Failed;
+}
+
+bool ObjectDataBase::writeLineSetting(const char *table, const QString &key, const QString &value,
+                                      quint8 line, const ChangeSet &change)
+{
+    if (d->refusesWrites())
+        return false;
+    const State::SettingChange result = d->writeLineSetting(table, key, value, line);
     if (result == State::SettingChange::Written)
         notify(change);
     return result != State::SettingChange::Failed;
@@ -83,17 +122,17 @@ bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value)
 
 bool ObjectDataBase::setGeneralSettingForLine(const QString &key, const QString &value, quint8 line)
 {
-    const QString list = getGeneralSetting(key);
-    QStringList items = list.isEmpty() ? QStringList() : list.split(u',');
-    while (items.size() <= line)
-        items.append(QString());
-    items[line] = value;
-    return setGeneralSetting(key, items.join(u','));
+    return writeLineSetting(generalTable, key, value, line, {.kind = GeneralSettingChanged});
 }
 
 QString ObjectDataBase::getGeneralLineSetting(const QString &key, quint8 line)
 {
     return StoreText::lineItem(getGeneralSetting(key), line);
+}
+
+QString ObjectDataBase::getGeneralOwnLineSetting(const QString &key, quint8 line)
+{
+    return StoreText::ownLineItem(getGeneralSetting(key), line);
 }
 
 QStringList ObjectDataBase::getGeneralSettingKeys()
@@ -251,6 +290,16 @@ QString ObjectDataBase::getJ1939Setting(const QString &key)
 QString ObjectDataBase::getJ1939LineSetting(const QString &key, quint8 line)
 {
     return StoreText::lineItem(getJ1939Setting(key), line);
+}
+
+QString ObjectDataBase::getJ1939OwnLineSetting(const QString &key, quint8 line)
+{
+    return StoreText::ownLineItem(getJ1939Setting(key), line);
+}
+
+bool ObjectDataBase::setJ1939LineSetting(const QString &key, const QString &value, quint8 line)
+{
+    return writeLineSetting(j1939Table, key, value, line, {.kind = J1939SettingChanged});
 }
 
 bool ObjectDataBase::setJ1939Setting(const QString &key, const QString &value)

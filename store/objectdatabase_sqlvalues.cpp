@@ -12,10 +12,19 @@ ObjectDataBase::MetaData metaDataOf(const QVariant &value)
     return MetaDataBlob::fromValue(value);
 }
 
-/// The line is told by the last character of the table's name.
-int lineOfTable(const QString &table)
+/// For metadata the line is told by the last character of the table's name.
+int metaDataLine(const QString &table)
 {
     return table.isEmpty() ? -1 : table.back().digitValue();
+}
+
+/// The number behind the table's name.
+quint8 lineOfTable(const QString &table)
+{
+    qsizetype digits = 0;
+    while (digits < table.size() && table.at(table.size() - 1 - digits).digitValue() >= 0)
+        ++digits;
+    return quint8(table.right(digits).toUInt());
 }
 
 } // namespace
@@ -33,33 +42,23 @@ void ObjectDataBase::setObjectIndexSqlValue(const QString &table, const QString 
 {
     if (d->refusesWrites() || !value.isValid())
         return;
-    const QString where = QLatin1String(" where objectindex = ") + index;
-    const int line = lineOfTable(table);
+    const auto number = quint16(index.toUInt(nullptr, 0));
     if (column == QLatin1String("metadata")) {
-        const MetaData map = metaDataOf(value);
+        const int line = metaDataLine(table);
         if (line < 0)
             qDebug() << "error";
-        else if (!map.isEmpty())
-            d->runner.execBound(QLatin1String("update Objects") + QString::number(line) +
-                                    QLatin1String(" SET metadata = :metadata where objectindex = "
-                                                  ":objectindex"),
-                                {{QStringLiteral(":metadata"), MetaDataBlob::toBlob(map)},
-                                 {QStringLiteral(":objectindex"), index}},
-                                Q_FUNC_INFO);
-    } else if (const QString text = sqlValueText(column, value); !text.isEmpty()) {
-        if (!d->runner.hasRow(QLatin1String("select objectindex from ") + table + where))
-            d->runner.exec(QLatin1String("insert into ") + table +
-                               QLatin1String(" (objectindex,name,datatype,objecttype,description,"
-                                             "category,device_class,fwsupported,metadata) "
-                                             "values(") +
-                               index + QLatin1String(",0,0,0,0,0,0,0,0)"),
-                           Q_FUNC_INFO);
-        d->runner.exec(QLatin1String("update ") + table + QLatin1String(" set ") + column + u'=' +
-                           SqlText::quoted(text) + where,
-                       Q_FUNC_INFO);
+        else if (const MetaData map = metaDataOf(value);
+                 !map.isEmpty() && writeIndexMetaData(quint8(line), number, map))
+            tellIndexValue(quint8(line), number);
+        return;
     }
-    if (line >= 0)
-        d->objects.dropWalk(quint8(line));
+    const QString text = sqlValueText(column, value);
+    const State::Row row{table, QLatin1String(" where objectindex = ") + index,
+                         QLatin1String(" (objectindex,name,datatype,objecttype,description,"
+                                       "category,device_class,fwsupported,metadata) values(") +
+                             index + QLatin1String(",0,0,0,0,0,0,0,0)")};
+    if (!text.isEmpty() && d->writeColumn(row, column, text))
+        tellIndexValue(lineOfTable(table), number);
 }
 
 void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &index,
@@ -68,28 +67,50 @@ void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &in
 {
     if (d->refusesWrites() || !value.isValid())
         return;
+    const auto number = quint16(index.toUInt(nullptr, 0));
+    const auto sub = quint8(subindex.toUInt(nullptr, 0));
     if (column == QLatin1String("metadata")) {
-        const MetaData map = metaDataOf(value);
-        const int line = lineOfTable(table);
+        const int line = metaDataLine(table);
         if (line < 0)
             qDebug() << "error";
-        else if (!map.isEmpty())
-            writeSubMetaData(quint8(line), quint16(index.toUInt(nullptr, 0)),
-                             quint8(subindex.toUInt(nullptr, 0)), map);
+        else if (const MetaData map = metaDataOf(value);
+                 !map.isEmpty() && writeSubMetaData(quint8(line), number, sub, map))
+            tellSubIndexValue(quint8(line), number, sub);
         return;
     }
     const QString text = sqlValueText(column, value);
-    if (text.isEmpty())
-        return;
-    const QString where = QLatin1String(" where objectindex = ") + index +
-                          QLatin1String(" and subindex = ") + subindex;
-    if (!d->runner.hasRow(QLatin1String("select objectindex from ") + table + where))
-        d->runner.exec(QLatin1String("insert into ") + table +
-                           QLatin1String(" (objectindex,subindex,datatype,accesstype,"
-                                         "implementation) values(") +
-                           index + u',' + subindex + QLatin1String(",0,0,0)"),
-                       Q_FUNC_INFO);
-    d->runner.exec(QLatin1String("update ") + table + QLatin1String(" set ") + column + u'=' +
-                       SqlText::quoted(text) + where,
-                   Q_FUNC_INFO);
+    const State::Row row{
+        table,
+        QLatin1String(" where objectindex = ") + index + QLatin1String(" and subindex = ") +
+            subindex,
+        QLatin1String(" (objectindex,subindex,datatype,accesstype,implementation) values(") +
+            index + u',' + subindex + QLatin1String(",0,0,0)")};
+    if (!text.isEmpty() && d->writeColumn(row, column, text))
+        tellSubIndexValue(lineOfTable(table), number, sub);
+}
+
+bool ObjectDataBase::State::writeColumn(const Row &row, const QString &column, const QString &text)
+{
+    bool done = false;
+    runner.exclusive([&] {
+        if (!runner.hasRow(QLatin1String("select objectindex from ") + row.table + row.where))
+            runner.exec(QLatin1String("insert into ") + row.table + row.inserted, Q_FUNC_INFO);
+        done = runner.exec(QLatin1String("update ") + row.table + QLatin1String(" set ") + column +
+                               u'=' + SqlText::quoted(text) + row.where,
+                           Q_FUNC_INFO);
+    });
+    return done;
+}
+
+void ObjectDataBase::tellIndexValue(quint8 line, quint16 index)
+{
+    d->objects.dropWalk(line);
+    notify({.kind = IndexAdded, .index = index, .line = line});
+}
+
+void ObjectDataBase::tellSubIndexValue(quint8 line, quint16 index, quint8 subindex)
+{
+    d->objects.removeSub(line, index, subindex);
+    d->objects.dropWalk(line);
+    notify({.kind = SubIndexAdded, .index = index, .subindex = subindex, .line = line});
 }

@@ -257,7 +257,15 @@ qsizetype ObjectDataBase::writeBatchAsText(const QList<SubEntry> &entries, qsize
             statement += ',';
         appendSubIndexValues(statement, entry.index, entry.subindex, entry.data);
     }
-    done &= d->runner.execUtf8(statement, Q_FUNC_INFO);
+    if (d->runner.execUtf8(statement))
+        return next;
+    // One row that can't be written takes no other with it.
+    for (; from < next; ++from) {
+        const SubEntry &entry = entries.at(from);
+        std::string single = "insert or replace " + d->intoClause("SubObjects", line);
+        appendSubIndexValues(single, entry.index, entry.subindex, entry.data);
+        done &= d->runner.execUtf8(single, Q_FUNC_INFO);
+    }
     return next;
 }
 
@@ -287,15 +295,17 @@ void ObjectDataBase::setSubIndexName(quint8 line, quint16 index, quint8 subindex
 {
     if (d->refusesWrites())
         return;
-    d->runner.exec(QLatin1String("update ") + subTable(line) + QLatin1String(" set name=") +
-                       d->internedId(name) + QLatin1String(" where ((objectindex = ") +
-                       SqlText::number(index) + QLatin1String(") and (subindex = ") +
-                       SqlText::number(subindex) + QLatin1String("))"),
-                   Q_FUNC_INFO);
+    if (!d->runner.exec(QLatin1String("update ") + subTable(line) + QLatin1String(" set name=") +
+                            d->internedId(name) + QLatin1String(" where ((objectindex = ") +
+                            SqlText::number(index) + QLatin1String(") and (subindex = ") +
+                            SqlText::number(subindex) + QLatin1String("))"),
+                        Q_FUNC_INFO))
+        return;
     if (auto cached = d->objects.sub(line, index, subindex)) {
         cached->name = name;
         d->objects.replaceSub(line, index, subindex, *cached);
     }
+    notify({.kind = SubIndexAdded, .index = index, .subindex = subindex, .line = line});
 }
 
 bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex,
@@ -307,11 +317,14 @@ bool ObjectDataBase::setSubIndexDefaultValue(quint8 line, quint16 index, quint8 
                                          QLatin1String(" set defaultvalue=") +
                                          SqlText::quoted(value) + whereKey(index, subindex),
                                      Q_FUNC_INFO);
-    if (auto cached = d->objects.sub(line, index, subindex); done && cached) {
+    if (!done)
+        return false;
+    if (auto cached = d->objects.sub(line, index, subindex)) {
         cached->defaultvalue = value;
         d->objects.replaceSub(line, index, subindex, *cached);
     }
-    return done;
+    notify({.kind = SubIndexAdded, .index = index, .subindex = subindex, .line = line});
+    return true;
 }
 
 bool ObjectDataBase::cacheAllSubs(quint8 line, quint16 index)

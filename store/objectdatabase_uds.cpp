@@ -2,14 +2,6 @@
 
 namespace {
 
-struct UdsRow
-{
-    bool active = false;
-    QString sessions;
-    QString userLevels;
-    QString authentication;
-};
-
 QString udsTable(quint8 line)
 {
     return SqlText::lineTable("UDSSettings", line);
@@ -21,37 +13,40 @@ QString whereSid(quint8 line, UDS::SID sid)
            QString::number(int(sid));
 }
 
-UdsRow readRow(StatementRunner &runner, quint8 line, UDS::SID sid)
+} // namespace
+
+UdsService ObjectDataBase::State::udsService(quint8 line, UDS::SID sid)
 {
-    UdsRow data;
+    UdsService service;
     runner.forEachRow(QLatin1String("select sessions,userlevels,authentication,active") +
                           whereSid(line, sid),
                       [&](const ResultRow &row) {
-                          data = {row.value(3).toInt() != 0, row.value(0).toString(),
-                                  row.value(1).toString(), row.value(2).toString()};
+                          service = {row.integer(3) != 0, row.text(0), row.text(1), row.text(2)};
                       });
-    return data;
+    return service;
 }
 
-void writeRow(StatementRunner &runner, quint8 line, UDS::SID sid, const UdsRow &data)
+bool ObjectDataBase::State::changeUdsService(quint8 line, UDS::SID sid,
+                                             const std::function<void(UdsService &)> &change)
 {
-    runner.exec(QLatin1String("insert or replace into ") + udsTable(line) +
-                    QLatin1String(" (sid,active,sessions,userlevels,authentication) values(") +
-                    QString::number(int(sid)) + u',' + SqlText::number(data.active) + u',' +
-                    SqlText::quoted(data.sessions) + u',' + SqlText::quoted(data.userLevels) +
-                    u',' + SqlText::quoted(data.authentication) + u')',
-                Q_FUNC_INFO);
+    bool written = false;
+    runner.exclusive([&] {
+        const UdsService former = udsService(line, sid);
+        UdsService service = former;
+        change(service);
+        if (service == former)
+            return;
+        written = runner.exec(
+            QLatin1String("insert or replace into ") + udsTable(line) +
+                QLatin1String(" (sid,active,sessions,userlevels,authentication) "
+                              "values(") +
+                QString::number(int(sid)) + u',' + SqlText::number(service.active) + u',' +
+                SqlText::quoted(service.sessions) + u',' + SqlText::quoted(service.userLevels) +
+                u',' + SqlText::quoted(service.authentication) + u')',
+            Q_FUNC_INFO);
+    });
+    return written;
 }
-
-template <typename Change>
-void changeRow(StatementRunner &runner, quint8 line, UDS::SID sid, const Change &change)
-{
-    UdsRow row = readRow(runner, line, sid);
-    change(row);
-    writeRow(runner, line, sid, row);
-}
-
-} // namespace
 
 QMap<UDS::SID, bool> ObjectDataBase::getUDSServices(quint8 line)
 {
@@ -65,46 +60,48 @@ QMap<UDS::SID, bool> ObjectDataBase::getUDSServices(quint8 line)
 
 bool ObjectDataBase::getUDSServiceActive(quint8 line, UDS::SID sid)
 {
-    return readRow(d->runner, line, sid).active;
+    return d->udsService(line, sid).active;
 }
 
 QString ObjectDataBase::getUDSServiceSessions(quint8 line, UDS::SID sid)
 {
-    return readRow(d->runner, line, sid).sessions;
+    return d->udsService(line, sid).sessions;
 }
 
 QString ObjectDataBase::getUDSServiceUserLevels(quint8 line, UDS::SID sid)
 {
-    return readRow(d->runner, line, sid).userLevels;
+    return d->udsService(line, sid).userLevels;
 }
 
 QString ObjectDataBase::getUDSAuthentication(quint8 line, UDS::SID sid)
 {
-    return readRow(d->runner, line, sid).authentication;
+    return d->udsService(line, sid).authentication;
 }
 
-// Each setter writes the whole row, with the other columns as they are.
+template <typename Change>
+void ObjectDataBase::changeUDSService(quint8 line, UDS::SID sid, const Change &change)
+{
+    if (!d->refusesWrites() && d->changeUdsService(line, sid, change))
+        notify({.kind = GeneralSettingChanged, .line = line});
+}
 
 void ObjectDataBase::setUDSServiceActive(quint8 line, UDS::SID sid, bool active)
 {
-    if (!d->refusesWrites())
-        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.active = active; });
+    changeUDSService(line, sid, [&](UdsService &service) { service.active = active; });
 }
 
 void ObjectDataBase::setUDSServiceSessions(quint8 line, UDS::SID sid, const QString &sessions)
 {
-    if (!d->refusesWrites())
-        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.sessions = sessions; });
+    changeUDSService(line, sid, [&](UdsService &service) { service.sessions = sessions; });
 }
 
 void ObjectDataBase::setUDSServiceUserLevels(quint8 line, UDS::SID sid, const QString &levels)
 {
-    if (!d->refusesWrites())
-        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.userLevels = levels; });
+    changeUDSService(line, sid, [&](UdsService &service) { service.userLevels = levels; });
 }
 
 void ObjectDataBase::setUDSAuthentication(quint8 line, UDS::SID sid, const QString &authentication)
 {
-    if (!d->refusesWrites())
-        changeRow(d->runner, line, sid, [&](UdsRow &row) { row.authentication = authentication; });
+    changeUDSService(line, sid,
+                     [&](UdsService &service) { service.authentication = authentication; });
 }

@@ -106,10 +106,6 @@ void ProjectConverter::doJ1939Correction()
             continue;
         m_store->repairMappingCounts(line);
         m_store->foldPageKeys(line);
-        for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-            for (const quint32 number : m_store->getPGNList(line, direction))
-                m_store->realignSPNs(line, direction, number);
-        }
     }
 }
 

@@ -22,7 +22,7 @@ public:
     void doStackPathCorrection();
     /// For the EnergyBus edition.
     void doEnergyBusCorrection();
-    /// For the J1939 edition: mapping counts, page bits and signal positions of older versions.
+    /// For the J1939 edition: mapping counts and page bits of older versions.
     void doJ1939Correction();
     /// For the CAN edition, whose projects transmit no address claim of their own.
     void doCanCorrection();

@@ -4,6 +4,8 @@
 
 #include <QList>
 
+#include <algorithm>
+
 /// What J1939 signals and data elements of raw CAN messages have in common.
 namespace SignalLayout {
 
@@ -20,16 +22,16 @@ inline int lengthBits(quint16 dataType, quint16 bitSize)
     }
 }
 
-/// Lays signals out one behind the other, if the first two both start at bit 0 or if forced. A
-/// project of before there were positions has them all at 0; positions that a user has edited
-/// stay. `Position` is the member that holds the first bit. False if nothing was changed.
+/// Lays signals out one behind the other, if all of them start at bit 0 or if forced. A project of
+/// before there were positions has them all at 0; positions that a user has edited stay. `Position`
+/// is the member that holds the first bit. False if nothing was changed.
 template <typename Signal>
 bool layOut(QList<Signal> &list, quint16 Signal::*position, bool force)
 {
     if (list.size() < 2)
         return false;
-    const bool neverLaidOut = list.at(0).*position == 0 && list.at(1).*position == 0;
-    if (!neverLaidOut && !force)
+    const auto startsAtZero = [position](const Signal &signal) { return signal.*position == 0; };
+    if (!force && !std::all_of(list.cbegin(), list.cend(), startsAtZero))
         return false;
     int next = 0;
     for (Signal &signal : list) {

@@ -30,8 +30,8 @@ qint64 StringTable::intern(const QString &text)
         // With every row in the maps a new row is the only one of its text. Otherwise an older
         // row may exist and wins.
         if (id > 0 && !complete) {
-            const QVariant first =
-                m_runner.value(QLatin1String("select id from Strings where string = ") + quoted);
+            const QVariant first = m_runner.value(
+                QLatin1String("select id from Strings where id != 0 and string = ") + quoted);
             id = first.isValid() ? first.toLongLong() : -1;
         }
         if (id > 0) {
@@ -45,11 +45,13 @@ qint64 StringTable::intern(const QString &text)
 
 QString StringTable::lookup(qint64 id)
 {
+    if (id == none)
+        return {};
     {
         const std::shared_lock lock(m_mutex);
         if (const QString *found = m_texts.find(id))
             return *found;
-        if (m_complete || id == 0)
+        if (m_complete)
             return {};
     }
     const QVariant text = m_runner.value(QLatin1String("select string from Strings where id = ") +
@@ -64,7 +66,7 @@ QString StringTable::lookup(qint64 id)
 QList<qint64> StringTable::idsOf(const QString &text)
 {
     QList<qint64> ids;
-    m_runner.forEachRow(QLatin1String("select id from Strings where string = ") +
+    m_runner.forEachRow(QLatin1String("select id from Strings where id != 0 and string = ") +
                             SqlText::quoted(text),
                         [&](const ResultRow &row) { ids.append(row.value(0).toLongLong()); });
     return ids;
@@ -80,6 +82,8 @@ bool StringTable::rebuild()
         done =
             m_runner.forEachRow(QStringLiteral("select * from Strings"), [&](const ResultRow &row) {
                 const qint64 id = row.integer(0);
+                if (id == none)
+                    return;
                 const QString text = row.text(1);
                 m_texts.insert(id, text);
                 if (!m_ids.contains(text))

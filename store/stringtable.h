@@ -13,6 +13,8 @@ class StatementRunner;
 class StringTable
 {
 public:
+    static constexpr qint64 none = 0; ///< no text, even if a foreign row has this id
+
     explicit StringTable(StatementRunner &runner) : m_runner(runner) {}
 
     /// The id of the text, which gets a row if it has none; -1 on failure.

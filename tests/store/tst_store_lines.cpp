@@ -69,8 +69,11 @@ void TestStoreLines::newLineInherits()
     m_store->setDescriptionLine(1);
     QCOMPARE(m_store->getDescriptionSetting(QStringLiteral("BaudRate_125")), QStringLiteral("1"));
     QVERIFY(m_store->getDescriptionSettingKeys().contains(QLatin1String("BaudRate_125_1")));
-    QVERIFY(m_store->addNode(Store::comparisonLine, {}));
-    QCOMPARE(m_store->getGeneralSetting(QStringLiteral("co_node_id")), QStringLiteral("5,5"));
+    for (const quint8 scratch : {Store::comparisonLine, Store::stagingLine}) {
+        QVERIFY(m_store->addNode(scratch, {}));
+        QCOMPARE(m_store->getGeneralSetting(QStringLiteral("co_node_id")), QStringLiteral("5,5"));
+    }
+    QVERIFY(m_store->getDescriptionSettingKeys().contains(QLatin1String("BaudRate_125_255")));
 }
 
 void TestStoreLines::deletingALine()
@@ -167,6 +170,10 @@ void TestStoreLines::lineLists()
     QCOMPARE(m_store->getGeneralLineSetting(QStringLiteral("none"), 3), QString());
     m_store->setJ1939Setting(key, QStringLiteral("1,2"));
     QCOMPARE(m_store->getJ1939LineSetting(key, 1), QStringLiteral("2"));
+    QCOMPARE(m_store->getJ1939LineSetting(key, 4), QStringLiteral("2"));
+    QCOMPARE(m_store->getJ1939OwnLineSetting(key, 4), QString());
+    QVERIFY(m_store->setJ1939LineSetting(key, QStringLiteral("5"), 4));
+    QCOMPARE(m_store->getJ1939Setting(key), QStringLiteral("1,2,,,5"));
     m_store->setGeneralSetting(QStringLiteral("line3type"), QStringLiteral("5"));
     QCOMPARE(m_store->getLineType(3), 5);
     QCOMPARE(m_store->getLineType(4), 0);
@@ -178,7 +185,11 @@ void TestStoreLines::udsRowsAreWrittenWhole()
     m_store->setUDSServiceSessions(0, sid, QStringLiteral("1,0x40"));
     m_store->setUDSAuthentication(0, sid, QStringLiteral("it's"));
     m_store->setUDSServiceActive(0, sid, true);
-    m_store->setUDSServiceUserLevels(0, sid, QStringLiteral("2"));
+    QSignalSpy changes(m_store.get(), &Store::updateNotify);
+    for (int pass = 0; pass < 2; ++pass)
+        m_store->setUDSServiceUserLevels(0, sid, QStringLiteral("2"));
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(changes.first().at(0).value<Store::ChangeSet>().kind, Store::GeneralSettingChanged);
     QVERIFY(m_store->getUDSServiceActive(0, sid));
     QCOMPARE(m_store->getUDSServiceSessions(0, sid), QStringLiteral("1,0x40"));
     QCOMPARE(m_store->getUDSAuthentication(0, sid), QStringLiteral("it's"));
@@ -192,11 +203,14 @@ void TestStoreLines::copiesALine()
     m_store->addIndex(0, 0x0FFF, {.name = QStringLiteral("below")});
     m_store->addIndex(0, 0x2000, {.metadata = data.metadata});
     m_store->addSubIndex(0, 0x2000, 1, data);
-    m_store->addPGN(0, 0x1FFFF, {.number = 0x1FFFF, .direction = 85});
-    m_store->addSPN(0, 0x1FFFF, 85, 3, {.spn = 3});
-    m_store->addPGN(0, 0x20000, {.number = 0x20000, .direction = 85});
+    m_store->addPGN(0, 0x3FFFF, {.number = 0x3FFFF, .direction = 85});
+    m_store->addSPN(0, 0x3FFFF, 85, 3, {.spn = 3});
+    m_store->addPGN(0, 0x40000, {.number = 0x40000, .direction = 85});
     m_store->addCANID(0, 0x20000100, {.id = 0x20000100, .direction = 119});
     m_store->setUDSServiceSessions(0, UDS::SID::EcuReset, QStringLiteral("it's"));
+    const QString hash = m_store->contentHash();
+    QVERIFY(Store::copyLine(*m_store, *m_store, 0, 0));
+    QCOMPARE(m_store->contentHash(), hash);
     Store other;
     QVERIFY(other.createNewDataBase());
     for (Store *target : {m_store.get(), &other}) {
@@ -210,8 +224,8 @@ void TestStoreLines::copiesALine()
         Store::SUBINDEX_DATA_T copy;
         QVERIFY(target->getSubIndexData(1, 0x2000, 1, copy));
         QCOMPARE(copy.metadata, data.metadata);
-        QCOMPARE(target->getPGNList(1), QList<quint32>{0x1FFFF});
-        QCOMPARE(target->getSPNList(1, 0x1FFFF, 85), QList<quint32>{3});
+        QCOMPARE(target->getPGNList(1), QList<quint32>{0x3FFFF});
+        QCOMPARE(target->getSPNList(1, 0x3FFFF, 85), QList<quint32>{3});
         QCOMPARE(target->getCANIDList(1, 119), QList<quint32>{0x20000100});
         QCOMPARE(target->getUDSServiceSessions(1, UDS::SID::EcuReset), QStringLiteral("it's"));
     }

@@ -155,7 +155,8 @@ void TestStoreMigration::fileWithoutSignalTables()
 {
     makeProject();
     runOn(m_file,
-          {QStringLiteral("drop table SPNs0"), QStringLiteral("drop table PGNs0"),
+          {QStringLiteral("insert into Nodes (nodeId) values(3)"),
+           QStringLiteral("drop table SPNs0"), QStringLiteral("drop table PGNs0"),
            QStringLiteral("drop table CANIDs0"), QStringLiteral("drop table DataElements0"),
            QStringLiteral("drop table Connections"),
            QStringLiteral("update MiscSettings set value='90' where item='DatabaseVersion'")});
@@ -169,7 +170,10 @@ void TestStoreMigration::fileWithoutSignalTables()
     QCOMPARE(spn.defaultValue, QStringLiteral("3"));
     QVERIFY(store.loadSPNCache(0));
     store.clearSPNCache();
-    QVERIFY(store.addDataElement(0, 1, 85, 1, {.bitPos = 3}));
+    for (const quint8 line : {0, 3}) {
+        QVERIFY(store.addCANID(line, 1, {.direction = 85}));
+        QVERIFY(store.addDataElement(line, 1, 85, 1, {.bitPos = 3}));
+    }
     QVERIFY(store.saveDatabase());
     ObjectDataBase again;
     QVERIFY(again.openDataBase(m_file));
@@ -275,8 +279,8 @@ void TestStoreMigration::positionsAndCounts()
     makeProject();
     runOn(m_file,
           {QStringLiteral("update MiscSettings set value='104' where item='DatabaseVersion'"),
-           QStringLiteral("insert into PGNs0 (number,direction,mappingcount) values(1,85,9),"
-                          "(2,85,NULL)"),
+           QStringLiteral("insert into PGNs0 (number,direction,mappingcount,edp_dp_key) "
+                          "values(1,85,9,0),(2,85,NULL,1),(3,NULL,NULL,NULL)"),
            QStringLiteral("insert into SPNs0 (pgnnumber,spnnumber,direction,pos,datatype,"
                           "bitposition) values(1,10,85,0,6,0),(1,11,85,1,100,0),(1,12,85,2,5,0)"),
            QStringLiteral("insert into CANIDs0 (id,direction) values(5,119)"),
@@ -293,6 +297,8 @@ void TestStoreMigration::positionsAndCounts()
     QCOMPARE(store.getMappingCount(0, 1, 85), quint16(3));
     store.executeSql(QStringLiteral("select count(*) from PGNs0 where mappingcount is NULL"));
     QCOMPARE(store.statementResults().first().section(u' ', 0, 0), QStringLiteral("0"));
+    QCOMPARE(store.getPGNList(0, 85), (QList<quint32>{1, 0x10002}));
+    QVERIFY2(failures.isEmpty(), qPrintable(failures.join(u'\n')));
 }
 
 void TestStoreMigration::lineListsFit()

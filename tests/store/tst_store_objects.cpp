@@ -247,6 +247,24 @@ void TestStoreObjects::batchIsSilent()
     QCOMPARE(changes.size(), 0);
     QCOMPARE(m_store->getSubIndices(0, 0x3000).size(), 200);
     QCOMPARE(m_store->getSubIndexName(0, 0x3000, 199), QStringLiteral("it's 199"));
+    // A row that can't be written is told, and the others are.
+    QVERIFY(m_store->executeSql(QStringLiteral(
+        "create trigger t before insert on SubObjects0 when new.objectindex = 0x3001 and "
+        "new.subindex = 3 begin select raise(abort,'no'); end")));
+    for (Store::SubEntry &entry : entries)
+        entry.index = 0x3001;
+    QVERIFY(!m_store->addSubIndices(entries));
+    QCOMPARE(m_store->getSubIndices(0, 0x3001).size(), 199);
+    QVERIFY(!m_store->executeSql(QStringLiteral("alter table Nodes add lssslave integer, x")));
+    QVERIFY2(m_store->statementResults().first().contains(QLatin1String("syntax error")),
+             qPrintable(m_store->statementResults().first()));
+    // No text has the id 0, even where a foreign row gives it one.
+    QVERIFY(m_store->executeSql(QStringLiteral("insert into Strings values(0,'foreign')")));
+    m_store->setObjectIndexSqlValue(QStringLiteral("Objects0"), QStringLiteral("9999"),
+                                    QStringLiteral("category"), 1);
+    QCOMPARE(m_store->getIndexName(0, 9999), QString());
+    m_store->setIndexName(0, 9999, QStringLiteral("foreign"));
+    QCOMPARE(m_store->getIndexName(0, 9999), QStringLiteral("foreign"));
 }
 
 void TestStoreObjects::batchOfObjects_data()
@@ -363,6 +381,10 @@ void TestStoreObjects::singleColumnWrites()
     Store::INDEX_DATA_T object;
     QVERIFY(m_store->getIndexData(0, 0x2000, object));
     QCOMPARE(object.description, QStringLiteral("d"));
+    // A row that a setter makes is found behind a cached walk.
+    QVERIFY(m_store->cacheAllSubs(0));
+    m_store->setSubindexSqlValue(table, index, QStringLiteral("2"), QStringLiteral("uplimit"), 7);
+    QVERIFY(m_store->subIndexExists(0, 0x2000, 2));
     // The line of metadata is the last digit of the table's name.
     QVERIFY(m_store->addNode(10, {}));
     QVERIFY(m_store->addSubIndex(10, 0x2000, 1, sub(QStringLiteral("ten"))));
@@ -457,6 +479,9 @@ void TestStoreObjects::refusesWhileBlocked()
         QVERIFY(!m_store->addDataElement(0, 1, 85, 1, {}));
         QVERIFY(!m_store->copySettings(*m_store));
         QVERIFY(!Store::copyLine(*m_store, *m_store, 0, 0));
+        QVERIFY(!m_store->createNewDataBase());
+        QVERIFY(!m_store->openDataBase(m_store->workingFiles().first()));
+        QVERIFY(!m_store->lastErrorText().isEmpty());
         m_store->setIndexName(0, 0x2000, QStringLiteral("z"));
         m_store->setNodeSqlValue(QStringLiteral("0"), QStringLiteral("name"), QStringLiteral("z"));
         m_store->setUDSServiceActive(0, UDS::SID::EcuReset, false);
@@ -473,6 +498,14 @@ void TestStoreObjects::notifications()
             [&](const Store::ChangeSet &change) { seen.append(change); });
     m_store->addIndex(0, 0x2000, {});
     m_store->addSubIndex(0, 0x2000, 3, {});
+    m_store->setIndexName(0, 0x2000, QStringLiteral("n"));
+    m_store->setSubIndexName(0, 0x2000, 3, QStringLiteral("n"));
+    m_store->setSubIndexDefaultValue(0, 0x2000, 3, QStringLiteral("1"));
+    m_store->setObjectIndexSqlValue(QStringLiteral("Objects0"), QStringLiteral("8192"),
+                                    QStringLiteral("category"), 1);
+    m_store->setSubindexSqlValue(QStringLiteral("SubObjects0"), QStringLiteral("8192"),
+                                 QStringLiteral("3"), QStringLiteral("uplimit"), 1);
+    m_store->setNodeSqlValue(QStringLiteral("0"), QStringLiteral("name"), QStringLiteral("n"));
     m_store->deleteSubIndex(0, 0x2000, 3);
     m_store->deleteIndex(0, 0x2000);
     m_store->addPGN(0, 65280, {.number = 65280, .direction = 119});
@@ -486,12 +519,13 @@ void TestStoreObjects::notifications()
     QList<int> kinds;
     for (const Store::ChangeSet &change : seen)
         kinds.append(int(change.kind));
-    QCOMPARE(kinds, (QList<int>{1, 2, 4, 3, 15, 19, 20, 16, 17, 21, 20, 18}));
+    QCOMPARE(kinds, (QList<int>{1, 2, 1, 2, 2, 1, 2, 6, 4, 3, 15, 19, 20, 16, 17, 21, 20, 18}));
     QCOMPARE(seen.at(1).index, quint16(0x2000));
     QCOMPARE(seen.at(1).subindex, quint8(3));
-    QCOMPARE(seen.at(6).spn, 7u);
-    QCOMPARE(seen.at(10).element, 2u);
-    QCOMPARE(seen.at(10).direction, quint8(85));
+    QCOMPARE(seen.at(6).subindex, quint8(3));
+    QCOMPARE(seen.at(12).spn, 7u);
+    QCOMPARE(seen.at(16).element, 2u);
+    QCOMPARE(seen.at(16).direction, quint8(85));
 }
 
 QTEST_GUILESS_MAIN(TestStoreObjects)

@@ -136,6 +136,8 @@ void TestStoreSignals::realignment_data()
     QTest::newRow("never laid out")
         << Row{{5, 0, 0}, {100, 0, 0}, {6, 0, 0}} << false << QList<int>{0, 8, 10};
     QTest::newRow("edited") << Row{{5, 0, 0}, {5, 0, 8}, {5, 0, 8}} << false << QList<int>{0, 8, 8};
+    QTest::newRow("edited behind two at 0")
+        << Row{{5, 0, 0}, {5, 0, 0}, {5, 0, 32}} << false << QList<int>{0, 0, 32};
     QTest::newRow("edited, forced")
         << Row{{5, 0, 0}, {5, 0, 8}, {5, 0, 8}} << true << QList<int>{0, 8, 16};
     QTest::newRow("strings count their own size")
@@ -152,7 +154,8 @@ void TestStoreSignals::realignment()
     for (int i = 0; i < rows.size(); ++i) {
         const auto [type, size, position] = rows.at(i);
         m_store->addSPN(0, 7, 85, quint32(100 - i),
-                        {.pos = quint8(i),
+                        {.pos = quint16(i + 250), // across the width of a byte
+
                          .dataType = quint16(type),
                          .bitSize = quint16(size),
                          .bitPosition = quint16(position)});
@@ -206,11 +209,14 @@ void TestStoreSignals::foldsPageKeys()
 {
     m_store->addPGN(0, 0x1234, {.number = 0x1234, .edpDpKey = 2, .direction = 85});
     m_store->addSPN(0, 0x1234, 85, 5, {.spn = 5});
-    m_store->foldPageKeys(0);
-    QCOMPARE(m_store->getPGNList(0), QList<quint32>{0x21234});
+    m_store->addPGN(0, 0x21235, {.name = QStringLiteral("kept"), .direction = 85});
+    m_store->addPGN(0, 0x1235, {.number = 0x1235, .edpDpKey = 2, .direction = 85});
+    for (int opening = 0; opening < 2; ++opening) {
+        m_store->foldPageKeys(0);
+        QCOMPARE(m_store->getPGNList(0), (QList<quint32>{0x1235, 0x21234, 0x21235}));
+    }
+    QCOMPARE(m_store->getPGNName(0, 0x21235, 85), QStringLiteral("kept"));
     QCOMPARE(m_store->getSPNList(0, 0x21234, 85), QList<quint32>{5});
-    m_store->foldPageKeys(0);
-    QCOMPARE(m_store->getPGNList(0), QList<quint32>{0x21234});
 }
 
 void TestStoreSignals::cacheAnswers()
@@ -224,7 +230,8 @@ void TestStoreSignals::cacheAnswers()
     QVERIFY(m_store->getSPN(0, 1, 85, 20, spn));
     QCOMPARE(spn.defaultValue, QStringLiteral("a"));
     QCOMPARE(m_store->getSPNList(0, 1, 85), (QList<quint32>{20, 10}));
-    m_store->clearSPNCache();
+    m_store->addSPN(0, 1, 85, 30, {.pos = 2}); // ends what the cache has of the line
+    QCOMPARE(m_store->getSPNList(0, 1, 85), (QList<quint32>{20, 10, 30}));
     QVERIFY(m_store->getSPN(0, 1, 85, 20, spn));
     QCOMPARE(spn.defaultValue, QStringLiteral("b"));
 }

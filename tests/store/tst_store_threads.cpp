@@ -46,6 +46,12 @@ void TestStoreThreads::twoThreadsOneStore()
             m_store->addIndex(line, index, {.name = name});
             m_store->addSubIndex(line, index, 1, sub(name, QString::number(i)));
             m_store->setGeneralSetting(QStringLiteral("key%1").arg(thread), name);
+            // Rows that both threads want to make.
+            const auto number = quint32(i);
+            wrong += !m_store->setGeneralSetting(QStringLiteral("both%1").arg(i), name);
+            wrong += !m_store->addPGN(0, number, {.direction = 85});
+            wrong += !m_store->addSPN(0, number, 85, 1, {});
+            wrong += !m_store->setGeneralSettingForLine(QStringLiteral("list"), name, line);
             if (i % 50 == 0)
                 m_store->cacheAllSubs(line);
             wrong += m_store->getIndexName(line, index) != name;
@@ -62,6 +68,9 @@ void TestStoreThreads::twoThreadsOneStore()
     m_store->executeSql(QStringLiteral("select string from Strings group by string having "
                                        "count(*) > 1"));
     QVERIFY2(m_store->statementResults().isEmpty(), "a text was interned twice");
+    QCOMPARE(m_store->getPGNList(0).size(), rounds);
+    QCOMPARE(m_store->getSPNList(0, 0, 85).size(), 1);
+    QVERIFY(!m_store->getGeneralSetting(QStringLiteral("list")).contains(QLatin1String(",,")));
 }
 
 void TestStoreThreads::blockHoldsForeignThreads()
