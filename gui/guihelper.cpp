@@ -4,6 +4,7 @@
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QMetaEnum>
 #include <QPushButton>
 #include <QRegularExpression>
@@ -139,6 +140,90 @@ QString filterFor(const QString &proposal, const QString &filters)
     return fitting == all.end() ? all.first() : *fitting;
 }
 
+/// The first suffix of a filter, with its dot.
+QString suffixOf(const QString &filter)
+{
+    static const QRegularExpression firstSuffix(QStringLiteral("\\*(\\.\\w+)"));
+    return firstSuffix.match(filter).captured(1);
+}
+
+/// What `path` lacks to end in a suffix of the filters: empty, or the suffix of the chosen one.
+QString missingSuffix(const QString &path, const QString &filters, const QString &chosen)
+{
+    const QString suffix = QFileInfo(path).suffix();
+    if (!suffix.isEmpty() && filters.contains(QStringLiteral("*.%1)").arg(suffix.toLower())))
+        return {};
+    return suffixOf(chosen);
+}
+
+/// Completes a name before it is looked whether that file is there, so that the question about
+/// replacing it is asked about the file that will be written.
+class SaveDialog : public QFileDialog
+{
+public:
+    SaveDialog(QWidget *parent, const QString &title, const QString &proposal,
+               const QString &filters)
+        : QFileDialog(parent, title, QFileInfo(proposal).absolutePath()), m_filters(filters)
+    {
+        setAcceptMode(AcceptSave);
+        setFileMode(AnyFile);
+        setNameFilters(filters.split(QStringLiteral(";;")));
+        selectFile(QFileInfo(proposal).fileName());
+        // The dialogs of a desktop know no other way than this one.
+        connect(this, &QFileDialog::filterSelected, this,
+                [this](const QString &filter) { setDefaultSuffix(suffixOf(filter).mid(1)); });
+    }
+
+    void chooseFilter(const QString &filter)
+    {
+        selectNameFilter(filter);
+        setDefaultSuffix(suffixOf(filter).mid(1));
+    }
+
+    void accept() override
+    {
+        // The plain default suffix leaves a name alone that has a dot, such as "device 2.1".
+        auto *name = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
+        const QString path = selectedFiles().value(0);
+        if (name != nullptr && !name->text().isEmpty() && !QFileInfo(path).isDir())
+            name->setText(name->text() + missingSuffix(path, m_filters, selectedNameFilter()));
+        QFileDialog::accept();
+    }
+
+private:
+    QString m_filters;
+};
+
+/// The name as it was chosen; `filter` follows the choice.
+QString askSaveName(QWidget *parent, const QString &title, const QString &proposal,
+                    const QString &filters, QString &filter)
+{
+    QString path;
+    if (fileNameWithoutUser(title, path))
+        return path;
+    SaveDialog dialog(parent, title, proposal, filters);
+    dialog.chooseFilter(filter);
+    if (dialog.exec() != QDialog::Accepted)
+        return {};
+    filter = dialog.selectedNameFilter();
+    return dialog.selectedFiles().value(0);
+}
+
+/// Whether the file that a completed name has led to may be replaced.
+bool mayReplace(QWidget *parent, const QString &title, const QString &path)
+{
+    return GuiHelper::showMessageBox(
+               parent,
+               GuiHelper::Box{title,
+                              QStringLiteral("%1 already exists.\nDo you want to replace it?")
+                                  .arg(QFileInfo(path).fileName()),
+                              {},
+                              QMessageBox::Yes | QMessageBox::No,
+                              QMessageBox::Warning,
+                              QMessageBox::No,
+                              {}}) == QMessageBox::Yes;
+}
+
 } // namespace
 
 int GuiHelper::showMessageBox(QWidget *parent, const QString &title, const QString &text,
@@ -203,17 +288,18 @@ QString GuiHelper::openFileName(QWidget *parent, const QString &title, const QSt
 QString GuiHelper::saveFileName(QWidget *parent, const QString &title, const QString &folder,
                                 const QString &filters)
 {
-    QString path;
     QString filter = filterFor(folder, filters);
-    if (!fileNameWithoutUser(title, path))
-        path = QFileDialog::getSaveFileName(parent, title, folder, filters, &filter);
-    if (path.isEmpty())
-        return path;
-    const QString suffix = QFileInfo(path).suffix();
-    if (!suffix.isEmpty() && filters.contains(QStringLiteral("*.%1)").arg(suffix.toLower())))
-        return path;
-    static const QRegularExpression firstSuffix(QStringLiteral("\\*(\\.\\w+)"));
-    return path + firstSuffix.match(filter).captured(1);
+    QString proposal = folder;
+    for (;;) {
+        const QString chosen = askSaveName(parent, title, proposal, filters, filter);
+        if (chosen.isEmpty())
+            return chosen;
+        const QString path = chosen + missingSuffix(chosen, filters, filter);
+        // About a name that was chosen whole the dialog has asked.
+        if (path == chosen || !QFileInfo::exists(path) || mayReplace(parent, title, path))
+            return path;
+        proposal = path;
+    }
 }
 
 int GuiHelper::execDialog(QDialog &dialog)

@@ -55,7 +55,8 @@ public:
                                          QMessageBox::StandardButtons buttons = QMessageBox::Ok,
                                          QMessageBox::Icon icon = QMessageBox::Information);
     /// Empty if the user cancels. `filters` are joined by ";;". A name that ends in no suffix of
-    /// the filters gets the one of the chosen filter when it is to be saved.
+    /// the filters gets the one of the chosen filter when it is to be saved; whether a file may be
+    /// replaced is asked about that whole name.
     static QString openFileName(QWidget *parent, const QString &title, const QString &folder,
                                 const QString &filters);
     static QString saveFileName(QWidget *parent, const QString &title, const QString &folder,
