@@ -8,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 #include <array>
@@ -92,6 +93,17 @@ QFileInfoList filesOf(const QString &folder, const QString &pattern)
     return QDir(folder).entryInfoList({pattern}, QDir::Files | QDir::Readable, QDir::Name);
 }
 
+/// A profile database begins with its title, as a comment.
+QString titleOf(const QFileInfo &profile)
+{
+    constexpr qint64 longestTitle = 80;
+    QFile file(profile.filePath());
+    if (!file.open(QIODevice::ReadOnly))
+        return profile.fileName();
+    const QString first = QString::fromUtf8(file.readLine(longestTitle)).trimmed();
+    return first.startsWith(QLatin1String("# ")) ? first.mid(2) : profile.fileName();
+}
+
 } // namespace
 
 const FileImportFormat *FileImportFormat::of(const QString &path)
@@ -107,7 +119,7 @@ QList<FileImportSource> FileImportSource::shipped(const QString &applicationName
 {
     QList<FileImportSource> sources;
     for (const QFileInfo &file : filesOf(QStringLiteral(":/codb/"), QStringLiteral("*.codb")))
-        sources.append({file.fileName(), file.filePath()});
+        sources.append({titleOf(file), file.filePath()});
     for (const QString &folder : dataFolders) {
         for (const QFileInfo &file : filesOf(folder, QStringLiteral("*.vxmp"))) {
             if (isOffered(file.fileName(), applicationName))

@@ -46,8 +46,8 @@ struct FileImportSource
     QString label;
     QString path;
 
-    /// The profile databases, then the projects of the given folders that belong to the edition,
-    /// each by name.
+    /// The profile databases, labelled with their titles, then the projects of the given folders
+    /// that belong to the edition, each by the name of its file.
     [[nodiscard]] static QList<FileImportSource> shipped(const QString &applicationName,
                                                          const QStringList &dataFolders);
     /// Of the running program.

@@ -474,11 +474,14 @@ void TestFileImport::offersShippedSources()
                                                    {folder.path(), u":/none"_s});
     for (const FileImportSource &source : sources) {
         QVERIFY(FileImportFormat::of(source.path) != nullptr);
-        if (source.path.startsWith(u":/codb/"_s))
+        if (source.path.startsWith(u":/codb/"_s)) {
             ++profiles;
-        else
+            QVERIFY2(source.label.startsWith(u"CiA "_s), qPrintable(source.label));
+        } else {
             labels.append(source.label);
+        }
     }
+    QCOMPARE(sources[3].label, u"CiA 402 - Drives"_s);
     QTEST(labels, "databases");
     QVERIFY(profiles >= 7);
 }
