@@ -72,6 +72,7 @@ GeneratorOutputForm::GeneratorOutputForm(QWidget *parent)
             &GeneratorOutputForm::on_tbLogging_anchorClicked);
     connect(m_logging, &QWidget::customContextMenuRequested, this,
             &GeneratorOutputForm::showContextMenu);
+    connect(m_logging, &QTextEdit::copyAvailable, this, &GeneratorOutputForm::actionsChanged);
     m_flushTimer.setSingleShot(true);
     connect(&m_flushTimer, &QTimer::timeout, this, &GeneratorOutputForm::flushSome);
     makeLayout();
@@ -84,7 +85,7 @@ void GeneratorOutputForm::makeLayout()
     copy->setObjectName(QStringLiteral("btnCopyAll"));
     copy->setToolTip(tr("Copy all messages to the clipboard (Ctrl+Shift+C)"));
     connect(copy, &QPushButton::clicked, this, &GeneratorOutputForm::copyAll);
-    auto *clear = new QPushButton(tr("C&lear"), this);
+    auto *clear = new QPushButton(tr("Clea&r"), this);
     clear->setObjectName(QStringLiteral("btnClear"));
     clear->setToolTip(tr("Remove all messages"));
     connect(clear, &QPushButton::clicked, this, &GeneratorOutputForm::clearLogging);
@@ -118,6 +119,11 @@ void GeneratorOutputForm::doAction(int action)
         m_logging->copy();
     else
         BaseMainForm::doAction(action);
+}
+
+bool GeneratorOutputForm::canDoAction(int action) const
+{
+    return action == Copy && m_logging->textCursor().hasSelection();
 }
 
 // --- Messages -----------------------------------------------------------------------------------

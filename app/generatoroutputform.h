@@ -27,6 +27,7 @@ public:
 
     /// By the button of the window: copies what is selected.
     void doAction(int action) override;
+    [[nodiscard]] bool canDoAction(int action) const override;
 
     /// Messages of the model check of the last run.
     [[nodiscard]] int checkMessageCount() const { return m_checkMessages; }

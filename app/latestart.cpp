@@ -127,7 +127,7 @@ void enterNetworkToolMode(VxmMainWindow &window)
                         .arg(lowByte(QStringLiteral("co_node_id")));
     if (const uint network = lowByte(QStringLiteral("co_network_id")); network != 0)
         title += QStringLiteral(" (network %1)").arg(network);
-    window.setWindowTitle(title);
+    window.setToolTitle(title);
 }
 
 void saveProject(VxmMainWindow &window)

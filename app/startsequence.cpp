@@ -88,8 +88,14 @@ int runQuillforge(int argc, char *argv[], const char *applicationName)
     if (!options.hidden)
         window.show();
     if (options.project) {
-        window.openProject(*options.project);
+        const bool opened = window.openProject(*options.project);
         window.loadLibrary(StandardProfiles::communication);
+        // A batch run goes on with the store as it stands; a user has something to work on.
+        const bool isBatch = options.hidden || options.generate || options.save;
+        if (!opened && !isBatch) {
+            window.newProjectUnasked();
+            window.doThingsAfterStartup();
+        }
     } else {
         startNormally(window);
     }

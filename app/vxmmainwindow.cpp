@@ -1,6 +1,8 @@
 #include "app/vxmmainwindow.h"
 
+#include "app/editcontroller.h"
 #include "app/generatoroutputform.h"
+#include "app/linebox.h"
 #include "app/pagetable.h"
 #include "canopen/linetype.h"
 #include "gui/editionicon.h"
@@ -14,6 +16,7 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QScreen>
+#include <QScrollArea>
 #include <QSignalBlocker>
 
 #include <array>
@@ -22,6 +25,8 @@ namespace {
 
 constexpr int refreshMilliseconds = 20;
 constexpr QPoint visiblePosition(100, 30);
+/// Where a title shows whether something is modified.
+const QString modifiedMark = QStringLiteral("[*]");
 
 /// Which drawing stands for which action.
 struct ActionIcon
@@ -41,18 +46,18 @@ constexpr std::array actionIcons{
     ActionIcon{"action_About", "about"},        ActionIcon{"actionCheck_for_Updates", "update"},
 };
 
-/// Entries of the line box below the lines.
-struct LineFlow
+/// The largest part of `wanted` that fits, moved as far as it has to be. The title bar, whose
+/// height nobody knows before the window is shown, has its place above.
+QRect fitted(const QRect &wanted, QRect available, int titleBar)
 {
-    int data;
-    const char *label;
-};
-constexpr std::array lineFlows{
-    LineFlow{255, "Add empty line"},
-    LineFlow{253, "Duplicate last line"},
-    LineFlow{254, "Delete last line"},
-    LineFlow{252, "Change Line Type"},
-};
+    available.setTop(available.top() + titleBar);
+    QRect result(wanted.topLeft() + QPoint(0, titleBar), wanted.size().boundedTo(available.size()));
+    result.moveRight(qMin(result.right(), available.right()));
+    result.moveBottom(qMin(result.bottom(), available.bottom()));
+    result.moveLeft(qMax(result.left(), available.left()));
+    result.moveTop(qMax(result.top(), available.top()));
+    return result.translated(0, -titleBar);
+}
 
 } // namespace
 
@@ -61,7 +66,14 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
       m_networkToolMode(options.networkTool)
 {
     ui->setupUi(this);
+    m_lineBox = new LineBox(*ui->mpSelectLine);
     decorate();
+    m_editing = new EditController({{ui->actionCut, BaseMainForm::Cut},
+                                    {ui->actionCopy, BaseMainForm::Copy},
+                                    {ui->actionPaste, BaseMainForm::Paste},
+                                    {ui->actionDelete, BaseMainForm::Delete},
+                                    {ui->actionDuplicate, BaseMainForm::Duplicate}},
+                                   this);
     makePages();
     makeUndo();
     makeGenerator();
@@ -71,8 +83,7 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     m_refreshTimer.setSingleShot(true);
     m_refreshTimer.setInterval(refreshMilliseconds);
     connect(&m_refreshTimer, &QTimer::timeout, this, &VxmMainWindow::refreshLines);
-    connect(ui->mpSelectLine, &QComboBox::currentIndexChanged, this,
-            &VxmMainWindow::handleLineChanged);
+    connect(ui->mpSelectLine, &QComboBox::activated, this, &VxmMainWindow::handleLineChanged);
     connect(ui->toolBox, &QToolBox::currentChanged, this, &VxmMainWindow::newCurrentTabActivated);
     connect(ui->menuRecent_Projects, &QMenu::aboutToShow, this, &VxmMainWindow::fillRecentProjects);
     connect(ui->menuExample_Projects, &QMenu::aboutToShow, this,
@@ -83,8 +94,9 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
 
 VxmMainWindow::~VxmMainWindow()
 {
-    // Its last signals are about actions that are still there now.
+    // Their last signals are about actions that are still there now.
     delete m_undoManager;
+    delete m_editing;
 }
 
 void VxmMainWindow::decorate()
@@ -150,6 +162,7 @@ void VxmMainWindow::selectLine(quint8 line, bool blockSignal)
     for (const Page &page : std::as_const(m_pages))
         page.form->setLine(line);
     rebuildToolBox();
+    m_lineBox->show(line);
     if (!blockSignal)
         emit lineChanged(line);
 }
@@ -179,9 +192,12 @@ void VxmMainWindow::rebuildToolBox()
         ui->toolBox->addItem(page.form, LineIcon::icon(QLatin1String(page.factory->icon)),
                              page.factory->label(context));
     }
+    // The box puts each page into a frame that scrolls, and that shows nothing of having the focus.
+    for (auto *frame : ui->toolBox->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly))
+        frame->setFocusPolicy(Qt::NoFocus);
     const int kept = former != nullptr ? ui->toolBox->indexOf(former) : -1;
     ui->toolBox->setCurrentIndex(kept >= 0 ? kept : 0);
-    m_currentPage = qobject_cast<BaseMainForm *>(ui->toolBox->currentWidget());
+    setCurrentPage(qobject_cast<BaseMainForm *>(ui->toolBox->currentWidget()));
 }
 
 bool VxmMainWindow::showsPages(const QList<Page> &pages, const PageContext &context) const
@@ -202,23 +218,21 @@ void VxmMainWindow::newCurrentTabActivated(int)
     auto *page = qobject_cast<BaseMainForm *>(ui->toolBox->currentWidget());
     if (m_currentPage != nullptr && m_currentPage != page)
         m_currentPage->saveData();
+    setCurrentPage(page);
+}
+
+void VxmMainWindow::setCurrentPage(BaseMainForm *page)
+{
     m_currentPage = page;
+    m_editing->setPage(page);
 }
 
 void VxmMainWindow::updateLinesComboBox()
 {
-    const QSignalBlocker blocker(ui->mpSelectLine);
-    ui->mpSelectLine->clear();
-    const QList<quint8> lines = projectLines();
-    for (const quint8 line : lines) {
-        const LineType &type = LineType::of(m_database->getLineType(line));
-        ui->mpSelectLine->addItem(
-            QStringLiteral("Line %1 - %2").arg(line).arg(QLatin1String(type.label)), line);
-    }
-    ui->mpSelectLine->insertSeparator(ui->mpSelectLine->count());
-    for (const LineFlow &flow : lineFlows)
-        ui->mpSelectLine->addItem(QString::fromLatin1(flow.label), flow.data);
-    ui->mpSelectLine->setCurrentIndex(qMax(0, ui->mpSelectLine->findData(m_line)));
+    QList<LineBox::Line> lines;
+    for (const quint8 line : projectLines())
+        lines.append({line, lineLabel(line)});
+    m_lineBox->fill(lines, m_line);
 }
 
 void VxmMainWindow::refreshLines()
@@ -237,7 +251,8 @@ void VxmMainWindow::doThingsAfterStartup()
 {
     setActionEnabled("action_Import_File", true);
     bringOntoScreen();
-    ui->mpSelectLine->setCurrentIndex(0);
+    if (m_line != 0)
+        selectLine(0);
 }
 
 // --- State of the project -----------------------------------------------------------------------
@@ -274,6 +289,9 @@ bool VxmMainWindow::isModified() const
 
 void VxmMainWindow::setModified(bool modified)
 {
+    // The title of a window that another tool has started has no place for the mark.
+    if (windowTitle().contains(modifiedMark))
+        setWindowModified(modified);
     const QFont::Style style = modified ? QFont::StyleItalic : QFont::StyleNormal;
     QFont font = ui->lblPath->font();
     if (font.style() == style)
@@ -293,9 +311,20 @@ void VxmMainWindow::storePendingInput()
 
 void VxmMainWindow::updateTitle()
 {
-    setWindowTitle(m_projectBaseName.isEmpty()
-                       ? GuiHelper::boxTitle()
-                       : QStringLiteral("%1 - %2").arg(m_projectBaseName, GuiHelper::boxTitle()));
+    if (m_hasToolTitle)
+        return;
+    // In a name the mark stands for itself when it is doubled.
+    QString name = m_projectBaseName;
+    name.replace(modifiedMark, modifiedMark + modifiedMark);
+    setWindowTitle(name + modifiedMark + QStringLiteral(" - ") + GuiHelper::boxTitle());
+    setWindowModified(isModified());
+}
+
+void VxmMainWindow::setToolTitle(const QString &title)
+{
+    m_hasToolTitle = true;
+    setWindowModified(false);
+    setWindowTitle(title);
 }
 
 void VxmMainWindow::setBusy(bool busy)
@@ -313,6 +342,7 @@ void VxmMainWindow::setBusy(bool busy)
         action->setEnabled(!busy);
     if (!busy)
         m_pausedActions.clear();
+    m_editing->setPaused(busy);
     updateUndoActions(); // a step may have come or gone meanwhile
     ui->toolBar->setEnabled(!busy);
     ui->mpSelectLine->setEnabled(!busy);
@@ -348,8 +378,11 @@ void VxmMainWindow::restoreGeometryOfUser()
     if (size.isValid())
         resize(size.expandedTo(minimumSizeHint()));
     const QVariant position = settings.value(QStringLiteral("pos"));
-    if (position.isValid())
+    if (position.isValid()) {
         move(position.toPoint());
+        bringOntoScreen();
+    }
+    fitOntoScreen(position.isValid());
     if (settings.value(QStringLiteral("maximized")).toBool())
         setWindowState(windowState() | Qt::WindowMaximized);
 }
@@ -371,6 +404,20 @@ void VxmMainWindow::bringOntoScreen()
     });
     if (!visible)
         move(visiblePosition);
+}
+
+/// The screen may have become smaller since the geometry was saved. Without a position of its own
+/// the window is placed by the desktop.
+void VxmMainWindow::fitOntoScreen(bool hasPosition)
+{
+    const QScreen *screen = hasPosition ? QGuiApplication::screenAt(pos()) : nullptr;
+    if (screen == nullptr)
+        screen = QGuiApplication::primaryScreen();
+    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
+    const QRect place = fitted(QRect(pos(), size()), screen->availableGeometry(), titleBar);
+    resize(place.size());
+    if (hasPosition)
+        move(place.topLeft());
 }
 
 void VxmMainWindow::closeEvent(QCloseEvent *event)

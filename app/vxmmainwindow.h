@@ -7,6 +7,7 @@
 #include <QFont>
 #include <QList>
 #include <QMainWindow>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
 
@@ -14,9 +15,11 @@
 
 class BaseMainForm;
 class CODBImporter;
+class EditController;
 class GUIOutputHandler;
 class GUIPostGenProgressHandler;
 class GeneratorOutputForm;
+class LineBox;
 class ManualHandler;
 class OutputHandlerBase;
 class ProjectDiffDialog;
@@ -66,6 +69,8 @@ public:
     bool openProject(const QString &path);
     /// A new project from the edition's template, without a question about the former one.
     void newProject();
+    /// The same without a question about the protocol.
+    void newProjectUnasked();
     /// Whether a project may be replaced now: asks about unsaved modifications, and saves them if
     /// the user wants that.
     [[nodiscard]] bool closeCheck();
@@ -80,6 +85,8 @@ public:
     /// Does nothing for an action that this window doesn't have.
     void setActionEnabled(const char *objectName, bool enabled);
     void setActionVisible(const char *objectName, bool visible);
+    /// A title that stays whatever project is open.
+    void setToolTitle(const QString &title);
     /// Moves the window to where it can be seen if its position lies on no screen.
     void bringOntoScreen();
 
@@ -168,8 +175,10 @@ private:
     void makePages();
     void restoreGeometryOfUser();
     void saveGeometryOfUser();
+    void fitOntoScreen(bool hasPosition);
     [[nodiscard]] PageContext pageContext() const;
     void rebuildToolBox();
+    void setCurrentPage(BaseMainForm *page);
     [[nodiscard]] bool showsPages(const QList<Page> &pages, const PageContext &context) const;
     void refreshLines();
     void updateTitle();
@@ -180,11 +189,11 @@ private:
     // vxmmainwindow_project.cpp
     enum class ProtocolQuestion { Ask, Skip };
     void newProject(ProtocolQuestion question);
-    void applyLineZeroType(int type);
     bool openStore(const QString &path);
     bool acceptsForeignChanges();
     void showVersionNotes(const QString &path);
     void keepVersion3Copy(const QString &path);
+    bool saveStore(const QString &path);
     void leaveProjectPath();
     void takeProjectPath(const QString &path);
     void fillRecentProjects();
@@ -207,16 +216,19 @@ private:
     void copyStandardObjects(quint8 line);
     /// 0 if the user does not choose one.
     [[nodiscard]] int askLineType(const QString &question);
-    [[nodiscard]] bool askYesNo(const QString &question);
+    [[nodiscard]] QString lineLabel(quint8 line) const;
+    [[nodiscard]] bool askYesNo(const QString &question, const QString &explanation = {},
+                                QMessageBox::StandardButton defaultButton = QMessageBox::Yes);
     [[nodiscard]] bool mayAddLine();
 
     // vxmmainwindow_undo.cpp
     void makeUndo();
     void attachUndo();
-    void noteSavedContent();
+    void noteSavedState();
     void updateUndoActions();
     void takeUndoStep(void (UndoManager::*step)(), bool (UndoManager::*isPossible)() const,
                       const QString &doneText, const QString &failedText);
+    void showLineBeside(const QList<quint8> &formerLines);
     void projectRestored();
 
     // vxmmainwindow_generation.cpp
@@ -232,8 +244,6 @@ private:
 
     // vxmmainwindow_help.cpp
     void makeHelp();
-    /// A `BaseMainForm::Action`, for the text being edited or else for the page.
-    void runEditCommand(int command);
 
     // vxmmainwindow_viewer.cpp
     void showFile(const QString &path);
@@ -259,17 +269,21 @@ private:
     ProjectDiffDialog *m_projectDiff = nullptr;  ///< child of the window; made when first needed
     QList<QAction *> m_pausedActions;            ///< actions that a run has disabled
     QTimer m_refreshTimer;
+    LineBox *m_lineBox = nullptr;        ///< child of the box
+    EditController *m_editing = nullptr; ///< child of the window
 
     QString m_projectDirectory;
     QString m_projectBaseName;
     QString m_projectFilePath;
-    QString m_openedState;  ///< undo state that was opened; empty once another one was saved
-    QString m_savedContent; ///< content hash of what was saved since
+    QString m_savedState;     ///< undo state that needs no saving; empty if there is none
+    QString m_correctedState; ///< undo state beside which a run has corrected the project
+    int m_newProjectType = 0; ///< line type that a new project has begun with
     quint8 m_line = 0;
     int m_shownLineType = 0;
 
     bool m_savedHere = false; ///< the file was written by this window, not just opened
     bool m_networkToolMode = false;
+    bool m_hasToolTitle = false;
     bool m_autoGeneration = false;
     bool m_busy = false;    ///< a run is going on
     bool m_loading = false; ///< a project is taking the place of another

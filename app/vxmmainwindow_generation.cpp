@@ -24,6 +24,7 @@ namespace {
 
 constexpr int settleMilliseconds = 200;
 constexpr int progressWidth = 320;
+constexpr int messageMilliseconds = 5000;
 const QString criticalErrors =
     QStringLiteral("The project contains critical errors. Check Generator Output window.");
 const QString saveFirst =
@@ -140,10 +141,13 @@ void VxmMainWindow::generatorFinished(GeneratorMainHandler::GeneratorResult resu
         emit sigInstrumentFunctions(false);
     setBusy(false);
     if (result == GeneratorMainHandler::Completed) {
-        m_outputHandler->outputMessage(
-            QStringLiteral("Generation of %1 completed.").arg(m_projectBaseName));
+        const QString done = QStringLiteral("Generation of %1 completed.").arg(m_projectBaseName);
+        m_outputHandler->outputMessage(done);
+        statusBar()->showMessage(done, messageMilliseconds);
         return;
     }
+    statusBar()->showMessage(tr("Generation of %1 failed.").arg(m_projectBaseName),
+                             messageMilliseconds);
     const bool hasNoFolder =
         result == GeneratorMainHandler::FolderNotWritable && m_projectDirectory.isEmpty();
     const QString reason = hasNoFolder ? saveFirst : QString();
@@ -156,6 +160,8 @@ void VxmMainWindow::projectCorrectionDone()
 {
     // The pages did not hear of the corrections, since a run silences the store.
     setModified(true);
+    m_correctedState = m_undoManager->currentState();
+    m_savedState.clear();
     const bool isStored = !m_projectDirectory.isEmpty();
     if (!m_autoGeneration && isStored)
         on_actionSave_Project_triggered();
@@ -187,13 +193,14 @@ void VxmMainWindow::showDictionaryPage(quint8 line, const QString &what)
 {
     if (m_busy)
         return;
-    const int row = ui->mpSelectLine->findData(int(line));
-    if (row < 0) {
+    if (!projectLines().contains(line)) {
         statusBar()->showMessage(tr("The project has no line %1.").arg(line));
         return;
     }
-    if (line != m_line)
-        ui->mpSelectLine->setCurrentIndex(row);
+    if (line != m_line) {
+        storePendingInput();
+        selectLine(line);
+    }
     for (const Page &page : std::as_const(m_pages)) {
         if (page.factory->title == QLatin1String("CANopen Object Dictionary") &&
             ui->toolBox->indexOf(page.form) >= 0)

@@ -1,6 +1,6 @@
 #include "app/vxmmainwindow.h"
 
-#include "app/editcommands.h"
+#include "app/editcontroller.h"
 #include "gui/aboutdialog.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
@@ -123,37 +123,27 @@ void VxmMainWindow::newVersion(QString newVersionString, QString productCodeOfAn
 
 // --- Commands on what is selected ---------------------------------------------------------------
 
-void VxmMainWindow::runEditCommand(int command)
-{
-    if (m_busy || EditCommands::applyToText(QApplication::focusWidget(),
-                                            static_cast<BaseMainForm::Action>(command))) {
-        return;
-    }
-    if (m_currentPage != nullptr)
-        m_currentPage->doAction(command);
-}
-
 void VxmMainWindow::on_actionCopy_triggered()
 {
-    runEditCommand(BaseMainForm::Copy);
+    m_editing->run(BaseMainForm::Copy);
 }
 
 void VxmMainWindow::on_actionCut_triggered()
 {
-    runEditCommand(BaseMainForm::Cut);
+    m_editing->run(BaseMainForm::Cut);
 }
 
 void VxmMainWindow::on_actionPaste_triggered()
 {
-    runEditCommand(BaseMainForm::Paste);
+    m_editing->run(BaseMainForm::Paste);
 }
 
 void VxmMainWindow::on_actionDelete_triggered()
 {
-    runEditCommand(BaseMainForm::Delete);
+    m_editing->run(BaseMainForm::Delete);
 }
 
 void VxmMainWindow::on_actionDuplicate_triggered()
 {
-    runEditCommand(BaseMainForm::Duplicate);
+    m_editing->run(BaseMainForm::Duplicate);
 }

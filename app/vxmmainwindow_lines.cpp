@@ -1,6 +1,7 @@
 #include "app/vxmmainwindow.h"
 #include "dictionary/objectwalk.h"
 
+#include "app/linebox.h"
 #include "app/selectprotocoldialog.h"
 #include "canopen/linetype.h"
 #include "gui/guihelper.h"
@@ -41,34 +42,44 @@ void VxmMainWindow::handleLineChanged(int value)
         return;
     const int chosen = ui->mpSelectLine->itemData(value).toInt();
     switch (chosen) {
-    case 255:
+    case LineBox::Add:
         addLine();
         break;
-    case 253:
+    case LineBox::Duplicate:
         duplicateLine();
         break;
-    case 254:
+    case LineBox::Delete:
         deleteLine();
         break;
-    case 252:
+    case LineBox::ChangeType:
         changeLineType();
         break;
     default:
-        storePendingInput();
-        selectLine(quint8(chosen));
+        if (chosen != m_line) {
+            storePendingInput();
+            selectLine(quint8(chosen));
+        }
         return;
     }
     updateLinesComboBox();
 }
 
-bool VxmMainWindow::askYesNo(const QString &question)
+/// As the box with the lines names it.
+QString VxmMainWindow::lineLabel(quint8 line) const
+{
+    const LineType &type = LineType::of(m_database->getLineType(line));
+    return QStringLiteral("Line %1 - %2").arg(line).arg(QLatin1String(type.label));
+}
+
+bool VxmMainWindow::askYesNo(const QString &question, const QString &explanation,
+                             QMessageBox::StandardButton defaultButton)
 {
     return GuiHelper::showMessageBox(this, {.title = GuiHelper::boxTitle(),
                                             .text = question,
-                                            .informativeText = {},
+                                            .informativeText = explanation,
                                             .buttons = QMessageBox::Yes | QMessageBox::No,
                                             .icon = QMessageBox::Question,
-                                            .defaultButton = QMessageBox::Yes,
+                                            .defaultButton = defaultButton,
                                             .extraButtons = {}}) == QMessageBox::Yes;
 }
 
@@ -100,9 +111,13 @@ bool VxmMainWindow::makeLine(quint8 line, int type)
 
 void VxmMainWindow::addLine()
 {
-    if (!mayAddLine() || !askYesNo(QStringLiteral("Do you want to add a new line?")))
+    if (!mayAddLine())
         return;
     const quint8 line = quint8(highestLine() + 1);
+    if (!askYesNo(QStringLiteral("Do you want to add a new line?"),
+                  tr("It becomes line %1.").arg(line))) {
+        return;
+    }
     int type = Edition::defaultLineType();
     if (Edition::isCan()) {
         type = askLineType(QStringLiteral("Select CAN protocol for line %1:").arg(line));
@@ -138,11 +153,15 @@ void VxmMainWindow::copyStandardObjects(quint8 line)
 
 void VxmMainWindow::duplicateLine()
 {
-    if (!mayAddLine() || !askYesNo(QStringLiteral("Do you want to duplicate the last line?")))
+    if (!mayAddLine())
         return;
-    storePendingInput();
     const quint8 last = highestLine();
     const quint8 line = quint8(last + 1);
+    if (!askYesNo(QStringLiteral("Do you want to duplicate the last line?"),
+                  tr("%1. The copy becomes line %2.").arg(lineLabel(last)).arg(line))) {
+        return;
+    }
+    storePendingInput();
     QApplication::setOverrideCursor(Qt::WaitCursor);
     const bool made = makeLine(line, m_database->getLineType(last)) &&
                       ObjectDataBase::copyLine(*m_database, *m_database, last, line);
@@ -159,8 +178,10 @@ void VxmMainWindow::deleteLine()
                                   QStringLiteral("Line 0 cannot be deleted."));
         return;
     }
-    if (!askYesNo(QStringLiteral("Do you want to delete this line?")))
+    if (!askYesNo(QStringLiteral("Do you want to delete this line?"),
+                  tr("%1, with everything that it has.").arg(lineLabel(last)), QMessageBox::No)) {
         return;
+    }
     storePendingInput();
     if (!m_database->deleteNode(last))
         showError(QStringLiteral("Line %1 cannot be deleted.").arg(last));

@@ -28,6 +28,7 @@
 namespace {
 
 constexpr int finishOpenMilliseconds = 10;
+constexpr int messageMilliseconds = 5000;
 const QString projectFilter = QStringLiteral("VXM Projects (*.vxmp)");
 const QString oldFilter = QStringLiteral("old project files (*.db)");
 const QString textFilter = QStringLiteral("VXMT Projects (*.vxmt)");
@@ -98,6 +99,47 @@ void noteInitStructure(ObjectDataBase &store)
     store.setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
 }
 
+/// The reason why the template could not be opened; empty if it was. Whatever the store held is
+/// gone in both cases.
+QString openTemplate(ObjectDataBase &store)
+{
+    if (store.openDataBase(templatePath(), true))
+        return {};
+    const QString error = store.lastErrorText();
+    store.createNewDataBase();
+    return error.isEmpty() ? QStringLiteral("%1 is no project.").arg(templatePath()) : error;
+}
+
+/// Gives line 0 of a new project its protocols. What belongs to CANopen alone goes with it.
+void applyLineZeroType(ObjectDataBase &store, int type)
+{
+    if (type == LineType::Unknown)
+        return;
+    store.setGeneralSetting(QStringLiteral("line0type"), QString::number(type));
+    if (LineType::of(type).hasCANopen)
+        return;
+    for (const quint16 index : canopenOnlyObjects) {
+        if (store.indexExists(0, index))
+            store.deleteIndex(0, index);
+    }
+}
+
+/// A new project of the running edition; gives the reason why it has no template. Without a type
+/// line 0 is what the edition makes of it.
+QString makeNewProject(ObjectDataBase &store, int type)
+{
+    QString error = openTemplate(store);
+    applyLineZeroType(store, type);
+    store.setMiscSetting(QStringLiteral("CreateToolVersion"),
+                         QCoreApplication::applicationVersion());
+    if (store.getLineType(0) == LineType::Unknown) {
+        store.setGeneralSetting(QStringLiteral("line0type"),
+                                QString::number(Edition::defaultLineType()));
+    }
+    noteInitStructure(store);
+    return error;
+}
+
 } // namespace
 
 QString VxmMainWindow::folderOfDialogs()
@@ -117,9 +159,8 @@ void VxmMainWindow::showError(const QString &text, const QString &informativeTex
 
 void VxmMainWindow::on_actionNew_Project_triggered()
 {
-    if (!m_projectDirectory.isEmpty() && !closeCheck())
-        return;
-    newProject(ProtocolQuestion::Ask);
+    if (closeCheck())
+        newProject(ProtocolQuestion::Ask);
 }
 
 void VxmMainWindow::newProject()
@@ -127,48 +168,26 @@ void VxmMainWindow::newProject()
     newProject(ProtocolQuestion::Ask);
 }
 
+void VxmMainWindow::newProjectUnasked()
+{
+    newProject(ProtocolQuestion::Skip);
+}
+
 void VxmMainWindow::newProject(ProtocolQuestion question)
 {
     const QScopedValueRollback loading(m_loading, true);
     const UndoManager::Suspension suspension(*m_undoManager);
-    const QString source = templatePath();
-    const bool opened = m_database->openDataBase(source, true);
-    QString openError;
-    if (!opened) {
-        openError = m_database->lastErrorText();
-        // Whatever was open is not part of the new project.
-        m_database->createNewDataBase();
-    }
-    if (Edition::isCan() && question == ProtocolQuestion::Ask)
-        applyLineZeroType(askLineType(QStringLiteral("Select CAN protocol for line 0:")));
-    m_database->setMiscSetting(QStringLiteral("CreateToolVersion"),
-                               QCoreApplication::applicationVersion());
-    if (!opened)
-        showError(QStringLiteral("Cannot create new project file."), openError);
-
+    const bool asks = Edition::isCan() && question == ProtocolQuestion::Ask;
+    m_newProjectType = asks ? askLineType(QStringLiteral("Select CAN protocol for line 0:"))
+                            : int(LineType::Unknown);
+    const QString error = makeNewProject(*m_database, m_newProjectType);
+    if (!error.isEmpty())
+        showError(QStringLiteral("Cannot create new project file."), error);
     leaveProjectPath();
-    if (m_database->getLineType(0) == LineType::Unknown) {
-        m_database->setGeneralSetting(QStringLiteral("line0type"),
-                                      QString::number(Edition::defaultLineType()));
-    }
-    noteInitStructure(*m_database);
     selectLine(0);
     updateLinesComboBox();
     setModified(false);
     attachUndo();
-}
-
-void VxmMainWindow::applyLineZeroType(int type)
-{
-    if (type == LineType::Unknown)
-        return;
-    m_database->setGeneralSetting(QStringLiteral("line0type"), QString::number(type));
-    if (LineType::of(type).hasCANopen)
-        return;
-    for (const quint16 index : canopenOnlyObjects) {
-        if (m_database->indexExists(0, index))
-            m_database->deleteIndex(0, index);
-    }
 }
 
 // --- Open ---------------------------------------------------------------------------------------
@@ -188,7 +207,6 @@ bool VxmMainWindow::openProject(const QString &givenPath)
     const QScopedValueRollback loading(m_loading, true);
     // If the file can't be opened, the former project keeps its steps and gets no new one.
     const UndoManager::Suspension suspension(*m_undoManager);
-    ui->mpSelectLine->setCurrentIndex(0);
     const QString path = givenPath.isEmpty() ? givenPath : QFileInfo(givenPath).absoluteFilePath();
     if (!openStore(path))
         return false;
@@ -238,15 +256,9 @@ bool VxmMainWindow::openStore(const QString &path)
         const WaitCursor cursor;
         opened = m_database->openDataBase(path, true);
     }
-    const QString error = m_database->lastErrorText();
-    if (opened && error.isEmpty())
-        return true;
-    showError(message, error);
-    if (opened) {
-        // A text that can't be read leaves an empty project behind, which belongs to no file.
-        newProject(ProtocolQuestion::Skip);
-    }
-    return false;
+    if (!opened)
+        showError(message, m_database->lastErrorText());
+    return opened;
 }
 
 bool VxmMainWindow::acceptsForeignChanges()
@@ -320,7 +332,8 @@ void VxmMainWindow::takeProjectPath(const QString &path)
 void VxmMainWindow::finishOpenProcedure()
 {
     setActionEnabled("action_Import_File", true);
-    statusBar()->showMessage(QStringLiteral("%1 is open.").arg(m_projectBaseName), 5000);
+    statusBar()->showMessage(QStringLiteral("%1 is open.").arg(m_projectBaseName),
+                             messageMilliseconds);
     if (isVisible() && m_currentPage != nullptr)
         m_currentPage->setFocus(Qt::OtherFocusReason);
 }
@@ -385,20 +398,31 @@ void VxmMainWindow::on_actionSave_Project_triggered()
     }
     storePendingInput();
     warnOfUnappliedEnergyBus();
+    if (!saveStore(QString()))
+        return;
+    setModified(false);
+    noteSavedState();
+}
+
+/// Saves to a file, or to the project's own for an empty path; tells how that went.
+bool VxmMainWindow::saveStore(const QString &path)
+{
+    // The edits up to now are the step that a later undo comes back to.
+    m_undoManager->handleDebounceTimeout();
     bool saved = false;
     {
         const WaitCursor cursor;
         const UndoManager::Suspension suspension(*m_undoManager);
-        saved = m_database->saveDatabase();
+        saved = m_database->saveDatabase(path);
     }
     if (!saved) {
         showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
-        return;
+        return false;
     }
-    setModified(false);
     m_savedHere = true;
-    noteSavedContent();
-    statusBar()->showMessage(QStringLiteral("%1 is saved.").arg(m_projectBaseName), 5000);
+    const QFileInfo file(m_database->projectPath());
+    statusBar()->showMessage(tr("%1 is saved.").arg(file.fileName()), messageMilliseconds);
+    return true;
 }
 
 void VxmMainWindow::on_actionSave_Project_as_triggered()
@@ -414,18 +438,9 @@ void VxmMainWindow::on_actionSave_Project_as_triggered()
                                 QStringList{projectFilter, textFilter}.join(filterSeparator));
     if (path.isEmpty())
         return;
-    bool saved = false;
-    {
-        const WaitCursor cursor;
-        const UndoManager::Suspension suspension(*m_undoManager);
-        saved = m_database->saveDatabase(path);
-    }
-    if (!saved) {
-        showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
+    if (!saveStore(path))
         return;
-    }
     takeProjectPath(path);
-    m_savedHere = true;
     attachUndo();
 }
 
@@ -435,9 +450,14 @@ void VxmMainWindow::on_actionClose_Project_triggered()
         newProject(ProtocolQuestion::Skip);
 }
 
-/// The project as the file on disk holds it; false, with the reason, if it can't be read.
+/// The project as the file on disk holds it, or as a project that was never saved has begun; false,
+/// with the reason, if the file can't be read.
 bool VxmMainWindow::openSavedProject(ObjectDataBase &saved, QString &error) const
 {
+    if (m_projectFilePath.isEmpty()) {
+        makeNewProject(saved, m_newProjectType);
+        return true;
+    }
     const bool opened = saved.openDataBase(m_projectFilePath, true);
     error = saved.lastErrorText();
     if (!opened || !error.isEmpty()) {
@@ -463,8 +483,7 @@ int VxmMainWindow::countModifications(QString &readError)
     const bool isReadable = openSavedProject(*saved, readError);
     if (m_projectDiff == nullptr)
         m_projectDiff = new ProjectDiffDialog(this);
-    const int count =
-        m_projectDiff->compare(m_database, saved, QDir::toNativeSeparators(m_projectFilePath));
+    const int count = m_projectDiff->compare(m_database, saved, ui->lblPath->text());
     return isReadable ? count : qMax(1, count);
 }
 
@@ -473,7 +492,7 @@ bool VxmMainWindow::closeCheck()
     if (m_database == nullptr)
         return true;
     storePendingInput();
-    if (!isModified() || m_projectFilePath.isEmpty())
+    if (!isModified())
         return true;
     QString readError;
     const int count = countModifications(readError);

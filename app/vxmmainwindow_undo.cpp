@@ -15,6 +15,11 @@ void VxmMainWindow::makeUndo()
     connect(m_undoManager, &UndoManager::canRedoChanged, this, &VxmMainWindow::updateUndoActions);
     connect(m_undoManager, &UndoManager::historyLimitReached, this,
             &VxmMainWindow::handleUndoLimitReached);
+    connect(m_undoManager, &UndoManager::switchedOff, this, [this] {
+        statusBar()->showMessage(
+            tr("Undo is switched off until a project is opened: no copy of this one could be "
+               "made."));
+    });
     connect(m_undoManager, &UndoManager::restored, this, &VxmMainWindow::projectRestored);
     updateUndoActions();
 }
@@ -23,15 +28,16 @@ void VxmMainWindow::makeUndo()
 void VxmMainWindow::attachUndo()
 {
     m_undoManager->setDatabase(m_database);
-    m_openedState = m_undoManager->currentState();
-    m_savedContent.clear();
+    m_correctedState.clear();
+    noteSavedState();
 }
 
-/// Only after a save: opening a file may have changed what its hash stands for.
-void VxmMainWindow::noteSavedContent()
+/// A step back to the state that is there now needs no saving. What a run has corrected is part of
+/// no step: a step would come back without it.
+void VxmMainWindow::noteSavedState()
 {
-    m_openedState.clear();
-    m_savedContent = m_database->getMiscSetting(QStringLiteral("FileHash"));
+    const QString state = m_undoManager->currentState();
+    m_savedState = state != m_correctedState ? state : QString();
 }
 
 void VxmMainWindow::updateUndoActions()
@@ -60,27 +66,37 @@ void VxmMainWindow::takeUndoStep(void (UndoManager::*step)(),
         return;
     // What is still being typed is the newest edit, and would be lost when the pages reload.
     storePendingInput();
+    const QList<quint8> formerLines = projectLines();
     bool done = false;
     const QMetaObject::Connection watch =
         connect(m_undoManager, &UndoManager::restored, this, [&done] { done = true; });
     (m_undoManager->*step)();
     disconnect(watch);
-    if (done)
+    if (done) {
+        showLineBeside(formerLines);
         statusBar()->showMessage(doneText, messageMilliseconds);
-    else if (m_undoManager->isBlocked())
+    } else if (m_undoManager->isBlocked()) {
         statusBar()->showMessage(QStringLiteral("The project is being changed. Try again later."),
                                  messageMilliseconds);
-    else if ((m_undoManager->*isPossible)())
+    } else if ((m_undoManager->*isPossible)()) {
         statusBar()->showMessage(failedText.arg(m_database->lastErrorText()));
+    }
+}
+
+/// Goes to the line that a step has brought, as adding it did.
+void VxmMainWindow::showLineBeside(const QList<quint8> &formerLines)
+{
+    updateLinesComboBox();
+    const QList<quint8> lines = projectLines();
+    if (!lines.isEmpty() && !formerLines.contains(lines.last()))
+        selectLine(lines.last());
 }
 
 void VxmMainWindow::projectRestored()
 {
     // The store's notification has marked the project as modified. Back at what the file holds
     // there is nothing to save.
-    const bool isOpened =
-        !m_openedState.isEmpty() && m_undoManager->currentState() == m_openedState;
-    if (isOpened || (!m_savedContent.isEmpty() && m_database->contentHash() == m_savedContent))
+    if (!m_savedState.isEmpty() && m_undoManager->currentState() == m_savedState)
         setModified(false);
 }
 

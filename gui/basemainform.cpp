@@ -43,6 +43,11 @@ void BaseMainForm::doAction(int)
                               QString(), QMessageBox::Ok, QMessageBox::Warning);
 }
 
+bool BaseMainForm::canDoAction(int) const
+{
+    return false;
+}
+
 void BaseMainForm::updateDataSlot(ObjectDataBase::ChangeSet modification)
 {
     if (m_guard)

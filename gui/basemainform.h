@@ -26,11 +26,15 @@ public:
     virtual bool setDatabase(const std::shared_ptr<ObjectDataBase> &database);
     /// By default a box tells that the form has no such command.
     virtual void doAction(int action);
+    /// Whether `doAction` has something to do now; what can't be done is not offered.
+    [[nodiscard]] virtual bool canDoAction(int action) const;
     /// The line whose data the page shows from now on.
     virtual void setLine(quint8 line) { m_line = line; }
 
 signals:
     void newDatabase();
+    /// What `canDoAction` answers may have changed.
+    void actionsChanged();
 
 public slots:
     /// The form brings itself up to date.

@@ -217,6 +217,7 @@ bool UndoManager::takeSnapshot()
     QFile::remove(path); // a full disk leaves half of it behind
     m_disabled = true;
     clear();
+    emit switchedOff();
     return false;
 }
 

@@ -89,6 +89,8 @@ signals:
     void historyLimitReached();
     /// Undo or redo has replaced the store's content.
     void restored();
+    /// A snapshot could not be taken: there is no undo until the next `setDatabase`.
+    void switchedOff();
 
 private:
     bool takeSnapshot();

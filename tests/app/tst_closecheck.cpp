@@ -162,6 +162,46 @@ private slots:
         QCOMPARE(session.store->contentHash(), before);
     }
 
+    void aNewProjectIsComparedWithItsBegin_data()
+    {
+        QTest::addColumn<QString>("edition");
+        QTest::addColumn<QString>("protocol");
+        QTest::newRow("CANopen") << canopenEdition << QString();
+        QTest::newRow("J1939") << j1939Edition << QString();
+        QTest::newRow("EnergyBus") << energyBusEdition << QString();
+        QTest::newRow("CAN, J1939") << canEdition << u"btnJ1939"_s;
+        QTest::newRow("CAN, both") << canEdition << u"btnCANopenCAN"_s;
+    }
+
+    void aNewProjectIsComparedWithItsBegin()
+    {
+        QFETCH(QString, edition);
+        QFETCH(QString, protocol);
+        QCoreApplication::setApplicationName(edition);
+        if (!protocol.isEmpty())
+            queueProtocol(protocol);
+        Session session;
+        session.window.newProject();
+        GuiHelper::takeShownBoxes(); // there may be no template
+        QVERIFY(session.window.closeCheck());
+        session.store->addIndex(0, 0x2000, {});
+        session.store->deleteIndex(0, 0x2000);
+        QVERIFY(session.window.isModified());
+        QVERIFY(session.window.closeCheck());
+
+        setNodeId(session, u"9"_s);
+        GuiHelper::queueAnswer(QMessageBox::Save);
+        GuiHelper::queueFileName(QString()); // cancelled
+        session.trigger("actionNew_Project");
+        QCOMPARE(session.store->getGeneralSetting(u"co_node_id"_s), u"9"_s);
+        GuiHelper::queueAnswer(QMessageBox::Save);
+        GuiHelper::queueFileName(file(u"kept.vxmp"_s));
+        QVERIFY(session.window.closeCheck());
+        QCOMPARE(ProjectFixture::generalSetting(file(u"kept.vxmp"_s), u"co_node_id"_s), u"9"_s);
+        const QString question = u"The current project contains 1 unsaved modifications."_s;
+        QCOMPARE(shownTexts(), (QStringList{question, question}));
+    }
+
     /// What opening corrects is none of the user's modifications.
     void correctionsOfOlderProjectsDoNotCount()
     {

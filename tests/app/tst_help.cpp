@@ -505,11 +505,11 @@ private slots:
         field.home(false);
         actionOf(session, "actionDelete")->trigger();
         QCOMPARE(field.text(), u"alue"_s);
-        // A text that can't be changed leaves it to the page, which says that it has no such thing.
+        // A text that can't be changed leaves it to the page, which has no such thing.
         field.setReadOnly(true);
         actionOf(session, "actionPaste")->trigger();
         actionOf(session, "actionDuplicate")->trigger();
-        QCOMPARE(GuiHelper::takeShownBoxes().size(), 2);
+        QVERIFY(GuiHelper::takeShownBoxes().isEmpty());
         QCOMPARE(field.text(), u"alue"_s);
     }
 

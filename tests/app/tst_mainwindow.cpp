@@ -1,6 +1,13 @@
+#include "app/generatoroutputform.h"
+#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
 #include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QLineEdit>
+#include <QScreen>
+#include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
 using namespace WindowParts;
@@ -44,16 +51,100 @@ private slots:
         {
             Session session;
             session.window.show();
-            session.window.resize(900, 600);
+            session.window.resize(740, 600);
             session.window.move(40, 50);
             QVERIFY(session.window.close());
         }
         Session again;
-        QCOMPARE(again.window.size(), QSize(900, 600));
+        QCOMPARE(again.window.size(), QSize(740, 600));
         QCOMPARE(again.window.pos(), QPoint(40, 50));
         again.window.move(90000, 90000);
         again.window.bringOntoScreen();
         QCOMPARE(again.window.pos(), QPoint(100, 30));
+    }
+
+    void theRestoredWindowFitsTheScreen_data()
+    {
+        QTest::addColumn<QRect>("saved");
+        QTest::newRow("too large") << QRect(0, 0, 5000, 4000);
+        QTest::newRow("over the edge") << QRect(700, 700, 600, 500);
+        QTest::newRow("on no screen") << QRect(9000, -500, 700, 500);
+    }
+
+    void theRestoredWindowFitsTheScreen()
+    {
+        QFETCH(QRect, saved);
+        UserSettings settings;
+        settings.setValue(u"Geometry/size"_s, saved.size());
+        settings.setValue(u"Geometry/pos"_s, saved.topLeft());
+        settings.sync();
+        Session session;
+        const QRect available = session.window.screen()->availableGeometry();
+        const QRect place(session.window.pos(), session.window.size());
+        QVERIFY2(available.contains(place), qPrintable(QDebug::toString(place)));
+    }
+
+    void editCommandsAreOfferedWhereTheyWork()
+    {
+        QGuiApplication::clipboard()->setText(u"42"_s);
+        Session session;
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        const auto offered = [&] {
+            QString commands;
+            for (const char *name :
+                 {"actionCut", "actionCopy", "actionPaste", "actionDelete", "actionDuplicate"})
+                commands += session.action(name)->isEnabled() ? u'x' : u'-';
+            return commands;
+        };
+        QLineEdit field(u"text"_s, session.window.centralWidget());
+        session.window.show();
+        session.window.activateWindow();
+        session.lines()->setFocus();
+        QTRY_COMPARE(offered(), u"-----"_s);
+        field.show();
+        field.setFocus();
+        field.end(false);
+        QTRY_COMPARE(offered(), u"--x--"_s);
+        field.selectAll();
+        QCOMPARE(offered(), u"xxxx-"_s);
+        field.setReadOnly(true);
+        QCOMPARE(offered(), u"-x---"_s);
+        session.lines()->setFocus();
+        QCOMPARE(offered(), u"-----"_s);
+
+        auto *pane = session.window.findChild<GeneratorOutputForm *>();
+        pane->appendLogging(u"message"_s);
+        (void)pane->getLogging();
+        auto *text = pane->findChild<QTextBrowser *>(u"tbLogging"_s);
+        text->selectAll();
+        QCOMPARE(offered(), u"-x---"_s);
+        session.trigger("actionCopy");
+        QVERIFY(QGuiApplication::clipboard()->text().contains(u"message"_s));
+        QCOMPARE(shownTexts(), QStringList());
+    }
+
+    /// Who goes through the window by the keyboard sees where he is.
+    void everyTabStopShowsTheFocus()
+    {
+        Session session;
+        session.window.show();
+        session.window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&session.window));
+        int stops = 0;
+        session.lines()->setFocus();
+        QTest::keyClick(session.lines(), Qt::Key_Tab); // from now on it goes by the keyboard
+        QWidget *first = QApplication::focusWidget();
+        QWidget *widget = first;
+        do {
+            QVERIFY(widget != nullptr);
+            const QImage focused = widget->grab().toImage();
+            QTest::keyClick(widget, Qt::Key_Tab);
+            QWidget *next = QApplication::focusWidget();
+            QVERIFY2(next == widget || widget->grab().toImage() != focused,
+                     qPrintable(QDebug::toString(widget)));
+            widget = next;
+        } while (widget != first && ++stops < 50);
+        QVERIFY(stops >= 2 && stops < 50);
     }
 
     void theWindowFitsASmallScreen()

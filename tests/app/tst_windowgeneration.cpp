@@ -38,6 +38,7 @@ private slots:
         const auto *pane = session.window.findChild<GeneratorOutputForm *>();
         const QString log = pane->getLogging();
         QVERIFY2(log.contains(u"Generation of device completed."_s), qPrintable(log));
+        QCOMPARE(session.status(), u"Generation of device completed."_s);
         QVERIFY(log.contains(QRegularExpression(u"\\n\\n\\d\\d:\\d\\d:\\d\\d: Check of model"_s)));
         QVERIFY(QFile::exists(file(u"device.eds"_s)));
         QVERIFY(QApplication::overrideCursor() == nullptr);
@@ -106,6 +107,8 @@ private slots:
         QCOMPARE(session.window.windowTitle(),
                  u"tolvex device systems - CANopen Quillforge 4.3.3 invoked by CANopen Tessmark "
                  "for Node 32 (network 3)"_s);
+        session.edit();
+        QVERIFY(session.window.isModified() && !session.window.isWindowModified());
         for (const char *name : {"actionNew_Project", "actionOpen_Project", "actionClose_Project",
                                  "actionGenerate_Output"}) {
             QVERIFY(!session.window.findChild<QAction *>(QLatin1String(name))->isEnabled());

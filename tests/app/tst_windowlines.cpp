@@ -57,6 +57,35 @@ private slots:
                                             u"Do you want to delete this line?"_s}));
     }
 
+    void onlyAChoiceFromTheListStartsAFlow()
+    {
+        Session session;
+        session.store->addNode(1, {});
+        session.window.updateLinesComboBox();
+        session.window.show();
+        QComboBox &box = *session.lines();
+        QWheelEvent wheel(QPointF(5, 5), box.mapToGlobal(QPointF(5, 5)), {}, QPoint(0, -120),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(&box, &wheel);
+        QCOMPARE(session.window.currentLine(), 0);
+        // The keys go no farther than the lines.
+        for (const Qt::Key key : {Qt::Key_Down, Qt::Key_Down, Qt::Key_End, Qt::Key_D})
+            QTest::keyClick(&box, key);
+        QCOMPARE(session.window.currentLine(), 1);
+        QTest::keyClick(&box, Qt::Key_Up);
+        QCOMPARE(session.window.currentLine(), 0);
+        QCOMPARE(shownTexts(), QStringList());
+
+        // Enter without a thought deletes nothing.
+        session.choose(254);
+        const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
+        QCOMPARE(boxes.size(), 1);
+        QCOMPARE(boxes[0].defaultButton, QMessageBox::No);
+        QVERIFY(boxes[0].informativeText.startsWith(u"Line 1 - "_s));
+        QVERIFY(session.store->lineExists(1));
+        QCOMPARE(box.currentData().toInt(), 0);
+    }
+
     void mandatoryObjectsComeFromTheLibrary()
     {
         QCoreApplication::setApplicationName(canEdition);

@@ -54,7 +54,7 @@ private slots:
         QVERIFY(!session.store->indexExists(0, 0x2000));
         QCOMPARE(session.path()->text(), u"new project"_s);
         QVERIFY(!session.window.isModified());
-        QVERIFY(session.window.windowTitle().startsWith(u"newproject"_s));
+        QCOMPARE(session.window.windowTitle(), u"newproject[*] - %1  4.3.3"_s.arg(edition));
         QCOMPARE(session.lines()->itemText(0),
                  u"Line 0 - %1"_s.arg(QLatin1String(LineType::of(type).label)));
     }
@@ -73,10 +73,11 @@ private slots:
         QCOMPARE(RecentProjects::entries().value(0).path, path);
 
         session.store->setGeneralSetting(u"co_node_id"_s, u"7"_s);
-        QVERIFY(session.window.isModified());
+        QVERIFY(session.window.isModified() && session.window.isWindowModified());
         QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"32"_s);
         session.trigger("actionSave_Project");
-        QVERIFY(!session.window.isModified());
+        QVERIFY(!session.window.isModified() && !session.window.isWindowModified());
+        QCOMPARE(session.status(), u"device.vxmp is saved."_s);
         QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"7"_s);
         QVERIFY(GuiHelper::takeShownBoxes().isEmpty());
     }
@@ -102,6 +103,7 @@ private slots:
         QTest::newRow("another suffix") << u"a.db"_s << QByteArray("x");
         QTest::newRow("no suffix") << u"device"_s << QByteArray("x");
         QTest::newRow("no database") << u"a.vxmp"_s << QByteArray(5000, 'x');
+        QTest::newRow("no text project") << u"a.vxmt"_s << QByteArray("no project");
         QTest::newRow("no path") << QString() << QByteArray();
     }
 
@@ -117,6 +119,8 @@ private slots:
         const QString good = project(u"good.vxmp"_s);
         Session session;
         QVERIFY(session.window.openProject(good));
+        session.store->addNode(1, {});
+        session.window.selectLine(1);
         const QString bad = name.isEmpty() ? name : file(name);
         QVERIFY(!session.window.openProject(bad));
 
@@ -126,6 +130,7 @@ private slots:
         QCOMPARE(boxes[0].title, canopenEdition + u"  4.3.3"_s);
         QCOMPARE(session.path()->text(), QDir::toNativeSeparators(good));
         QVERIFY(session.store->indexExists(0, 0x2000));
+        QCOMPARE(session.window.currentLine(), 1);
         session.edit();
         session.trigger("actionSave_Project");
         ObjectDataBase reopened;
@@ -261,6 +266,18 @@ private slots:
         session.trigger("actionSave_Project"); // has no path yet
         QVERIFY(QFile::exists(file(u"first.vxmp"_s)));
         QCOMPARE(session.window.projectBaseName(), u"first"_s);
+        QCOMPARE(session.status(), u"first.vxmp is saved."_s);
+
+        // A name that leads to another file by its suffix replaces nothing without a question.
+        QVERIFY(!project(u"device 2.1.vxmp"_s).isEmpty());
+        GuiHelper::queueFileName(file(u"device 2.1"_s));
+        GuiHelper::queueAnswer(QMessageBox::No);
+        GuiHelper::queueFileName(QString());
+        session.trigger("actionSave_Project_as");
+        QCOMPARE(shownTexts().last(),
+                 u"device 2.1.vxmp already exists.\nDo you want to replace it?"_s);
+        QCOMPARE(session.window.projectBaseName(), u"first"_s);
+
         GuiHelper::queueFileName(file(u"second.vxmt"_s));
         session.trigger("actionSave_Project_as");
         QVERIFY(!session.window.isModified());

@@ -3,6 +3,7 @@
 #include "tests/app/windowtest.h"
 
 #include <QAction>
+#include <QMessageBox>
 #include <QStandardPaths>
 #include <QStatusBar>
 #include <QTimer>
@@ -16,10 +17,18 @@ class TestWindowUndo : public WindowTest
     Q_OBJECT
 
 private slots:
+    void undoFollowsTheProject_data()
+    {
+        QTest::addColumn<QString>("suffix");
+        QTest::newRow("database") << u"vxmp"_s;
+        QTest::newRow("text") << u"vxmt"_s;
+    }
+
     void undoFollowsTheProject()
     {
+        QFETCH(QString, suffix);
         UserSettings::setGeneral(u"undomaxdepth"_s, 2);
-        const QString path = project(u"device.vxmp"_s);
+        const QString path = project(u"device."_s + suffix);
         Session session;
         const auto *undo = session.window.findChild<QAction *>(u"actionUndo"_s);
         const auto *redo = session.window.findChild<QAction *>(u"actionRedo"_s);
@@ -58,7 +67,9 @@ private slots:
         session.trigger("actionUndo");
         QVERIFY(session.window.isModified());
         QCOMPARE(nodeId(), u"32"_s);
-        QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"7"_s);
+        ObjectDataBase saved;
+        QVERIFY(saved.openDataBase(path));
+        QCOMPARE(saved.getGeneralSetting(u"co_node_id"_s), u"7"_s);
 
         for (const auto &value : {u"9"_s, u"10"_s, u"11"_s})
             session.step(value);
@@ -86,6 +97,47 @@ private slots:
         QVERIFY(undo->isEnabled());
         session.trigger("actionUndo");
         QCOMPARE(session.store->getGeneralSetting(u"co_node_id"_s), u"7"_s);
+    }
+
+    void aStepShowsTheLineThatItBrings()
+    {
+        Session session;
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        GuiHelper::queueAnswer(QMessageBox::Yes);
+        session.choose(255);
+        session.steps().handleDebounceTimeout();
+        QCOMPARE(session.window.currentLine(), 1);
+        session.trigger("actionUndo");
+        QTRY_COMPARE(session.window.currentLine(), 0);
+        session.trigger("actionRedo");
+        QCOMPARE(session.window.currentLine(), 1);
+        QCOMPARE(session.lines()->currentData().toInt(), 1);
+    }
+
+    void aStateBesideACorrectionIsModified()
+    {
+        Session session({u"-hidden"_s});
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        session.step(u"7"_s);
+        session.step(u"8"_s);
+        session.window.projectCorrectionDone(); // saves
+        QVERIFY(!session.window.isModified());
+        session.trigger("actionUndo");
+        session.trigger("actionRedo");
+        QVERIFY(session.window.isModified()); // the correction is in the file alone
+    }
+
+    void theEndOfUndoIsTold()
+    {
+        Session session;
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+        const QString folder = data + u"/undo_%1"_s.arg(QCoreApplication::applicationPid());
+        QVERIFY(QDir(folder).removeRecursively());
+        session.step(u"7"_s);
+        QVERIFY2(session.status().startsWith(u"Undo is switched off"_s),
+                 qPrintable(session.status()));
+        QVERIFY(QDir().mkpath(folder)); // for the test functions behind this one
     }
 
     void aLostSnapshotIsTold()

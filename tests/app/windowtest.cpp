@@ -29,6 +29,12 @@ void Session::trigger(const char *action)
     found->trigger();
 }
 
+void Session::choose(int data)
+{
+    lines()->setCurrentIndex(lines()->findData(data));
+    emit lines()->activated(lines()->currentIndex());
+}
+
 void Session::step(const QString &nodeId)
 {
     store->setGeneralSetting(u"co_node_id"_s, nodeId);

@@ -4,8 +4,10 @@
 #include "store/undomanager.h"
 #include "tests/app/projectfixture.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QLabel>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -29,7 +31,10 @@ struct Session
     void trigger(const char *action);
     QLabel *path() { return window.findChild<QLabel *>(u"lblPath"_s); }
     QComboBox *lines() { return window.findChild<QComboBox *>(u"mpSelectLine"_s); }
-    void choose(int data) { lines()->setCurrentIndex(lines()->findData(data)); }
+    /// Chooses an entry in the open list of the line box.
+    void choose(int data);
+    QAction *action(const char *name) { return window.findChild<QAction *>(QLatin1String(name)); }
+    QString status() { return window.statusBar()->currentMessage(); }
     UndoManager &steps() { return *window.findChild<UndoManager *>(); }
     /// An edit that is an undo step at once.
     void step(const QString &nodeId);
