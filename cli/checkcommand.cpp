@@ -6,6 +6,7 @@
 #include "cli/projectaccess.h"
 #include "generation/generatormainhandler.h"
 #include "generation/plaintextoutputhandler.h"
+#include "store/objectdatabase.h"
 
 #include <QFileInfo>
 
@@ -44,7 +45,8 @@ QString CheckCommand::description() const
     return QStringLiteral(
         "Runs the same model check that stands before a generation. The project file is\n"
         "not changed: what the check corrects by itself is only listed. json and sarif\n"
-        "also hold the warnings that the project suppresses, marked as such.");
+        "also hold the warnings that the project suppresses, marked as such. A note tells\n"
+        "of a project that something else has changed since it was saved.");
 }
 
 QList<CommandArgument> CheckCommand::arguments() const
@@ -76,6 +78,7 @@ ExitCode CheckCommand::run(const CommandCall &call, Console &console) const
     }
     CheckReport report{.projectPath = QFileInfo(path).absoluteFilePath(),
                        .errorCount = handler.checkModel(),
+                       .isExternallyModified = handler.store()->wasExternallyModified(),
                        .findings = {}};
     report.findings = handler.modelChecker()->findings();
     for (const Format &format : formats()) {

@@ -122,6 +122,8 @@ int suppressedCount(const CheckReport &report)
 QByteArray text(const CheckReport &report)
 {
     QString lines;
+    if (report.isExternallyModified)
+        lines += placeText({}) + QLatin1String(": ") + externalChangeNote + u'\n';
     for (const CheckFinding &finding : report.findings) {
         if (!finding.suppressed)
             lines += QStringLiteral("%1: %2 [%3]\n")

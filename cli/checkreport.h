@@ -9,10 +9,15 @@
 /// What a check of a project has found.
 struct CheckReport
 {
-    QString projectPath; ///< absolute
-    int errorCount = 0;  ///< as the model check counts; some messages count as one
+    QString projectPath;               ///< absolute
+    int errorCount = 0;                ///< as the model check counts; some messages count as one
+    bool isExternallyModified = false; ///< by something else than this tool, since it was saved
     QList<CheckFinding> findings;
 };
+
+/// What is told of a project that something else has changed since it was saved.
+inline const QString externalChangeNote =
+    QStringLiteral("Note: The project was changed by something else since it was saved.");
 
 /// A kind of finding, as a build server lists it.
 struct CheckRule

@@ -1,5 +1,6 @@
 #include "cli/generatecommand.h"
 
+#include "cli/checkreport.h"
 #include "cli/console.h"
 #include "cli/projectaccess.h"
 #include "generation/generatormainhandler.h"
@@ -85,7 +86,10 @@ QString GenerateCommand::description() const
         "The messages of the run go to standard output as they come. Errors of the model\n"
         "check stop the run before the first file, unless they are to be ignored. With\n"
         "-o nothing is written beside the project; a missing folder is made. A file that\n"
-        "can't be written does not stop the run but shows in the exit code.");
+        "can't be written, or that this version can't make, does not stop the run but\n"
+        "shows in the exit code. The code is for the stack generation V4, whatever the\n"
+        "project is set to. A note tells of a project that something else has changed\n"
+        "since it was saved.");
 }
 
 QList<CommandArgument> GenerateCommand::arguments() const
@@ -126,6 +130,8 @@ ExitCode GenerateCommand::run(const CommandCall &call, Console &console) const
         }
         handler.setOutputFolder(folder);
     }
+    if (handler.store()->wasExternallyModified())
+        output.outputMessage(externalChangeNote);
     const QString virtualObjects =
         handler.store()->getGeneralSetting(QStringLiteral("special_virtual_objects"));
     handler.setVirtualObjects(virtualObjects.toInt() != 0);

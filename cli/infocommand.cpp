@@ -31,6 +31,7 @@ struct ProjectInfo
     QString createdWith;
     QString savedWith;
     QString schemaVersion;
+    QString stackGeneration;
     QStringList suppressedGroups;
     bool isExternallyModified = false;
     QList<LineInfo> lines;
@@ -109,6 +110,7 @@ ProjectInfo readProject(const std::shared_ptr<ObjectDataBase> &store, const QStr
                      .createdWith = toolText(*store, "CreateToolName", "CreateToolVersion"),
                      .savedWith = toolText(*store, "SaveToolType", "SaveToolVersion"),
                      .schemaVersion = store->getMiscSetting(QStringLiteral("DatabaseVersion")),
+                     .stackGeneration = facts.stackGeneration(),
                      .suppressedGroups =
                          ModelChecker::formatWarningGroups(groups).split(u',', Qt::SkipEmptyParts),
                      .isExternallyModified = store->wasExternallyModified(),
@@ -124,6 +126,14 @@ QString row(const QString &title, const QString &value)
                                          value.isEmpty() ? QStringLiteral("-") : value);
 }
 
+/// The generation that the project is set to is not always the one that `generate` writes.
+QString stackText(const QString &generation)
+{
+    return generation == QLatin1String("V4")
+               ? generation
+               : generation + QLatin1String(" (quillforge-cli generate writes V4)");
+}
+
 QString asText(const ProjectInfo &info)
 {
     QString text =
@@ -132,6 +142,7 @@ QString asText(const ProjectInfo &info)
         row(QStringLiteral("Created with"), info.createdWith) +
         row(QStringLiteral("Saved with"), info.savedWith) +
         row(QStringLiteral("Database version"), info.schemaVersion) +
+        row(QStringLiteral("Stack generation"), stackText(info.stackGeneration)) +
         row(QStringLiteral("Changed elsewhere"),
             info.isExternallyModified ? QStringLiteral("yes, not saved by this tool the last time")
                                       : QStringLiteral("no")) +
@@ -184,6 +195,7 @@ QString asJson(const ProjectInfo &info)
                            {QStringLiteral("createdWith"), info.createdWith},
                            {QStringLiteral("savedWith"), info.savedWith},
                            {QStringLiteral("databaseVersion"), info.schemaVersion},
+                           {QStringLiteral("stackGeneration"), info.stackGeneration},
                            {QStringLiteral("externallyModified"), info.isExternallyModified},
                            {QStringLiteral("suppressedWarningGroups"),
                             QJsonArray::fromStringList(info.suppressedGroups)},
@@ -206,8 +218,9 @@ QString InfoCommand::summary() const
 QString InfoCommand::description() const
 {
     return QStringLiteral(
-        "Shows the tools that made and saved the project, whether another program has\n"
-        "changed it since, and for each line its protocols and how much it holds.");
+        "Shows the tools that made and saved the project, the stack generation it is set\n"
+        "to, whether another program has changed it since it was saved, and for each line\n"
+        "its protocols and how much it holds.");
 }
 
 QList<CommandArgument> InfoCommand::arguments() const

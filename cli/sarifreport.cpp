@@ -139,7 +139,9 @@ QByteArray CheckReports::sarif(const CheckReport &report)
         {QStringLiteral("tool"), QJsonObject{{QStringLiteral("driver"), driverObject()}}},
         {QStringLiteral("columnKind"), QStringLiteral("utf16CodeUnits")},
         {QStringLiteral("artifacts"), QJsonArray{artifact}},
-        {QStringLiteral("results"), results}};
+        {QStringLiteral("results"), results},
+        {QStringLiteral("properties"),
+         QJsonObject{{QStringLiteral("externallyModified"), report.isExternallyModified}}}};
     const QJsonObject root{
         {QStringLiteral("$schema"),
          QStringLiteral(

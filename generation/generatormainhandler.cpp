@@ -88,6 +88,7 @@ void GeneratorMainHandler::setProject(const std::shared_ptr<ObjectDataBase> &sto
                                       const QString &outputFolder, const QString &projectName)
 {
     m_facts.store = store;
+    m_openedGeneration.clear();
     m_facts.outputFolder = outputFolder;
     m_facts.projectFolder = outputFolder;
     m_facts.projectName = projectName;
@@ -116,6 +117,7 @@ bool GeneratorMainHandler::openProject(const QString &filePath)
     m_facts.projectFolder = file.absolutePath();
     m_facts.outputFolder = m_facts.projectFolder;
     m_facts.projectName = file.completeBaseName();
+    m_openedGeneration = m_facts.stackGeneration();
     m_facts.store->setGeneralSetting(QStringLiteral("new_init_structure"), QStringLiteral("1"));
     m_facts.store->setGeneralSetting(QStringLiteral("use_core_headers"), QStringLiteral("V4"));
     return true;
@@ -208,6 +210,7 @@ GeneratorMainHandler::GeneratorResult GeneratorMainHandler::run(bool ignoreCheck
                     .arg(m_facts.outputFolder));
         return FolderNotWritable;
     }
+    message(stackGenerationText());
     if (!writeOutputs())
         return SrdoFailed;
     m_facts.store->clearSubCaches();
@@ -243,6 +246,16 @@ bool GeneratorMainHandler::isOutputFolderWritable() const
     return folder.isDir() && folder.isWritable() && (folder.permissions() & writeBits);
 }
 
+QString GeneratorMainHandler::stackGenerationText() const
+{
+    const QString written = m_facts.stackGeneration();
+    if (m_openedGeneration.isEmpty() || m_openedGeneration == written)
+        return tr("Stack generation: %1, as the project is set.").arg(written);
+    return tr("Stack generation: %1, which is what the command line program writes; the project is "
+              "set to %2.")
+        .arg(written, m_openedGeneration);
+}
+
 bool GeneratorMainHandler::writeOutputs()
 {
     const QList<OutputRow> &rows = outputList();
@@ -270,6 +283,10 @@ bool GeneratorMainHandler::writeRow(const OutputRow &row, quint8 line)
 {
     if (!isMadeFor(row.lines, m_facts, line) || !row.applies(m_facts))
         return true;
+    if (row.missing) {
+        tellFailure(QLatin1String(row.missing), tr("This version can't make it yet."));
+        return true;
+    }
     if (row.action) {
         tellAction(row, row.action(m_facts));
         return true;
@@ -390,16 +407,20 @@ void GeneratorMainHandler::generatorProgress(quint8 progress)
     if (label.isEmpty())
         label = QStringLiteral("output");
     if (generator && generator->errorCode() != 0) {
-        const QString text =
-            QStringLiteral("Generation of %1 failed. %2").arg(label, generator->errorString());
-        m_faults.append({OutputFault::Failed, text});
-        message(QStringLiteral("<b>ERROR - %1</b>").arg(text));
+        tellFailure(label, generator->errorString());
         return;
     }
     QString version;
     if (generator && label.startsWith(QLatin1String("gen_sdg.c")))
         version = QStringLiteral("(%1)").arg(generator->generatorVersionText());
     message(QStringLiteral("Generation of %1 completed. %2").arg(label, version));
+}
+
+void GeneratorMainHandler::tellFailure(const QString &label, const QString &reason)
+{
+    const QString text = QStringLiteral("Generation of %1 failed. %2").arg(label, reason);
+    m_faults.append({OutputFault::Failed, text});
+    message(QStringLiteral("<b>ERROR - %1</b>").arg(text));
 }
 
 void GeneratorMainHandler::requestStop()

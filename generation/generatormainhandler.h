@@ -115,6 +115,8 @@ private:
     bool writeOutputs();
     bool writeRow(const OutputRow &row, quint8 line);
     void tellAction(const OutputRow &row, bool done);
+    void tellFailure(const QString &label, const QString &reason);
+    [[nodiscard]] QString stackGenerationText() const;
     bool runJob(const OutputRow &row, OutputJob &job, quint8 line);
     void applyUpgrades();
     void message(const QString &text);
@@ -126,6 +128,7 @@ private:
     QList<OutputFault> m_faults;
     QString m_projectFilePath;
     QString m_openErrorText;
+    QString m_openedGeneration; ///< that an opened project was set to
     bool m_skipEdsCheck = false;
     bool m_quiet = false;
     bool m_isRunning = false;

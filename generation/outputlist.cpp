@@ -19,6 +19,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
+
 namespace {
 
 // --- Conditions -----------------------------------------------------------------------------
@@ -38,6 +40,32 @@ bool whenSignals(const RunFacts &facts)
 {
     return facts.protocols.testAnyFlags(Protocol::J1939 | Protocol::RawCAN) &&
            !facts.bootLoaderOnly;
+}
+
+bool whenJ1939OrRawCan(const RunFacts &facts)
+{
+    return facts.protocols.testAnyFlags(Protocol::J1939 | Protocol::RawCAN);
+}
+
+bool whenJ1939(const RunFacts &facts)
+{
+    return facts.protocols.testFlag(Protocol::J1939);
+}
+
+bool whenRawCan(const RunFacts &facts)
+{
+    return facts.protocols.testFlag(Protocol::RawCAN);
+}
+
+/// The older generation has no boot loader.
+bool whenBootLoader(const RunFacts &facts)
+{
+    return facts.isMultiProtocol() && facts.bootLoaderOnly && facts.isV4();
+}
+
+bool whenRawCanOnly(const RunFacts &facts)
+{
+    return facts.protocols == Protocol::RawCAN && !whenBootLoader(facts);
 }
 
 bool whenCANopen(const RunFacts &facts)
@@ -60,6 +88,27 @@ bool whenProps(const RunFacts &facts)
 bool whenJ1939Server(const RunFacts &facts)
 {
     return facts.isJ1939Only() && facts.j1939("cia510serversupport") == 1;
+}
+
+/// One file starts the stacks of several protocols; raw CAN and a boot loader have theirs.
+bool whenMixed(const RunFacts &facts)
+{
+    return facts.isMultiProtocol() && !whenRawCanOnly(facts) && !whenBootLoader(facts);
+}
+
+bool whenSrdo(const RunFacts &facts)
+{
+    constexpr int firstSrdo = 0x1301;
+    constexpr int lastSrdo = 0x137F;
+    return facts.generateSrdo &&
+           std::any_of(facts.activeLines.begin(), facts.activeLines.end(), [&](quint8 line) {
+               return !facts.store->getIndices(line, firstSrdo, lastSrdo).isEmpty();
+           });
+}
+
+bool whenSafetyData(const RunFacts &facts)
+{
+    return whenSignals(facts) && facts.j1939("safetysupport") > 0;
 }
 
 bool whenJ1939Only(const RunFacts &facts)
@@ -280,6 +329,13 @@ const QList<OutputRow> &outputList()
          .notWritable = "The file gen_vobjdict.c in %1 is not writable",
          .staleFile = "gen_vobjdict.c",
          .hasContent = hasVirtualObjects},
+        {.step = "5", .applies = whenMixed, .missing = "gen_mp.c"},
+        {.step = "5", .applies = whenRawCanOnly, .missing = "gen_rawcan.c"},
+        {.step = "5", .applies = whenBootLoader, .missing = "gen_uds.c"},
+        {.step = "6", .applies = whenRawCan, .missing = "raw CAN documents (text, HTML)"},
+        {.step = "6", .applies = whenJ1939, .missing = "J1939 documents (text, HTML)"},
+        {.step = "6", .applies = whenJ1939OrRawCan, .missing = "DBC file"},
+        {.step = "7", .applies = whenSrdo, .missing = "gen_srdo.c"},
         {.step = "8",
          .applies = always,
          .make = either<GenDefineGenerator, CoDefineGenerator>,
@@ -293,6 +349,7 @@ const QList<OutputRow> &outputList()
          .notWritable =
              "The files gen_define.props and Directory.Build.props in %1 are not writable",
          .action = writeProps},
+        {.step = "10", .applies = whenJ1939Only, .missing = "gen_pgn.c"},
         {.step = "11",
          .applies = whenJ1939Server,
          .make = serverObjDictJob,
@@ -311,6 +368,7 @@ const QList<OutputRow> &outputList()
          .make = either<ExtDeclGeneratorV4, ExtDeclGenerator>,
          .started = "Generation of gen_extern_decl.h in %1 started",
          .notWritable = "The file gen_extern_decl.h in %1 is not writable"},
+        {.step = "15", .applies = whenSafetyData, .missing = "gen_sdg.c"},
         {.step = "16",
          .applies = whenCANopenOrUds,
          .make = indicationJob,

@@ -34,7 +34,7 @@ struct OutputJobs
 };
 
 /// One output of a run. Rows are walked in their order; neighbours of one step are walked together
-/// line by line. A row holds either generators or an action.
+/// line by line. A row holds generators, an action or the name of what is missing.
 struct OutputRow
 {
     const char *step;
@@ -55,6 +55,9 @@ struct OutputRow
     bool (*hasContent)(AbstractGenerator &generator) = nullptr;
     bool failureEndsRun = false;
 
+    /// Name of an output that the project needs and this version has no generator for; the row
+    /// then has neither generators nor an action.
+    const char *missing = nullptr;
     /// False if it could not be done, which `notWritable` then tells. `started` is told after one
     /// that could.
     bool (*action)(const RunFacts &facts) = nullptr;

@@ -49,6 +49,11 @@ bool RunFacts::isV4() const
     return StackDialect::of(store.get()).isV4;
 }
 
+QString RunFacts::stackGeneration() const
+{
+    return isV4() ? QStringLiteral("V4") : QStringLiteral("V3");
+}
+
 int RunFacts::general(const char *key) const
 {
     return store->getGeneralSetting(QLatin1String(key)).toInt(nullptr, 0);

@@ -40,6 +40,8 @@ struct RunFacts
     [[nodiscard]] bool isMultiProtocol() const;
     /// The project wants code for the newer stack generation; asked of the project at each call.
     [[nodiscard]] bool isV4() const;
+    /// The same as users read it: "V3" or "V4".
+    [[nodiscard]] QString stackGeneration() const;
     /// A general setting as a number, 0 if it is none.
     [[nodiscard]] int general(const char *key) const;
     [[nodiscard]] int j1939(const char *key) const;

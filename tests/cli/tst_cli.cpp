@@ -320,6 +320,22 @@ private slots:
         QCOMPARE(m_program->tree(u"project"_s), before);
     }
 
+    void outputsThatCantBeMade()
+    {
+        m_program->saveProject(u"device.vxmp"_s, [](ObjectDataBase &store) {
+            store.setGeneralSetting(u"line0type"_s, u"5"_s);
+            store.setGeneralSetting(u"use_core_headers"_s, u"V3"_s);
+        });
+        const CliProgram::Run result =
+            run({u"generate"_s, u"device.vxmp"_s, u"-o"_s, u"out"_s, u"--ignore-errors"_s});
+        QCOMPARE(result.exitCode, 4);
+        QVERIFY(result.errors.contains(
+            "Generation of gen_mp.c failed. This version can't make it yet.\n"));
+        QVERIFY(QFile::exists(m_program->path(u"out/gen_define.h"_s)));
+        QVERIFY(result.output.contains("Stack generation: V4, which is what the command line "
+                                       "program writes; the project is set to V3.\n"));
+    }
+
     void convertsBothWays()
     {
         m_program->saveProject(u"device.vxmp"_s);

@@ -206,6 +206,7 @@ private slots:
         QCOMPARE(info[u"name"].toString(), u"mixed"_s);
         QVERIFY(info[u"savedWith"].toString().startsWith(u"CANopen Quillforge"));
         QCOMPARE(info[u"externallyModified"].toBool(true), false);
+        QCOMPARE(info[u"stackGeneration"].toString(), u"V4"_s);
         QCOMPARE(info[u"suppressedWarningGroups"].toArray(),
                  QJsonArray({u"WG_IDENTITY"_s, u"WG_IDS"_s}));
         const QJsonValue first = info[u"lines"][0];
@@ -234,6 +235,17 @@ private slots:
         const CliProgram::Run result = m_program.run({u"info"_s, u"--json"_s, u"changed.vxmt"_s});
         const QJsonObject info = QJsonDocument::fromJson(result.output).object();
         QCOMPARE(info[u"externallyModified"].toBool(), true);
+        const auto check = [this](const QString &format) {
+            return m_program.run({u"check"_s, u"changed.vxmt"_s, u"--format"_s, format}).output;
+        };
+        const QByteArray note =
+            "Note: The project was changed by something else since it was saved.\n";
+        QVERIFY(check(u"text"_s).startsWith("project: " + note));
+        const QJsonObject json = QJsonDocument::fromJson(check(u"json"_s)).object();
+        QCOMPARE(json[u"project"][u"externallyModified"].toBool(), true);
+        const QJsonObject sarif = QJsonDocument::fromJson(check(u"sarif"_s)).object();
+        QCOMPARE(sarif[u"runs"][0][u"properties"][u"externallyModified"].toBool(), true);
+        QVERIFY(m_program.run({u"generate"_s, u"changed.vxmt"_s}).output.startsWith(note));
         QCOMPARE(m_program.read(u"changed.vxmt"_s), content);
     }
 };

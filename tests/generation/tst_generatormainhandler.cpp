@@ -246,35 +246,52 @@ void TestGeneratorMainHandler::outputsByProtocol_data()
     QTest::addColumn<QString>("type");
     QTest::addColumn<QMap<QString, QString>>("settings");
     QTest::addColumn<QStringList>("expected");
+    QTest::addColumn<QStringList>("missing");
     using Settings = QMap<QString, QString>;
     const QStringList documents = {"device.csv", "device.eds", "device.html", "device.icsv",
                                    "device_doc.txt"};
     QTest::newRow("CANopen") << "1" << Settings()
                              << documents + QStringList{"gen_define.h", "gen_indication.h",
-                                                        "gen_indices.h", "gen_objdict.c"};
+                                                        "gen_indices.h", "gen_objdict.c"}
+                             << QStringList{};
     QTest::newRow("CANopen, C++") << "1" << Settings{{"generate_cpp_output", "1"}}
                                   << documents + QStringList{"gen_define.h", "gen_indication.h",
                                                              "gen_indices.h", "gen_objdict.c",
-                                                             "gen_objdict.cpp"};
+                                                             "gen_objdict.cpp"}
+                                  << QStringList{};
     QTest::newRow("mixed: names say so, no dictionary of its own")
         << "5" << Settings()
         << QStringList({"device.csv", "device.eds", "device.icsv", "device_co.html",
                         "device_co_doc.txt", "gen_define.h", "gen_extern_decl.h",
-                        "gen_indication.h", "gen_indices.h"});
+                        "gen_indication.h", "gen_indices.h"})
+        << QStringList{"gen_mp.c", "J1939 documents (text, HTML)", "DBC file"};
     QTest::newRow("J1939") << "2" << Settings()
-                           << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"});
+                           << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"})
+                           << QStringList{"J1939 documents (text, HTML)", "DBC file", "gen_pgn.c"};
     QTest::newRow("J1939 with an SDO server")
         << "2" << Settings{{"j1939:cia510serversupport", "1"}}
         << QStringList({"device.eds", "gen_define.h", "gen_extern_decl.h", "gen_indices.h",
-                        "gen_objdict.c"});
+                        "gen_objdict.c"})
+        << QStringList{"J1939 documents (text, HTML)", "DBC file", "gen_pgn.c"};
     QTest::newRow("raw CAN") << "4" << Settings()
-                             << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"});
-    QTest::newRow("boot loader") << "4" << Settings{{"uds_bl_setting", "1"}}
-                                 << QStringList({"gen_define.h"});
+                             << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"})
+                             << QStringList{"gen_rawcan.c", "raw CAN documents (text, HTML)",
+                                            "DBC file"};
+    QTest::newRow("J1939 and raw CAN, safety data")
+        << "7" << Settings{{"j1939:safetysupport", "1"}}
+        << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"})
+        << QStringList{"gen_mp.c", "raw CAN documents (text, HTML)", "J1939 documents (text, HTML)",
+                       "DBC file", "gen_sdg.c"};
+    QTest::newRow("boot loader") << "4"
+                                 << Settings{{"uds_bl_setting", "1"}, {"use_core_headers", "V4"}}
+                                 << QStringList({"gen_define.h"})
+                                 << QStringList{"gen_uds.c", "raw CAN documents (text, HTML)",
+                                                "DBC file"};
     QTest::newRow("UDS callbacks without CANopen")
         << "4" << Settings{{"uds_static_indication", "1"}}
-        << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indication.h", "gen_indices.h"});
-    QTest::newRow("no type") << "3" << Settings() << QStringList({"gen_define.h"});
+        << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indication.h", "gen_indices.h"})
+        << QStringList{"gen_rawcan.c", "raw CAN documents (text, HTML)", "DBC file"};
+    QTest::newRow("no type") << "3" << Settings() << QStringList({"gen_define.h"}) << QStringList{};
 }
 
 void TestGeneratorMainHandler::outputsByProtocol()
@@ -296,6 +313,14 @@ void TestGeneratorMainHandler::outputsByProtocol()
                name.startsWith(QLatin1String("gen_var_decl"));
     });
     QTEST(made, "expected");
+    QStringList missing;
+    for (const OutputFault &fault : m_handler->outputFaults()) {
+        QCOMPARE(fault.kind, OutputFault::Failed);
+        missing.append(
+            fault.text.section(QLatin1String(" failed. This version can't make it yet."), 0, 0));
+    }
+    missing.replaceInStrings(QLatin1String("Generation of "), QString());
+    QTEST(missing, "missing");
 }
 
 void TestGeneratorMainHandler::stackGenerations()
