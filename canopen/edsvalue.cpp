@@ -2,6 +2,7 @@
 
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
+#include "canopen/numbertext.h"
 
 #include <QRegularExpression>
 
@@ -51,9 +52,8 @@ bool isReal(quint16 dataType)
 /// Decimal digits that automatic base would take for a wrong octal number.
 bool hasMisleadingZero(const QString &text)
 {
-    bool ok = false;
-    text.toULongLong(&ok, 0);
-    return !ok && text.size() > 1 && text.startsWith(u'0') && isDigits(text);
+    return !NumberText::toUnsigned(text) && text.size() > 1 && text.startsWith(u'0') &&
+           isDigits(text);
 }
 
 QString withoutLeadingZeros(const QString &text)
@@ -78,11 +78,10 @@ std::optional<QString> nodeIdForm(const QString &text)
             ++nodeIds;
             continue;
         }
-        bool ok = false;
-        const quint64 number = term.toULongLong(&ok, 0);
-        if (!ok || term.startsWith(u'-') || sum + number < sum)
+        const auto number = NumberText::toUnsigned(term);
+        if (!number || sum + *number < sum)
             return std::nullopt;
-        sum += number;
+        sum += *number;
         numbers.append(term);
     }
     if (nodeIds != 1)
@@ -100,29 +99,27 @@ Value signedValue(quint16 dataType, const QString &text)
     const uint bits = COHelper::getDataLengthBits(dataType);
     const qint64 high = static_cast<qint64>((quint64(1) << (bits - 1)) - 1);
     const qint64 low = -high - 1;
-    bool ok = false;
-    const qint64 number = text.toLongLong(&ok, 0);
-    if (ok && number >= low && number <= high)
+    const auto number = NumberText::toSigned(text);
+    if (number && *number >= low && *number <= high)
         return {text, Finding::Plain};
-    const quint64 raw = text.toULongLong(&ok, 0);
-    if (!ok || text.startsWith(u'-'))
-        return {text, number < low ? Finding::OutOfRange : Finding::NoNumber};
-    const bool fits = bits == 64 || raw < (quint64(1) << bits);
+    const auto raw = NumberText::toUnsigned(text);
+    if (!raw)
+        return {text, number && *number < low ? Finding::OutOfRange : Finding::NoNumber};
+    const bool fits = bits == 64 || *raw < (quint64(1) << bits);
     if (!fits || !text.startsWith(QLatin1String("0x"), Qt::CaseInsensitive))
         return {text, Finding::OutOfRange};
     const quint64 sign = bits == 64 ? 0 : ~quint64(0) << bits;
-    return {QString::number(static_cast<qint64>(raw | sign)), Finding::TwosComplement};
+    return {QString::number(static_cast<qint64>(*raw | sign)), Finding::TwosComplement};
 }
 
 Value unsignedValue(quint16 dataType, const QString &text)
 {
-    bool ok = false;
-    const quint64 number = text.toULongLong(&ok, 0);
-    if (!ok || text.startsWith(u'-'))
+    const auto number = NumberText::toUnsigned(text);
+    if (!number)
         return {text, Finding::NoNumber};
     const uint bits = COHelper::getDataLengthBits(dataType);
     return {text,
-            bits == 64 || number < (quint64(1) << bits) ? Finding::Plain : Finding::OutOfRange};
+            bits == 64 || *number < (quint64(1) << bits) ? Finding::Plain : Finding::OutOfRange};
 }
 
 Value integerValue(quint16 dataType, const QString &text)
@@ -148,8 +145,7 @@ Value realValue(const QString &text)
     text.toDouble(&ok);
     if (ok)
         return {text, Finding::Plain};
-    text.toULongLong(&ok, 0);
-    return {text, ok ? Finding::RealBits : Finding::NoNumber};
+    return {text, NumberText::toUnsigned(text) ? Finding::RealBits : Finding::NoNumber};
 }
 
 } // namespace
@@ -170,11 +166,9 @@ std::optional<quint32> EdsValue::number(QByteArrayView bytes)
     if (bytes.isEmpty() || bytes.size() > 32 || bytes.front() == '-' || bytes.front() == '+')
         return std::nullopt;
     const QString text = QString::fromLatin1(bytes);
-    bool ok = false;
-    quint32 result = text.toUInt(&ok, 0);
-    if (!ok && isDigits(text))
-        result = text.toUInt(&ok, 10);
-    return ok ? std::optional<quint32>(result) : std::nullopt;
+    const auto result = NumberText::toUnsigned32(text);
+    return result || !isDigits(text) ? result
+                                     : NumberText::toUnsigned32(text, NumberText::Base::Decimal);
 }
 
 EdsValue::Value EdsValue::value(quint16 dataType, const QString &text)
