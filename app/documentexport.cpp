@@ -1,5 +1,6 @@
 #include "app/documentexport.h"
 
+#include "canopen/safefile.h"
 #include "documents/csvgenerator.h"
 #include "documents/edsgenerator.h"
 #include "documents/htmlgenerator.h"
@@ -89,15 +90,17 @@ QString moveResult(const QTemporaryDir &folder, const QString &path)
     QFile written(folder.filePath(names.value(0)));
     QSaveFile target(path);
     target.setDirectWriteFallback(true);
-    const bool done = names.size() == 1 && written.open(QIODevice::ReadOnly) &&
-                      target.open(QIODevice::WriteOnly) &&
+    const QString kindFault = SafeFile::kindFault(path);
+    const bool done = kindFault.isEmpty() && names.size() == 1 &&
+                      written.open(QIODevice::ReadOnly) && target.open(QIODevice::WriteOnly) &&
                       target.write(written.readAll()) == written.size() && target.commit();
     if (done)
         return {};
     return QCoreApplication::translate("DocumentExport", "The file %1 can't be written: %2")
-        .arg(QDir::toNativeSeparators(path), written.error() != QFileDevice::NoError
-                                                 ? written.errorString()
-                                                 : target.errorString());
+        .arg(QDir::toNativeSeparators(path), !kindFault.isEmpty() ? kindFault
+                                             : written.error() != QFileDevice::NoError
+                                                 ? SafeFile::reason(written)
+                                                 : SafeFile::reason(target));
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "app/exampleprojects.h"
 
+#include "canopen/safefile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -64,10 +66,12 @@ QString ExampleProjects::copyTo(const QString &examplePath, const QString &path)
     const QFileInfo example(examplePath);
     if (QFileInfo(path).canonicalFilePath() == example.canonicalFilePath())
         return QCoreApplication::translate("ExampleProjects", "That is the example itself.");
+    if (const QString fault = SafeFile::kindFault(path); !fault.isEmpty())
+        return QDir::toNativeSeparators(path) + QStringLiteral(": ") + fault;
     const auto copy = [](const QString &from, const QString &to) {
         QFile file(from);
         if (!file.copy(to))
-            return file.errorString();
+            return SafeFile::reason(file);
         // What was installed may be for reading only.
         QFile::setPermissions(to, QFile::permissions(to) | QFile::WriteOwner | QFile::WriteUser);
         return QString();

@@ -1,7 +1,8 @@
 #include "canopen/edstext.h"
 
+#include "canopen/safefile.h"
+
 #include <QCoreApplication>
-#include <QFile>
 #include <QStringDecoder>
 
 #include <cstring>
@@ -35,23 +36,9 @@ bool EdsText::fail(const QString &text)
 
 bool EdsText::load(const QString &path)
 {
-    const auto tooLarge = [] {
-        return tr("The file is larger than %1 MB, which no device description is.")
-            .arg(mostBytes / 1024 / 1024);
-    };
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(tr("The file can't be opened: %1.").arg(file.errorString()));
-    if (file.size() > mostBytes)
-        return fail(tooLarge());
-    // The size of what is no plain file says nothing.
-    const qint64 expected = file.size() > 0 ? file.size() : mostBytes;
-    const QByteArray content = file.read(expected + 1);
-    if (file.error() != QFileDevice::NoError)
-        return fail(tr("The file can't be read: %1.").arg(file.errorString()));
-    if (content.size() > mostBytes)
-        return fail(tooLarge());
-    return setContent(content);
+    QString fault;
+    const auto content = SafeFile::read(path, mostBytes, fault);
+    return content ? setContent(*content) : fail(tr("The file can't be opened: %1.").arg(fault));
 }
 
 bool EdsText::setContent(const QByteArray &content)

@@ -1,8 +1,9 @@
 #include "check/versionreader.h"
 
+#include "canopen/safefile.h"
+
 #include <QDebug>
 #include <QDomDocument>
-#include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
@@ -53,16 +54,10 @@ bool VersionReader::setFile(const QString &path)
 
 QString VersionReader::requiredToolVersion() const
 {
-    QFile file(m_path);
-    if (m_path.isEmpty() || !file.open(QIODevice::ReadOnly)) {
-        qWarning() << "VersionReader: can't read" << m_path << file.errorString();
-        return unknownVersion;
-    }
-    const QByteArray content = file.read(maximumSize + 1);
-    QDomDocument document;
     QString error;
-    if (content.size() > maximumSize || !isHarmless(content) ||
-        !document.setContent(content, &error)) {
+    const auto content = SafeFile::read(m_path, maximumSize, error);
+    QDomDocument document;
+    if (!content || !isHarmless(*content) || !document.setContent(*content, &error)) {
         qWarning() << "VersionReader: refused" << m_path << error;
         return unknownVersion;
     }

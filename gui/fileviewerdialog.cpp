@@ -1,5 +1,6 @@
 #include "gui/fileviewerdialog.h"
 
+#include "canopen/safefile.h"
 #include "gui/ansichighlighter.h"
 #include "gui/fileviewertext.h"
 #include "gui/guihelper.h"
@@ -174,10 +175,10 @@ bool FileViewerDialog::reload()
 {
     watch();
     QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly)) {
+    QString fault;
+    if (!SafeFile::open(file, fault)) {
         // What was read before is still worth having.
-        showNotice(
-            tr("%1 can't be read: %2").arg(QDir::toNativeSeparators(m_path), file.errorString()));
+        showNotice(tr("%1 can't be read: %2").arg(QDir::toNativeSeparators(m_path), fault));
         return false;
     }
     m_written = QFileInfo(file).lastModified();

@@ -1,9 +1,9 @@
 #include "import/codbimporter.h"
 
 #include "canopen/objectranges.h"
+#include "canopen/safefile.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
 
@@ -52,17 +52,19 @@ void CODBImporter::import()
 
 std::optional<QString> CODBImporter::readText()
 {
-    QFile file(fileName());
-    if (!QFileInfo(fileName()).isFile() || !file.open(QIODevice::ReadOnly)) {
+    if (QFileInfo(fileName()).size() > largestFile) {
+        reportError(tr("File %1 is too large for a profile database.").arg(fileName()));
+        return std::nullopt;
+    }
+    QString fault;
+    const auto content = SafeFile::read(fileName(), largestFile, fault);
+    if (!content) {
+        qDebug() << fileName() << fault;
         reportError(tr("File %1 is not readable.").arg(fileName()));
         setFile(QString());
         return std::nullopt;
     }
-    if (file.size() > largestFile) {
-        reportError(tr("File %1 is too large for a profile database.").arg(fileName()));
-        return std::nullopt;
-    }
-    const QByteArray bytes = file.readAll();
+    const QByteArray &bytes = *content;
     QStringDecoder decoder(QStringDecoder::Utf8);
     const QString text = decoder(bytes);
     // The format is older than the habit of writing UTF-8.

@@ -1,9 +1,9 @@
 #include "import/csvimporterreader.h"
 
 #include "canopen/helper.h"
+#include "canopen/safefile.h"
 
 #include <QCoreApplication>
-#include <QFile>
 #include <QStringDecoder>
 
 #include <algorithm>
@@ -67,14 +67,13 @@ bool CsvRecord::isBlank() const
 
 bool CsvReader::load(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        m_errorText = tr("%1: The file can't be opened: %2.").arg(path, file.errorString());
+    QString fault;
+    const auto content = SafeFile::read(path, mostBytes, fault);
+    if (!content) {
+        m_errorText = tr("%1: The file can't be opened: %2.").arg(path, fault);
         return false;
     }
-    // The size only saves memory; what has none, such as a pipe, is read up to the limit.
-    const qint64 expected = file.size() > 0 ? std::min(file.size(), mostBytes) : mostBytes;
-    return setBytes(file.read(expected + 1), path);
+    return setBytes(*content, path);
 }
 
 bool CsvReader::setBytes(const QByteArray &bytes, const QString &name)

@@ -2,11 +2,11 @@
 
 #include "canopen/cohelper.h"
 #include "canopen/indextext.h"
+#include "canopen/safefile.h"
 #include "import/objectwriter.h"
 #include "import/xmlguard.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QXmlStreamReader>
 
 #include <algorithm>
@@ -111,20 +111,13 @@ bool XDDImporter::write()
 
 void XDDImporter::read()
 {
-    QFile file(fileName());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text)) {
-        reportError(tr("%1: The file can't be opened: %2.").arg(fileName(), file.errorString()));
+    QString fault;
+    const auto bytes = SafeFile::read(fileName(), mostBytes, fault);
+    if (!bytes) {
+        reportError(tr("%1: The file can't be opened: %2.").arg(fileName(), fault));
         return;
     }
-    // The size of what is no plain file says nothing.
-    const qint64 expected = file.size() > 0 ? file.size() : mostBytes;
-    const QByteArray content = file.read(std::min(expected, mostBytes) + 1);
-    if (content.size() > mostBytes) {
-        reportError(tr("%1: The file is larger than %2 MB, which no device description is.")
-                        .arg(fileName())
-                        .arg(mostBytes / 1024 / 1024));
-        return;
-    }
+    const QByteArray &content = *bytes;
     QXmlStreamReader xml;
     if (const int line = XmlGuard::firstOverloadedTag(content); line > 0) {
         reportError(tr("%1:%2: An element has more than %3 attributes or %4 MB.")

@@ -1,15 +1,16 @@
 #include "store/databasemodifier.h"
 
+#include "canopen/safefile.h"
 #include "store/objectdatabase.h"
 
 #include <QDebug>
 #include <QFile>
-#include <QFileInfo>
 #include <QTextStream>
 
 namespace {
 
 constexpr qint64 shortestScript = 11; ///< bytes
+constexpr qint64 largestScript = qint64(16) * 1024 * 1024;
 constexpr int fieldsOfLine = 3;
 
 } // namespace
@@ -29,15 +30,11 @@ bool DatabaseModifier::load(const QString &path)
 {
     m_errorText.clear();
     m_path.clear();
-    const QFileInfo info(path);
-    if (!info.exists())
-        return fail(path, QStringLiteral("the file does not exist"));
-    if (!info.isFile())
-        return fail(path, QStringLiteral("is no file"));
     QFile file(path);
-    if (!info.isReadable() || !file.open(QIODevice::ReadOnly))
-        return fail(path, QStringLiteral("can't be read: ") + file.errorString());
-    if (info.size() < shortestScript)
+    QString fault;
+    if (!SafeFile::open(file, fault))
+        return fail(path, QStringLiteral("can't be read: ") + fault);
+    if (file.size() < shortestScript)
         return fail(path, QStringLiteral("is too short for a modifier script"));
     m_path = path;
     return true;
@@ -48,18 +45,17 @@ bool DatabaseModifier::applyModifierFile()
     m_errorText.clear();
     m_store->setBlockUpdates(false);
     qDebug() << "Applying " << m_path;
-    QFile file(m_path);
-    if (m_path.isEmpty() || !file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return fail(m_path, QStringLiteral("can't be read: ") + file.errorString());
-    QTextStream stream(&file);
+    QString fault;
+    auto content = SafeFile::read(m_path, largestScript, fault);
+    if (!content)
+        return fail(m_path, QStringLiteral("can't be read: ") + fault);
+    QTextStream stream(&*content, QIODevice::ReadOnly | QIODevice::Text);
     QString line;
     int failed = 0;
     for (int number = 1; stream.readLineInto(&line); ++number) {
         if (!applyLine(line) && failed++ == 0)
             fail(m_path, QStringLiteral("line %1: the setting can't be written").arg(number));
     }
-    if (file.error() != QFile::NoError)
-        return fail(m_path, QStringLiteral("can't be read: ") + file.errorString());
     return failed == 0;
 }
 

@@ -1,9 +1,9 @@
 #include "generators/canopen/propswriter.h"
 
+#include "canopen/safefile.h"
 #include "generators/base/outputfile.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QSet>
 
 namespace {
@@ -80,22 +80,22 @@ bool PropsWriter::write(const QString &definePath, const QString &folder)
     const auto path = [&folder](const char *name) {
         return folder + QLatin1Char('/') + QLatin1String(name);
     };
-    QFile header(definePath);
-    const bool hasHeader = header.open(QIODevice::ReadOnly);
-    if (!hasHeader)
+    constexpr qint64 mostBytes = qint64(256) * 1024 * 1024;
+    QString fault;
+    const auto header = SafeFile::read(definePath, mostBytes, fault);
+    if (!header)
         qDebug().noquote() << "gen_define.h not found, writing Directory.Build.props only: "
-                           << definePath;
+                           << definePath << fault;
 
     if (!OutputFile::write(path("Directory.Build.props"),
                            QLatin1String(xmlLine) + QLatin1String(importText))) {
         qDebug().noquote() << "Unable to write Directory.Build.props to " << folder;
         return false;
     }
-    if (!hasHeader)
+    if (!header)
         return true;
     const QString text = QLatin1String(xmlLine) + QLatin1String(symbolsHead) +
-                         definedSymbols(header.readAll()).join(QLatin1Char(';')) +
-                         QLatin1String(symbolsEnd);
+                         definedSymbols(*header).join(QLatin1Char(';')) + QLatin1String(symbolsEnd);
     if (!OutputFile::write(path("gen_define.props"), text)) {
         qDebug().noquote() << "Unable to write gen_define.props to " << folder;
         return false;

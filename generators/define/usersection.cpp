@@ -1,11 +1,11 @@
 #include "generators/define/usersection.h"
 
 #include "canopen/numbertext.h"
+#include "canopen/safefile.h"
 
 #include <QByteArrayView>
 #include <QCoreApplication>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QStringDecoder>
 
@@ -108,16 +108,13 @@ std::optional<QByteArray> UserSection::read(const QString &path, QString &errorT
     const QFileInfo info(path);
     if (!info.exists())
         return QByteArray();
-    QFile file(path);
-    QByteArray header;
-    // A device or a pipe may never end.
-    if (info.isFile() && file.open(QIODevice::ReadOnly))
-        header = file.readAll();
-    if (file.isOpen() && file.error() == QFileDevice::NoError)
+    constexpr qint64 mostBytes = qint64(256) * 1024 * 1024;
+    QString fault;
+    if (auto header = SafeFile::read(path, mostBytes, fault))
         return header;
     errorText =
         QCoreApplication::translate(
             "UserSection", "The file %1 can't be read, and its user section would be lost: %2.")
-            .arg(QDir::toNativeSeparators(path), file.errorString());
+            .arg(QDir::toNativeSeparators(path), fault);
     return {};
 }
