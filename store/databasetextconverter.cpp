@@ -1,7 +1,9 @@
 #include "store/databasetextconverter.h"
 
+#include "canopen/safefile.h"
 #include "store/metadatablob.h"
 #include "store/objectdatabase_p.h"
+#include "store/projectguard.h"
 #include "store/projecttext.h"
 #include "store/resultrow.h"
 
@@ -17,7 +19,6 @@ namespace {
 
 using namespace ProjectText;
 
-constexpr qint64 largestFile = qint64(1) << 30;
 constexpr qsizetype flushSize = 1 << 20;
 constexpr qsizetype batchSize = 1 << 15; ///< characters of one insert statement
 
@@ -354,7 +355,7 @@ bool DatabaseTextConverter::convertSqlToText()
         return fail(QStringLiteral("the file is read-only"));
     QSaveFile file(m_path);
     if (!file.open(QIODevice::WriteOnly))
-        return fail(QStringLiteral("can't be written: ") + file.errorString());
+        return fail(QStringLiteral("can't be written: ") + SafeFile::reason(file));
     bool written = false;
     m_store.d->runner.exclusive([&] {
         const QStringList tables = allTables();
@@ -369,11 +370,11 @@ bool DatabaseTextConverter::convertSqlToText()
         return !m_errorText.isEmpty()
                    ? false
                    : fail(QStringLiteral("not written, the project can't be read: ") +
-                          m_store.d->runner.lastError());
+                          m_store.d->runner.lastReason());
     }
     // What is still in the buffer has to be on its way before the old file is replaced.
     if (!file.flush() || file.error() != QFile::NoError || !file.commit())
-        return fail(QStringLiteral("can't be written: ") + file.errorString());
+        return fail(QStringLiteral("can't be written: ") + SafeFile::reason(file));
     return true;
 }
 
@@ -445,20 +446,11 @@ bool DatabaseTextConverter::writeRows(const Layout &layout, const QString &table
 
 bool DatabaseTextConverter::readFile(QByteArray &content)
 {
-    const QFileInfo info(m_path);
-    if (info.isDir())
-        return fail(QStringLiteral("is a folder"));
-    // Pipes and devices may never end.
-    if (info.exists() && !info.isFile())
-        return fail(QStringLiteral("is no file"));
-    if (info.size() > largestFile)
-        return fail(QStringLiteral("is too large for a project"));
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly))
-        return fail(QStringLiteral("can't be read: ") + file.errorString());
-    content = file.readAll();
-    if (file.error() != QFile::NoError)
-        return fail(QStringLiteral("can't be read: ") + file.errorString());
+    QString fault;
+    auto bytes = SafeFile::read(m_path, ProjectGuard::mostBytesOfFile, fault);
+    if (!bytes)
+        return fail(QStringLiteral("can't be read: ") + fault);
+    content = std::move(*bytes);
     if (content.isEmpty())
         return fail(QStringLiteral("is empty"));
     if (content.contains('\0'))

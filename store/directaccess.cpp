@@ -7,12 +7,12 @@ bool DirectAccess::open(QSqlDatabase &database)
     return database.open();
 }
 
-bool DirectAccess::run(QByteArrayView, const RowFunction *, Rows, QString &) const
+bool DirectAccess::run(QByteArrayView, const RowFunction *, Rows, SqlFailure &) const
 {
     return false;
 }
 
-bool DirectAccess::runMany(QByteArrayView, qsizetype, const FillFunction &, QString &) const
+bool DirectAccess::runMany(QByteArrayView, qsizetype, const FillFunction &, SqlFailure &) const
 {
     return false;
 }
@@ -165,16 +165,23 @@ private:
     sqlite3_stmt *m_statement;
 };
 
-QString errorText(sqlite3 *connection, QLatin1String what)
+SqlFailure failure(sqlite3 *connection, QLatin1String what)
 {
-    return QString::fromUtf8(sqlite3_errmsg(connection)) + u' ' + what;
+    return {QString::fromUtf8(sqlite3_errmsg(connection)) + u' ' + what,
+            sqlite3_errcode(connection) & 0xFF};
 }
 
-QString notReadyText(sqlite3 *connection, const Statement &statement)
+SqlFailure notReady(sqlite3 *connection, const Statement &statement)
 {
-    return statement.isSingle()
-               ? errorText(connection, QLatin1String("Unable to execute statement"))
-               : QStringLiteral("Unable to execute multiple statements at a time");
+    if (statement.isSingle())
+        return failure(connection, QLatin1String("Unable to execute statement"));
+    return {QStringLiteral("Unable to execute multiple statements at a time"), SQLITE_ERROR};
+}
+
+/// Asked by the library every so many of its steps; anything but 0 ends the statement.
+int isOverdue(void *deadline)
+{
+    return static_cast<const QDeadlineTimer *>(deadline)->hasExpired() ? 1 : 0;
 }
 
 } // namespace
@@ -188,17 +195,22 @@ bool DirectAccess::open(QSqlDatabase &database)
         return false;
     // A handle of another copy of the library must not be touched, however alike the two are.
     sqlite3 *handle = handleOf(database);
-    if (watching && handle == openedHere)
+    if (watching && handle == openedHere) {
         m_handle = handle;
+        sqlite3_limit(handle, SQLITE_LIMIT_LENGTH, mostBytesOfValue);
+        constexpr int steps = 20000;
+        sqlite3_progress_handler(handle, steps, isOverdue, &m_deadline);
+    }
     return true;
 }
 
-bool DirectAccess::run(QByteArrayView text, const RowFunction *row, Rows rows, QString &error) const
+bool DirectAccess::run(QByteArrayView text, const RowFunction *row, Rows rows,
+                       SqlFailure &error) const
 {
     auto *connection = static_cast<sqlite3 *>(m_handle);
     const Statement statement(connection, text);
     if (!statement.isReady()) {
-        error = notReadyText(connection, statement);
+        error = notReady(connection, statement);
         return false;
     }
     const DirectRow current(statement.handle());
@@ -212,17 +224,17 @@ bool DirectAccess::run(QByteArrayView text, const RowFunction *row, Rows rows, Q
     if (result == SQLITE_DONE)
         return true;
     sqlite3_reset(statement.handle()); // only then the reason is told
-    error = errorText(connection, QLatin1String("Unable to fetch row"));
+    error = failure(connection, QLatin1String("Unable to fetch row"));
     return false;
 }
 
 bool DirectAccess::runMany(QByteArrayView text, qsizetype count, const FillFunction &fill,
-                           QString &error) const
+                           SqlFailure &error) const
 {
     auto *connection = static_cast<sqlite3 *>(m_handle);
     const Statement statement(connection, text);
     if (!statement.isReady()) {
-        error = notReadyText(connection, statement);
+        error = notReady(connection, statement);
         return false;
     }
     bool done = true;
@@ -232,7 +244,7 @@ bool DirectAccess::runMany(QByteArrayView text, qsizetype count, const FillFunct
         const int result = sqlite3_step(statement.handle());
         sqlite3_reset(statement.handle());
         if (result != SQLITE_DONE && done) {
-            error = errorText(connection, QLatin1String("Unable to fetch row"));
+            error = failure(connection, QLatin1String("Unable to fetch row"));
             done = false;
         }
     }

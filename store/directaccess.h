@@ -3,6 +3,7 @@
 #include "store/resultrow.h"
 
 #include <QByteArrayView>
+#include <QDeadlineTimer>
 #include <QSqlDatabase>
 
 #include <functional>
@@ -23,6 +24,13 @@ private:
     int m_place = 0;
 };
 
+/// Why a statement failed, in the driver's words and with the code of the database library.
+struct SqlFailure
+{
+    QString text;
+    int code = 0;
+};
+
 /// Runs statements on Qt's connection by the database library itself. Qt's driver makes an object
 /// of every value and every statement, which takes most of the time where there are ten thousands
 /// of them.
@@ -40,21 +48,29 @@ public:
     using FillFunction = std::function<void(qsizetype, BoundRow &)>;
     enum class Rows { All, First };
 
+    /// No text, blob or row of a project is larger.
+    static constexpr int mostBytesOfValue = 64 * 1024 * 1024;
+    /// No statement runs longer, as far as the library can be asked to look.
+    static constexpr int mostMilliseconds = 60000;
+
     /// Opens the connection and takes hold of it if possible.
     bool open(QSqlDatabase &database);
     /// Before the connection is closed.
     void release() { m_handle = nullptr; }
     [[nodiscard]] bool isAvailable() const { return m_handle != nullptr; }
 
+    /// The time of a statement begins.
+    void startClock() { m_deadline.setRemainingTime(mostMilliseconds); }
     /// Runs one statement, in UTF-8 with a NUL behind it. On failure false, with the words of Qt's
     /// driver in `error`. Rows go to `row`, unless that is null.
-    bool run(QByteArrayView statement, const RowFunction *row, Rows rows, QString &error) const;
+    bool run(QByteArrayView statement, const RowFunction *row, Rows rows, SqlFailure &error) const;
     /// Runs one statement that gives no rows `count` times; `fill` hears which time it is. Goes on
     /// after a failure; false and the first reason if there was one.
     bool runMany(QByteArrayView statement, qsizetype count, const FillFunction &fill,
-                 QString &error) const;
+                 SqlFailure &error) const;
     [[nodiscard]] qint64 lastInsertId() const;
 
 private:
+    QDeadlineTimer m_deadline{QDeadlineTimer::Forever};
     void *m_handle = nullptr; ///< the library's connection, which belongs to Qt's driver
 };

@@ -258,17 +258,32 @@ public:
 
     // --- Life cycle -------------------------------------------------------------------------
 
-    /// A new, empty project in a new working copy, with line 0.
+    /// A new, empty project in a new working copy, with line 0. On false, `lastErrorText` says why,
+    /// and the former project is still open.
     bool createNewDataBase();
     /// Opens a `.vxmp` (or any database of the same form) or `.vxmt` file. Brings the schema up to
-    /// date in the working copy only. On false, `lastErrorText` says why. The flag has no effect.
+    /// date in the working copy only. On false, `lastErrorText` says why (it is empty for a
+    /// database that is no project), and the former project is still open. The flag has no effect.
+    ///
+    /// Refused are what is no ordinary file, a damaged database, one that holds more than tables
+    /// (views, triggers, computed columns), and one beyond the limits of `ProjectGuard`.
     bool openDataBase(const QString &path, bool flag = true);
     /// Saves to `path`, or to the project path if it is empty; "vxmt" gives the text form.
     bool saveDatabase(const QString &path = QString());
     /// Saves as a database file; the former file stays beside it with ".bak" behind its name.
+    ///
+    /// A save that gives true has reached the disk. One that fails leaves file and backup as they
+    /// were, and `lastErrorText` says why. A project that `isDamaged` is never saved.
     bool saveDatabaseAsSql(const QString &path = QString());
     /// Saves as a text file; makes no backup.
     bool saveDatabaseAsText(const QString &path = QString());
+    /// What the ".bak" is after several saves over the same file: what the last of them found, or
+    /// what the first of them found, as for a batch run, whose user wants to go back behind it.
+    enum class BackupRule { EachSave, FirstSave };
+    void setBackupRule(BackupRule rule);
+    /// A statement failed half-way, as on a full disk, or a save found the working copy damaged.
+    /// Nothing can be saved until another project is opened or a snapshot restored.
+    [[nodiscard]] bool isDamaged() const;
     /// The file that the user knows; empty for a project that was never saved.
     [[nodiscard]] QString projectPath() const;
     [[nodiscard]] QString lastErrorText() const;
@@ -277,7 +292,7 @@ public:
     /// SHA-256 over all tables as lower-case hexadecimal text, independent of the page layout.
     /// Leaves out the keys `FileHash` and `TamperLog`.
     [[nodiscard]] QString contentHash();
-    /// Every working copy that this store has made.
+    /// The working copies that this store has made and still has.
     [[nodiscard]] QStringList workingFiles() const;
     /// Deletes the texts that nothing refers to.
     void purgeStrings();
@@ -295,9 +310,11 @@ public:
     [[nodiscard]] bool isGenerating() const;
     /// Whether `databaseWriteExecuted` is sent.
     void setWriteSignals(bool on);
-    /// A complete copy of the project as it stands, into a new file.
+    /// A complete copy of the project as it stands, into a new file. Refused for one that
+    /// `isDamaged`.
     bool takeSnapshot(const QString &path);
-    /// Takes the project's content from a snapshot, which stays as it is.
+    /// Takes the project's content from a snapshot, which stays as it is. On false the store is as
+    /// it was, but for a damaged one, which gives up its working copy if the room is needed.
     bool restoreSnapshot(const QString &path);
 
     // --- Caches -----------------------------------------------------------------------------
@@ -504,12 +521,17 @@ private:
     std::unique_ptr<State> d;
 
     // life cycle
-    bool openText(const QString &path);
-    bool openSql(const QString &path);
+    enum class Opened { No, WrongTool, Yes };
+    bool makeEmptyProject();
+    void noteCreator();
+    Opened openText(const QString &path);
+    Opened openSql(const QString &path);
+    bool openWorkingCopyOf(const QString &path);
+    void nameBackup(const QString &path);
     bool editionAllowed();
     void runSchemaSteps();
     void runContentSteps();
-    void checkExternalModification();
+    bool checkExternalModification();
     void fillLineType(quint8 line);
     void completeUDSSettings(quint8 line);
     void repairSPNDirections(const QList<quint8> &lines);
@@ -520,8 +542,11 @@ private:
     [[nodiscard]] bool mayBeReplaced();
     void fitLineLists(const QList<quint8> &lines);
     bool mayBeSaved(const QString &target);
-    void writeSaveKeys();
-    bool writeProjectFile(const QString &target);
+    bool writeSaveKeys();
+    bool writeProjectFile(const QString &target, const QString &hash);
+    bool refuseSave(const QString &target, const QString &reason);
+    bool writeText(const QString &path);
+    bool textHash(const QString &trial, QString &hash);
     void notify(const ChangeSet &change) { emit updateNotify(change); }
 
     // objects

@@ -1,18 +1,18 @@
 #include "store/objectdatabase_p.h"
 
+#include "canopen/safefile.h"
 #include "store/databasetextconverter.h"
+#include "store/projectfile.h"
+#include "store/projectguard.h"
 #include "store/schema.h"
 #include "store/workingcopy.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
+#include <QSignalBlocker>
 #include <QSqlError>
-#include <QThread>
-
-#include <cstdlib>
 
 namespace {
 
@@ -27,6 +27,46 @@ QString ObjectDataBase::State::newWorkingFile()
     if (!path.isEmpty())
         workingFiles.append(path);
     return path;
+}
+
+void ObjectDataBase::State::dropWorkingFile(const QString &path)
+{
+    workingFiles.removeAll(path);
+    WorkingCopy::remove(path);
+}
+
+QString ObjectDataBase::State::presentFile() const
+{
+    return QDir::fromNativeSeparators(runner.fileName());
+}
+
+bool ObjectDataBase::State::openWorkingFile(const QString &path)
+{
+    clearCaches();
+    strings.reset();
+    return runner.open(QDir::toNativeSeparators(path));
+}
+
+ObjectDataBase::State::Former ObjectDataBase::State::present() const
+{
+    return {presentFile(), projectPath, runner.damage(), externallyModified};
+}
+
+void ObjectDataBase::State::goBackTo(const Former &former)
+{
+    projectPath = former.path;
+    externallyModified = former.externallyModified;
+    const QString failed = presentFile();
+    if (failed == former.file)
+        return;
+    runner.close();
+    dropWorkingFile(failed);
+    if (former.file.isEmpty() || !openWorkingFile(former.file))
+        return;
+    runPragmas(cachePagesOpen);
+    strings.rebuild();
+    if (!former.damage.isEmpty())
+        runner.noteDamage(former.damage);
 }
 
 void ObjectDataBase::State::runPragmas(int cachePages)
@@ -59,8 +99,6 @@ ObjectDataBase::ObjectDataBase(QObject *parent)
         qDebug() << "Db drivers: " << QSqlDatabase::drivers();
         qDebug() << "Db last error: " << error.text();
     }
-    // Names of working copies come from this generator.
-    srand(uint(reinterpret_cast<quintptr>(QThread::currentThreadId())));
     d->runner.setWriteHandler([this] { emit databaseWriteExecuted(); });
 }
 
@@ -68,8 +106,38 @@ ObjectDataBase::~ObjectDataBase()
 {
     d->runner.waitForStatements();
     d->runner.close();
-    for (const QString &file : d->workingFiles)
-        QFile::remove(file);
+    for (const QString &file : std::as_const(d->workingFiles))
+        WorkingCopy::remove(file);
+}
+
+/// The tables of a new project and its line 0, in a new working copy.
+bool ObjectDataBase::makeEmptyProject()
+{
+    const QString path = d->newWorkingFile();
+    if (path.isEmpty()) {
+        d->lastError = WorkingCopy::noFolderText();
+        return false;
+    }
+    bool created = d->openWorkingFile(path);
+    if (!created)
+        qDebug() << "error sqlDbFile.open()" << d->runner.lastError();
+    d->runPragmas(cachePagesNew);
+    for (const Schema::Table &table : Schema::tables()) {
+        if (!created)
+            break;
+        if (table.scope != Schema::Scope::Project)
+            continue;
+        created = d->runner.exec(Schema::createStatement(table));
+        if (!created)
+            qDebug() << "Create" << table.name << d->runner.lastError();
+    }
+    d->projectPath.clear();
+    d->externallyModified = false;
+    if (created && addNode(0, NODE_DATA_T()) && !isDamaged())
+        return true;
+    d->lastError = QStringLiteral("no new project can be made in \"%1\": %2")
+                       .arg(QDir::toNativeSeparators(path), d->runner.lastReason());
+    return false;
 }
 
 /// A generator reads the project to its end; one that is blocked can't be filled.
@@ -86,30 +154,23 @@ bool ObjectDataBase::createNewDataBase()
 {
     if (!mayBeReplaced())
         return false;
-    const QString path = d->newWorkingFile();
-    if (!d->runner.open(path))
-        qDebug() << "error sqlDbFile.open()" << d->runner.database().lastError().text();
-    d->runPragmas(cachePagesNew);
-    bool created = true;
-    for (const Schema::Table &table : Schema::tables()) {
-        if (table.scope != Schema::Scope::Project)
-            continue;
-        created = d->runner.exec(Schema::createStatement(table));
-        if (!created) {
-            qDebug() << "Create" << table.name << d->runner.lastError();
-            break;
-        }
+    d->lastError.clear();
+    const State::Former former = d->present();
+    if (!makeEmptyProject()) {
+        d->goBackTo(former);
+        return false;
     }
-    d->projectPath.clear();
-    d->externallyModified = false;
-    d->clearCaches();
-    d->strings.reset();
-    const bool added = created && addNode(0, NODE_DATA_T());
+    d->savedPath.clear();
     notify({.kind = ProjectReplaced});
+    noteCreator();
+    return true;
+}
+
+void ObjectDataBase::noteCreator()
+{
     setMiscSetting(QStringLiteral("CreateToolVersion"), QCoreApplication::applicationVersion());
     setMiscSetting(QStringLiteral("CreateToolName"), QCoreApplication::applicationName());
     setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
-    return added;
 }
 
 bool ObjectDataBase::openDataBase(const QString &path, bool)
@@ -117,86 +178,119 @@ bool ObjectDataBase::openDataBase(const QString &path, bool)
     if (!mayBeReplaced())
         return false;
     d->lastError.clear();
-    if (path.endsWith(QLatin1String("vxmt"), Qt::CaseInsensitive))
-        return openText(path);
     if (path.isEmpty())
         return false;
-
     // What was open stays as it was if the new file turns out to be of no use.
-    const QString formerFile = d->runner.fileName();
-    const QString formerPath = d->projectPath;
-    const bool formerFlag = d->externallyModified;
-    if (openSql(path)) {
+    const State::Former former = d->present();
+    Opened opened = Opened::No;
+    {
+        // Forms hear of the whole, or of nothing.
+        const QSignalBlocker silence(this);
+        opened = path.endsWith(QLatin1String("vxmt"), Qt::CaseInsensitive) ? openText(path)
+                                                                           : openSql(path);
+    }
+    if (opened == Opened::Yes) {
+        d->savedPath.clear();
         notify({.kind = ProjectReplaced});
         return true;
     }
-    d->projectPath = formerPath;
-    d->externallyModified = formerFlag;
-    d->clearCaches();
-    if (!formerFile.isEmpty() && d->runner.open(formerFile)) {
-        d->runPragmas(State::cachePagesOpen);
-        d->strings.rebuild();
-    }
+    d->goBackTo(former);
+    if (opened == Opened::WrongTool)
+        emit wrongTool();
+    else
+        nameBackup(path);
     return false;
 }
 
-bool ObjectDataBase::openText(const QString &path)
+/// Whoever can't open a file wants to know of the one before it.
+void ObjectDataBase::nameBackup(const QString &path)
 {
-    createNewDataBase();
+    const QString backup = ProjectFile::backupPath(path);
+    if (!QFileInfo(backup).isFile())
+        return;
+    if (d->lastError.isEmpty())
+        d->lastError = path + QLatin1String(": it is no project");
+    d->lastError += QLatin1String("; the version before it is in ") + backup;
+}
+
+ObjectDataBase::Opened ObjectDataBase::openText(const QString &path)
+{
+    if (!makeEmptyProject())
+        return Opened::No;
+    noteCreator();
     DatabaseTextConverter converter(*this, path);
     if (!converter.convertTextToSql()) {
-        // Without its path a save can't put an empty project over a file that was not understood.
         d->lastError = converter.errorText();
-        return true;
+        return Opened::No;
     }
     d->projectPath = path;
-    checkExternalModification();
-    adaptSignals(getLines());
-    notify({.kind = ProjectReplaced});
+    if (checkExternalModification()) {
+        adaptSignals(getLines());
+        if (!isDamaged())
+            return Opened::Yes;
+    }
+    d->lastError =
+        QStringLiteral("%1: no working copy can be made: %2").arg(path, d->runner.lastReason());
+    return Opened::No;
+}
+
+/// Copies the file and lets nothing pass that is no project, or that could do harm.
+bool ObjectDataBase::openWorkingCopyOf(const QString &path)
+{
+    const auto fail = [&](const QString &reason) {
+        d->lastError = path + QLatin1String(": ") + reason;
+        return false;
+    };
+    if (QFileInfo(path).size() > ProjectGuard::mostBytesOfFile)
+        return fail(QStringLiteral("the file is too large for a project"));
+    QString error;
+    const QString working = WorkingCopy::reserveCopy(path, error);
+    if (working.isEmpty()) {
+        d->lastError = QLatin1String("Error detected: ") + path + QLatin1String(" to ") +
+                       WorkingCopy::folders().join(QLatin1String(", ")) + QLatin1String(": ") +
+                       error;
+        return false;
+    }
+    d->workingFiles.append(working);
+    d->projectPath = path;
+    if (!d->openWorkingFile(working))
+        return fail(d->runner.lastReason());
+    if (const QString fault = ProjectGuard::structureFault(d->runner); !fault.isEmpty())
+        return fail(fault);
+    const QString lines = QStringLiteral("select nodeId from nodes limit 1");
+    if (!d->runner.hasRow(lines)) {
+        // A database of another purpose has no such table and gives no text.
+        const bool isForeign =
+            d->runner.exec(lines) || d->runner.lastError().contains(QLatin1String("no such table"));
+        return isForeign ? false : fail(d->runner.lastReason());
+    }
+    for (const auto check : {ProjectGuard::contentFault, ProjectGuard::integrityFault}) {
+        if (const QString fault = check(d->runner); !fault.isEmpty())
+            return fail(fault);
+    }
     return true;
 }
 
-bool ObjectDataBase::openSql(const QString &path)
+ObjectDataBase::Opened ObjectDataBase::openSql(const QString &path)
 {
-    const QString working = d->newWorkingFile();
-    QString error;
-    if (!WorkingCopy::copyFile(path, working, error)) {
-        d->lastError = QLatin1String("Error detected: ") + path + QLatin1String(" to ") + working +
-                       u' ' + error;
-        return false;
+    if (!openWorkingCopyOf(path))
+        return Opened::No;
+    if (!checkExternalModification()) {
+        d->lastError = path + QLatin1String(": ") + ProjectGuard::damagedText();
+        return Opened::No;
     }
-    d->projectPath = path;
-    d->clearCaches();
-    d->strings.reset();
-    if (!d->runner.open(QDir::toNativeSeparators(working))) {
-        d->lastError = path + QLatin1String(": ") + d->runner.database().lastError().text();
-        return false;
-    }
-    int lines = 0;
-    const bool read = d->runner.forEachRow(QStringLiteral("select nodeId from nodes"),
-                                           [&](const ResultRow &) { ++lines; });
-    if (lines == 0) {
-        // A database of another purpose has no such table and gives no text.
-        const QString text = d->runner.lastError();
-        if (!read && !text.contains(QLatin1String("no such table")))
-            d->lastError = path + QLatin1String(": ") + text;
-        return false;
-    }
-    if (d->runner.value(QStringLiteral("PRAGMA quick_check(1)")).toString() !=
-        QLatin1String("ok")) {
-        d->lastError = path + QLatin1String(": the file is damaged and can't be read completely");
-        return false;
-    }
-    checkExternalModification();
     d->runPragmas(State::cachePagesOpen);
     runSchemaSteps();
     if (!editionAllowed()) {
         d->lastError = QStringLiteral("File was not created with this tool.");
-        emit wrongTool();
-        return false;
+        return Opened::WrongTool;
     }
     runContentSteps();
-    return true;
+    if (!isDamaged())
+        return Opened::Yes;
+    d->lastError = QStringLiteral("%1: the working copy can't be brought up to date: %2")
+                       .arg(path, d->runner.damage());
+    return Opened::No;
 }
 
 QString ObjectDataBase::projectPath() const
@@ -207,6 +301,11 @@ QString ObjectDataBase::projectPath() const
 QString ObjectDataBase::lastErrorText() const
 {
     return d->lastError;
+}
+
+bool ObjectDataBase::isDamaged() const
+{
+    return !d->runner.damage().isEmpty();
 }
 
 bool ObjectDataBase::wasExternallyModified() const

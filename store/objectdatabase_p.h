@@ -60,6 +60,8 @@ struct ObjectDataBase::State
     std::atomic<bool> writesBlocked{false};
     std::atomic<bool> generating{false};
     bool externallyModified = false;
+    BackupRule backupRule = BackupRule::EachSave;
+    QString savedPath; ///< over which the last save went
     quint8 descriptionLine = 0;
     std::mutex orderMutex;
     QHash<QByteArray, std::string> intoClauses; ///< by table; guarded by orderMutex
@@ -67,6 +69,21 @@ struct ObjectDataBase::State
     [[nodiscard]] bool refusesWrites() const { return writesBlocked || generating; }
     /// Reserves a working file and notes it for deletion.
     QString newWorkingFile();
+    void dropWorkingFile(const QString &path);
+    /// What is open, to come back to if what is to take its place turns out to be of no use.
+    struct Former
+    {
+        QString file;
+        QString path;
+        QString damage;
+        bool externallyModified = false;
+    };
+    [[nodiscard]] Former present() const;
+    void goBackTo(const Former &former);
+    /// Where the store has its database, in the form of `workingFiles`.
+    [[nodiscard]] QString presentFile() const;
+    bool openWorkingFile(const QString &path);
+    [[nodiscard]] QString copyInPlaceOfDamaged(const QString &snapshot, QString &error);
     /// Settings that give up safety: the working copy is disposable, and opening a project runs
     /// thousands of small statements.
     void runPragmas(int cachePages);

@@ -1,6 +1,8 @@
 #include "store/objectdatabase_p.h"
 
 #include "store/databasetextconverter.h"
+#include "store/projectfile.h"
+#include "store/projectguard.h"
 #include "store/schema.h"
 #include "store/workingcopy.h"
 
@@ -8,7 +10,7 @@
 #include <QCryptographicHash>
 #include <QDateTime>
 #include <QDebug>
-#include <QFile>
+#include <QDir>
 #include <QFileInfo>
 #include <QSet>
 
@@ -115,26 +117,6 @@ bool addTableToHash(StatementRunner &runner, const QString &table, QCryptographi
     return done;
 }
 
-/// Why a file can't be saved to; empty if it can. The permission bits count as well, since for
-/// a privileged user every file looks writable.
-QString targetFault(const QString &target)
-{
-    if (target.isEmpty())
-        return QStringLiteral("no file name to save to");
-    const QFileInfo info(target);
-    if (info.isDir())
-        return target + QLatin1String(": is a folder");
-    // A device or a pipe would be replaced by the file.
-    if (info.exists() && !info.isFile())
-        return target + QLatin1String(": is no ordinary file");
-    constexpr auto writeBits = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-    if (info.exists() && (!info.isWritable() || !(info.permissions() & writeBits)))
-        return target + QLatin1String(": the file is read-only");
-    if (!QFileInfo(info.absolutePath()).isDir())
-        return target + QLatin1String(": the folder does not exist");
-    return {};
-}
-
 bool isReferenceDatabase(const QString &target)
 {
     return QFileInfo(target).completeSuffix().toLower() == QLatin1String("data");
@@ -145,30 +127,39 @@ bool isReferenceDatabase(const QString &target)
 QString ObjectDataBase::contentHash()
 {
     QCryptographicHash hash(QCryptographicHash::Sha256);
+    bool read = false;
     d->runner.exclusive([&] {
         QStringList tables;
-        d->runner.forEachRow(
+        read = d->runner.forEachRow(
             QStringLiteral("SELECT name FROM sqlite_master WHERE type='table' ORDER BY name"),
-            [&](const ResultRow &row) { tables.append(row.value(0).toString()); });
-        for (const QString &table : tables) {
+            [&](const ResultRow &row) { tables.append(row.value(0).toString()); }, Q_FUNC_INFO);
+        for (const QString &table : std::as_const(tables)) {
             hash.addData(table.toUtf8() + '\n');
-            if (!addTableToHash(d->runner, table, hash))
+            if (!addTableToHash(d->runner, table, hash)) {
                 qDebug() << Q_FUNC_INFO << table << d->runner.lastError();
+                read = false;
+            }
         }
+        read = read && !tables.isEmpty();
     });
-    return QString::fromLatin1(hash.result().toHex());
+    return read ? QString::fromLatin1(hash.result().toHex()) : QString();
 }
 
-void ObjectDataBase::checkExternalModification()
+/// False if the content can't be read.
+bool ObjectDataBase::checkExternalModification()
 {
     d->externallyModified = false;
     const QString stored = getMiscSetting(fileHashKey);
-    if (stored.isEmpty() || contentHash() == stored)
-        return;
+    if (stored.isEmpty())
+        return true;
+    const QString found = contentHash();
+    if (found.isEmpty() || found == stored)
+        return !found.isEmpty();
     d->externallyModified = true;
     const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
     const QString log = getMiscSetting(tamperLogKey);
     setMiscSetting(tamperLogKey, log.isEmpty() ? now : log + u';' + now);
+    return true;
 }
 
 void ObjectDataBase::purgeStrings()
@@ -203,21 +194,39 @@ bool ObjectDataBase::saveDatabase(const QString &path)
                                                                        : saveDatabaseAsSql(target);
 }
 
-bool ObjectDataBase::mayBeSaved(const QString &target)
+void ObjectDataBase::setBackupRule(BackupRule rule)
 {
-    d->lastError = d->refusesWrites() ? target + QLatin1String(": a running job uses the project")
-                                      : targetFault(target);
-    if (d->lastError.isEmpty())
-        return true;
+    d->backupRule = rule;
+}
+
+bool ObjectDataBase::refuseSave(const QString &target, const QString &reason)
+{
+    d->lastError = target + QLatin1String(": ") + reason;
     qDebug() << Q_FUNC_INFO << d->lastError;
     return false;
 }
 
-void ObjectDataBase::writeSaveKeys()
+bool ObjectDataBase::mayBeSaved(const QString &target)
 {
-    setMiscSetting(QStringLiteral("SaveToolType"), QCoreApplication::applicationName());
-    setMiscSetting(QStringLiteral("SaveToolVersion"), QCoreApplication::applicationVersion());
-    setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
+    if (d->refusesWrites())
+        return refuseSave(target, QStringLiteral("a running job uses the project"));
+    if (isDamaged())
+        return refuseSave(target,
+                          QStringLiteral("not saved, as a part of the project may be lost "
+                                         "in the working copy \"%1\": %2")
+                              .arg(QDir::toNativeSeparators(d->presentFile()), d->runner.damage()));
+    d->lastError = ProjectFile::targetFault(target);
+    if (!d->lastError.isEmpty())
+        qDebug() << Q_FUNC_INFO << d->lastError;
+    return d->lastError.isEmpty();
+}
+
+bool ObjectDataBase::writeSaveKeys()
+{
+    return setMiscSetting(QStringLiteral("SaveToolType"), QCoreApplication::applicationName()) &&
+           setMiscSetting(QStringLiteral("SaveToolVersion"),
+                          QCoreApplication::applicationVersion()) &&
+           setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
 }
 
 bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
@@ -237,33 +246,70 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
             Q_FUNC_INFO);
         d->objects.clear(0);
     }
-    writeSaveKeys();
-    setMiscSetting(fileHashKey, contentHash());
-    return writeProjectFile(target);
+    const bool hasKeys = writeSaveKeys();
+    const QString hash = contentHash();
+    if (!hasKeys || hash.isEmpty() || !setMiscSetting(fileHashKey, hash))
+        d->runner.noteDamage(d->runner.lastReason());
+    return mayBeSaved(target) && writeProjectFile(target, hash);
 }
 
-bool ObjectDataBase::writeProjectFile(const QString &target)
+bool ObjectDataBase::writeProjectFile(const QString &target, const QString &hash)
 {
-    const QString backup = target + QLatin1String(".bak");
-    QFile::remove(backup);
-    QFile::rename(target, backup);
+    using ProjectFile::Backup;
+    const bool isAgain = d->backupRule == BackupRule::FirstSave && d->savedPath == target;
     QString error;
+    QString fault;
     bool written = false;
     // No statement of another thread may change the working copy while it is read.
-    d->runner.exclusive(
-        [&] { written = WorkingCopy::copyFile(d->runner.fileName(), target, error); });
+    d->runner.exclusive([&] {
+        fault = ProjectGuard::fileFault(d->presentFile(), hash);
+        written =
+            fault.isEmpty() && ProjectFile::replace(target, d->presentFile(),
+                                                    isAgain ? Backup::Leave : Backup::Make, error);
+    });
     if (written) {
         d->projectPath = target;
+        d->savedPath = target;
         return true;
     }
-    qDebug() << "ERROR copy " << d->runner.fileName() << "to " << target << error;
-    d->lastError = target + QLatin1String(": ") + error;
-    // Half a project must not stay under the user's name; the last good one is put back beside
-    // its backup as far as there is room.
-    QFile::remove(target);
-    if (QFile::exists(backup) && !QFile::copy(backup, target))
-        QFile::remove(target);
+    if (!fault.isEmpty()) {
+        d->runner.noteDamage(fault);
+        return mayBeSaved(target);
+    }
+    d->lastError = error;
+    qDebug() << "ERROR copy " << d->presentFile() << "to " << target << error;
     return false;
+}
+
+bool ObjectDataBase::writeText(const QString &path)
+{
+    DatabaseTextConverter writer(*this, path);
+    const bool written = writer.convertSqlToText();
+    if (!written)
+        d->lastError = writer.errorText();
+    return written;
+}
+
+/// A text project holds less than the database, so its hash is the one of what a reader of the text
+/// gets.
+bool ObjectDataBase::textHash(const QString &trial, QString &hash)
+{
+    ObjectDataBase reader;
+    if (!reader.createNewDataBase()) {
+        d->lastError = reader.lastErrorText();
+        return false;
+    }
+    DatabaseTextConverter trialReader(reader, trial);
+    if (!trialReader.convertTextToSql()) {
+        d->lastError = trialReader.errorText();
+        return false;
+    }
+    hash = reader.contentHash();
+    if (reader.isDamaged() || hash.isEmpty()) {
+        d->lastError = reader.d->runner.damage();
+        return false;
+    }
+    return true;
 }
 
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)
@@ -273,32 +319,29 @@ bool ObjectDataBase::saveDatabaseAsText(const QString &path)
         return false;
     deleteNode(comparisonLine);
     deleteNode(stagingLine);
-    writeSaveKeys();
-
-    // A text project holds less than the database, so its hash is the one of what a reader of
-    // the text gets. The key must be there already, as it will be for that reader.
+    bool hasKeys = writeSaveKeys();
+    // The key must be there already, as it will be for the reader.
     if (getMiscSetting(fileHashKey).isEmpty())
-        setMiscSetting(fileHashKey, QStringLiteral("0"));
-    const QString trial = d->newWorkingFile();
-    DatabaseTextConverter trialWriter(*this, trial);
-    ObjectDataBase reader;
-    if (!trialWriter.convertSqlToText() || !reader.createNewDataBase()) {
-        d->lastError = trialWriter.errorText();
+        hasKeys = setMiscSetting(fileHashKey, QStringLiteral("0")) && hasKeys;
+    if (!hasKeys)
+        d->runner.noteDamage(d->runner.lastReason());
+    if (const QString fault = ProjectGuard::integrityFault(d->runner); !fault.isEmpty())
+        d->runner.noteDamage(fault);
+    if (!mayBeSaved(target))
         return false;
+    const QString text = d->newWorkingFile();
+    QString hash;
+    bool written = false;
+    if (text.isEmpty()) {
+        d->lastError = WorkingCopy::noFolderText();
+    } else if (writeText(text) && textHash(text, hash) && setMiscSetting(fileHashKey, hash) &&
+               writeText(text)) {
+        written = ProjectFile::replace(target, text, ProjectFile::Backup::Leave, d->lastError);
     }
-    DatabaseTextConverter trialReader(reader, trial);
-    if (!trialReader.convertTextToSql()) {
-        d->lastError = trialReader.errorText();
-        return false;
-    }
-    QFile::remove(trial);
-    setMiscSetting(fileHashKey, reader.contentHash());
-
-    DatabaseTextConverter writer(*this, target);
-    if (!writer.convertSqlToText()) {
-        d->lastError = writer.errorText();
-        return false;
-    }
-    d->projectPath = target;
-    return true;
+    d->dropWorkingFile(text);
+    if (written)
+        d->projectPath = target;
+    else if (!d->lastError.startsWith(target))
+        return refuseSave(target, d->lastError);
+    return written;
 }

@@ -2,11 +2,15 @@
 
 #include "store/workingcopy.h"
 
-#include <QDir>
 #include <QFile>
 
 bool ObjectDataBase::takeSnapshot(const QString &path)
 {
+    // It would take the place of a good one.
+    if (isDamaged()) {
+        d->lastError = QLatin1String("the working copy can't be trusted: ") + d->runner.damage();
+        return false;
+    }
     QFile::remove(path);
     setThreadBlock(true);
     bool done = false;
@@ -16,10 +20,25 @@ bool ObjectDataBase::takeSnapshot(const QString &path)
     } else {
         done = d->runner.exec(QLatin1String("VACUUM INTO ") + SqlText::quoted(path), Q_FUNC_INFO);
         if (!done)
-            d->lastError = d->runner.lastError();
+            d->lastError = QStringLiteral("no copy of the project can be made in \"%1\": %2")
+                               .arg(path, d->runner.lastReason());
     }
     setThreadBlock(false);
     return done;
+}
+
+/// Another try for a store whose working copy is of no use, and in the way.
+QString ObjectDataBase::State::copyInPlaceOfDamaged(const QString &snapshot, QString &error)
+{
+    if (runner.damage().isEmpty())
+        return {};
+    const QString damaged = presentFile();
+    runner.close();
+    dropWorkingFile(damaged);
+    const QString file = WorkingCopy::reserveCopy(snapshot, error);
+    if (file.isEmpty())
+        runner.noteDamage(error);
+    return file;
 }
 
 bool ObjectDataBase::restoreSnapshot(const QString &path)
@@ -30,23 +49,30 @@ bool ObjectDataBase::restoreSnapshot(const QString &path)
     }
     setThreadBlock(true);
     d->runner.waitForStatements();
-    const QString formerFile = d->runner.fileName();
-    QString file = d->newWorkingFile();
+    const State::Former former = d->present();
     QString error;
     // The snapshot stays on the undo stack, so the store works on a copy of it.
-    const bool copied = !file.isEmpty() && WorkingCopy::copyFile(path, file, error);
-    if (!copied) {
+    QString file = WorkingCopy::reserveCopy(path, error);
+    if (file.isEmpty())
+        file = d->copyInPlaceOfDamaged(path, error);
+    bool restored = false;
+    if (file.isEmpty()) {
+        qDebug() << Q_FUNC_INFO << path << error;
         d->lastError = QStringLiteral("could not copy snapshot '%1'").arg(path);
-        file = formerFile;
-    }
-    const bool opened = d->runner.open(QDir::toNativeSeparators(file));
-    if (opened) {
-        d->runPragmas(State::cachePagesOpen);
-        d->clearCaches();
-        d->strings.rebuild();
+    } else {
+        d->workingFiles.append(file);
+        restored = d->openWorkingFile(file);
+        if (restored) {
+            d->runPragmas(State::cachePagesOpen);
+            d->strings.rebuild();
+            d->dropWorkingFile(former.file);
+        } else {
+            d->lastError = QStringLiteral("could not open snapshot '%1'").arg(path);
+            d->goBackTo(former);
+        }
     }
     setThreadBlock(false);
-    if (opened)
+    if (restored)
         notify({.kind = ProjectReplaced});
-    return copied && opened;
+    return restored;
 }

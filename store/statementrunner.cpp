@@ -78,6 +78,48 @@ void takeRows(QSqlQuery &query, const StatementRunner::RowFunction &row, DirectA
     }
 }
 
+SqlFailure failureOf(const QSqlQuery &query)
+{
+    const QSqlError error = query.lastError();
+    return {error.text(), error.nativeErrorCode().toInt() & 0xFF};
+}
+
+/// The result codes of the database library that tell a user something. Their numbers are part of
+/// its file format's documentation and never change.
+struct FailureReason
+{
+    int code;
+    /// The database may hold half of what was to be written: it has no journal to go back by.
+    bool isDamaging;
+    const char *text;
+};
+
+constexpr FailureReason failureReasons[] = {
+    {5, false, "another program uses it"},
+    {7, true, "the memory is used up"},
+    {8, true, "it is read-only"},
+    {9, true, "a statement took too long"},
+    {10, true, "the disk reported an error"},
+    {11, true, "the file is damaged and can't be read completely"},
+    {13, true, "the disk is full"},
+    {14, false, "the file can't be opened"},
+    {18, false, "a text is too long"},
+    {26, true, "it is no project but a file of another kind"},
+};
+
+const FailureReason *failureReason(int code)
+{
+    const auto *found = std::find_if(std::begin(failureReasons), std::end(failureReasons),
+                                     [&](const FailureReason &r) { return r.code == code; });
+    return found == std::end(failureReasons) ? nullptr : found;
+}
+
+/// Such a statement writes into another file and only reads the database.
+bool copiesDatabase(QByteArrayView statement)
+{
+    return statement.startsWith("VACUUM INTO");
+}
+
 } // namespace
 
 /// One statement's (or one exclusive body's) stay at the connection.
@@ -116,6 +158,11 @@ bool StatementRunner::open(const QString &fileName)
         m_database.close();
         m_database.setDatabaseName(fileName);
         opened = m_direct.open(m_database);
+        const QSqlError error = m_database.lastError();
+        const std::scoped_lock lock(m_errorMutex);
+        m_damage.clear();
+        m_lastError = error.text();
+        m_lastCode = error.nativeErrorCode().toInt() & 0xFF;
     });
     return opened;
 }
@@ -125,6 +172,7 @@ void StatementRunner::close()
     exclusive([&] {
         m_direct.release();
         m_database.close();
+        m_database.setDatabaseName(QString());
     });
 }
 
@@ -165,8 +213,9 @@ void StatementRunner::leave()
 bool StatementRunner::run(QByteArrayView statement, const RowFunction *row, Rows rows,
                           const char *context)
 {
-    QString error;
+    SqlFailure error;
     bool done = false;
+    m_direct.startClock();
     if (m_direct.isAvailable()) {
         done = m_direct.run(statement, row, rows, error);
     } else {
@@ -175,14 +224,14 @@ bool StatementRunner::run(QByteArrayView statement, const RowFunction *row, Rows
         done = query.exec(QString::fromUtf8(statement));
         if (done && row != nullptr)
             takeRows(query, *row, rows);
-        error = query.lastError().text();
+        error = failureOf(query);
         done = done && !query.lastError().isValid();
     }
     return finish(done, statement, error, context);
 }
 
 /// What follows on a statement, however it was run.
-bool StatementRunner::finish(bool done, QByteArrayView statement, const QString &error,
+bool StatementRunner::finish(bool done, QByteArrayView statement, const SqlFailure &error,
                              const char *context)
 {
     if (done) {
@@ -192,10 +241,15 @@ bool StatementRunner::finish(bool done, QByteArrayView statement, const QString 
     }
     {
         const std::scoped_lock lock(m_errorMutex);
-        m_lastError = error;
+        m_lastError = error.text;
+        m_lastCode = error.code;
+        const FailureReason *reason = failureReason(error.code);
+        if (reason != nullptr && reason->isDamaging && m_damage.isEmpty() &&
+            !copiesDatabase(statement))
+            m_damage = QString::fromLatin1(reason->text);
     }
     if (context != nullptr)
-        qDebug() << context << QString::fromUtf8(statement) << error;
+        qDebug() << context << QString::fromUtf8(statement) << error.text;
     return false;
 }
 
@@ -215,7 +269,8 @@ bool StatementRunner::execMany(const std::string &statement, qsizetype count,
                                const DirectAccess::FillFunction &fill, const char *context)
 {
     const Passage passage(*this);
-    QString error;
+    SqlFailure error;
+    m_direct.startClock();
     const bool done = m_direct.runMany(statement, count, fill, error);
     return finish(done, statement, error, context);
 }
@@ -242,13 +297,14 @@ bool StatementRunner::execBound(const QString &statement,
 {
     const Passage passage(*this);
     QSqlQuery query(m_database);
+    m_direct.startClock();
     bool done = query.prepare(statement);
     if (done) {
         for (const auto &[name, value] : values)
             query.bindValue(name, value);
         done = query.exec();
     }
-    return finish(done, statement.toUtf8(), query.lastError().text(), context);
+    return finish(done, statement.toUtf8(), failureOf(query), context);
 }
 
 qint64 StatementRunner::insert(const QString &statement, const char *context)
@@ -285,6 +341,27 @@ QString StatementRunner::lastError() const
 {
     const std::scoped_lock lock(m_errorMutex);
     return m_lastError;
+}
+
+QString StatementRunner::lastReason() const
+{
+    const std::scoped_lock lock(m_errorMutex);
+    const FailureReason *reason = failureReason(m_lastCode);
+    return reason == nullptr ? QStringLiteral("the database refuses it")
+                             : QString::fromLatin1(reason->text);
+}
+
+void StatementRunner::noteDamage(const QString &reason)
+{
+    const std::scoped_lock lock(m_errorMutex);
+    if (m_damage.isEmpty())
+        m_damage = reason;
+}
+
+QString StatementRunner::damage() const
+{
+    const std::scoped_lock lock(m_errorMutex);
+    return m_damage;
 }
 
 void StatementRunner::setBlock(bool block)

@@ -65,6 +65,12 @@ public:
     bool transaction(const std::function<void()> &body);
     /// Error text of this thread's last failed statement.
     [[nodiscard]] QString lastError() const;
+    /// The same for a user, as part of a sentence about the database or its file.
+    [[nodiscard]] QString lastReason() const;
+    /// Why the database can't be trusted since a statement failed half-way, as part of a sentence;
+    /// empty if it can. The next `open` ends it.
+    [[nodiscard]] QString damage() const;
+    void noteDamage(const QString &reason);
 
     /// While active, only threads that activated it run statements. Blocks do not nest: the first
     /// release ends it for all.
@@ -83,16 +89,18 @@ private:
     [[nodiscard]] bool mayPass();
     using Rows = DirectAccess::Rows;
     bool run(QByteArrayView statement, const RowFunction *row, Rows rows, const char *context);
-    bool finish(bool done, QByteArrayView statement, const QString &error, const char *context);
+    bool finish(bool done, QByteArrayView statement, const SqlFailure &error, const char *context);
 
     QString m_connectionName;
     QSqlDatabase m_database;
     DirectAccess m_direct; ///< guarded by m_connection
     std::recursive_mutex m_connection;
     std::atomic<Qt::HANDLE> m_owner{nullptr};
-    int m_depth = 0;     ///< guarded by m_connection
-    QString m_lastError; ///< guarded by m_connection
+    int m_depth = 0; ///< guarded by m_connection
     mutable std::mutex m_errorMutex;
+    QString m_lastError; ///< guarded by m_errorMutex
+    int m_lastCode = 0;  ///< guarded by m_errorMutex
+    QString m_damage;    ///< guarded by m_errorMutex
     QMutex m_threadMutex;
     QList<Qt::HANDLE> m_blockingThreads; ///< guarded by m_threadMutex
     std::atomic<int> m_blockActive{0};

@@ -1,16 +1,13 @@
 #include "store/undomanager.h"
 
 #include "store/objectdatabase.h"
+#include "store/workingcopy.h"
 
 #include <QCoreApplication>
-#include <QDateTime>
 #include <QDebug>
-#include <QDir>
 #include <QFile>
-#include <QFileInfo>
 #include <QScopedValueRollback>
 #include <QSettings>
-#include <QStandardPaths>
 #include <QThread>
 #include <QVariant>
 
@@ -18,7 +15,6 @@ namespace {
 
 constexpr int debounceMilliseconds = 500;
 constexpr int defaultDepth = 20;
-constexpr int daysKept = 7;
 
 int maxDepthOfUser()
 {
@@ -31,32 +27,13 @@ int maxDepthOfUser()
     return isNumber ? qMax(1, depth) : defaultDepth;
 }
 
-/// Crashed runs leave their folders behind. Those of runs that are still going on are younger.
-void deleteOldFolders(const QString &dataFolder)
-{
-    const QDateTime oldest = QDateTime::currentDateTime().addDays(-daysKept);
-    // A link could lead to anything; its target is none of ours.
-    const QFileInfoList folders =
-        QDir(dataFolder)
-            .entryInfoList({QStringLiteral("undo_*")},
-                           QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks);
-    for (const QFileInfo &folder : folders) {
-        if (folder.lastModified() < oldest)
-            QDir(folder.absoluteFilePath()).removeRecursively();
-    }
-}
-
 } // namespace
 
 UndoManager::UndoManager(QObject *parent) : QObject(parent), m_maxDepth(maxDepthOfUser())
 {
-    const QString dataFolder =
-        QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    QDir().mkpath(dataFolder);
-    deleteOldFolders(dataFolder);
-    m_folder = QStringLiteral("%1/undo_%2")
-                   .arg(dataFolder, QString::number(QCoreApplication::applicationPid()));
-    QDir().mkpath(m_folder);
+    WorkingCopy::deleteAbandoned();
+    m_folder = WorkingCopy::reserveFolder(QLatin1String("undo_") +
+                                          QString::number(QCoreApplication::applicationPid()));
 
     m_debounceTimer.setSingleShot(true);
     m_debounceTimer.setInterval(debounceMilliseconds);
@@ -66,7 +43,7 @@ UndoManager::UndoManager(QObject *parent) : QObject(parent), m_maxDepth(maxDepth
 UndoManager::~UndoManager()
 {
     clear();
-    QDir(m_folder).removeRecursively();
+    WorkingCopy::removeFolder(m_folder);
 }
 
 void UndoManager::setDatabase(const std::shared_ptr<ObjectDataBase> &store)
@@ -134,7 +111,33 @@ void UndoManager::clear()
     m_pending = false;
     deleteFiles(m_undoStack);
     deleteFiles(m_redoStack);
+    deleteFiles(m_lastGood);
     tellState();
+}
+
+QString UndoManager::lastGoodSnapshot() const
+{
+    if (!m_lastGood.isEmpty())
+        return m_lastGood.constLast();
+    return m_undoStack.isEmpty() ? QString() : m_undoStack.constLast();
+}
+
+bool UndoManager::restoreLastGood()
+{
+    if (m_store == nullptr || lastGoodSnapshot().isEmpty())
+        return false;
+    {
+        const Suspension suspension(*this);
+        if (!restoreLast({lastGoodSnapshot()}))
+            return false;
+        // Nothing leads from there to the other states: all of them start anew.
+        clear();
+        m_disabled = false;
+        takeSnapshot();
+        emit restored();
+    }
+    tellState();
+    return true;
 }
 
 void UndoManager::handleDatabaseWrite()
@@ -209,14 +212,19 @@ bool UndoManager::takeSnapshot()
     ++m_counter;
     const QString path = QStringLiteral("%1/snap_%2.db").arg(m_folder, QString::number(m_counter));
     const QScopedValueRollback ownBlock(m_ownBlock, true);
-    if (m_store->takeSnapshot(path)) {
+    if (!m_folder.isEmpty() && m_store->takeSnapshot(path)) {
         m_undoStack.append(path);
         return true;
     }
     qDebug() << Q_FUNC_INFO << "snapshot failed, undo disabled:" << m_store->lastErrorText();
     QFile::remove(path); // a full disk leaves half of it behind
     m_disabled = true;
+    // If the store is broken, this is all that is left of the project. It is no step.
+    const QString lastGood = m_folder + QStringLiteral("/.lastgood.db");
+    const bool isKept = !m_undoStack.isEmpty() && QFile::rename(m_undoStack.constLast(), lastGood);
     clear();
+    if (isKept)
+        m_lastGood.append(lastGood);
     emit switchedOff();
     return false;
 }

@@ -27,7 +27,8 @@ class ObjectDataBase;
 /// through queued signals. Shares the store with its other owners.
 ///
 /// Errors: a snapshot that can't be taken (another thread's statements did not finish in time, the
-/// disk is full) is logged and ends undo for this store until the next `setDatabase`. A step whose
+/// disk is full) is logged and ends undo for this store until the next `setDatabase`; the newest
+/// snapshot is kept for `restoreLastGood`. A step whose
 /// snapshot can't be restored is logged and changes nothing; the store's `lastErrorText` says why.
 class UndoManager : public QObject
 {
@@ -48,7 +49,7 @@ public:
         UndoManager &m_manager;
     };
 
-    /// Deletes folders of former runs that are more than a week old.
+    /// Deletes what runs that are gone have left behind more than a week ago.
     explicit UndoManager(QObject *parent = nullptr);
     /// Deletes all snapshots.
     ~UndoManager() override;
@@ -67,6 +68,12 @@ public:
     /// Names the store's present state for as long as it can be stepped back to; empty while there
     /// are edits that have no snapshot yet.
     [[nodiscard]] QString currentState() const;
+    /// The newest state that has a snapshot, as the path of that; empty if there is none. It
+    /// outlives the end of undo by a failed snapshot.
+    [[nodiscard]] QString lastGoodSnapshot() const;
+    /// Takes a store that `isDamaged` back to that state. What was written since then is lost, and
+    /// so are all steps. False, with the reason in the store's `lastErrorText`, if it can't.
+    bool restoreLastGood();
     /// Forgets all steps.
     void clear();
 
@@ -104,6 +111,7 @@ private:
     std::shared_ptr<ObjectDataBase> m_store;
     QStringList m_undoStack; ///< oldest first; the last one is the state of the store now
     QStringList m_redoStack; ///< what undo has left, last undone last
+    QStringList m_lastGood;  ///< one at most: what is kept when undo has ended
     QTimer m_debounceTimer;
     QString m_folder;
     int m_counter = 0; ///< number of the newest snapshot

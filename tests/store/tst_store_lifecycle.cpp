@@ -1,4 +1,5 @@
 #include "tests/store/storetest.h"
+#include "tests/support/filesizelimit.h"
 
 #include <QCryptographicHash>
 #include <QProcess>
@@ -8,6 +9,7 @@
 
 #ifdef Q_OS_LINUX
 #include <sys/mount.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -29,6 +31,11 @@ private slots:
     void readOnlyFileOpensButIsNotSavedOver();
     void refusesTargets();
     void fullTargetKeepsTheOldProject();
+    void refusesHostileFiles_data();
+    void refusesHostileFiles();
+    void refusesWhatIsNoOrdinaryFile();
+    void savedFileStaysWhatItWas();
+    void brokenWorkingCopyIsNotSaved();
     void foreignChangeIsNoticedOnce();
     void hashIsIndependentOfLayout();
     void referenceDatabaseMarksItsRows();
@@ -153,6 +160,15 @@ void TestStoreLifecycle::refusesUnusableFiles_data()
     QByteArray damaged = good;
     damaged.replace(good.size() / 2, 6000, QByteArray(6000, '\x5A'));
     QTest::newRow("damaged") << damaged << true;
+    // Only the entries of an index: every table can still be read.
+    QByteArray wrongIndex = good;
+    constexpr int pageSize = 4096;
+    constexpr char indexLeaf = 10;
+    for (qsizetype page = pageSize; page < wrongIndex.size(); page += pageSize) {
+        if (wrongIndex.at(page) == indexLeaf && wrongIndex.at(page + 4) > 10)
+            wrongIndex[page + pageSize - 1] = char(wrongIndex.at(page + pageSize - 1) ^ 1);
+    }
+    QTest::newRow("damaged index") << wrongIndex << true;
 }
 
 void TestStoreLifecycle::refusesUnusableFiles()
@@ -239,18 +255,142 @@ void TestStoreLifecycle::fullTargetKeepsTheOldProject()
     const bool savedOver = store.saveDatabase(file);
     const QString error = store.lastErrorText();
     ObjectDataBase other;
-    const bool opened = other.openDataBase(file + QLatin1String(".bak"));
+    const bool opened = other.openDataBase(file);
     const int objects = int(other.getIndices(0).size());
-    const QString half = QFile::exists(file) && !other.openDataBase(file) ? file : QString();
+    const QStringList left = QDir(folder).entryList(QDir::Files | QDir::Hidden);
+    // The folder takes no new file, and the disk has no room to write over the one that is there.
+    QFile::setPermissions(folder, QFile::ReadOwner | QFile::ExeOwner);
+    const QByteArray content = contentOf(file);
+    const bool savedInPlace = store.saveDatabase(file);
+    const bool isUntouched = contentOf(file) == content;
+    for (int i = 0; i < 2000; ++i)
+        store.deleteIndex(0, quint16(0x2000 + i));
+    store.purgeStrings();
+    store.executeSql(QStringLiteral("VACUUM"));
+    const bool smallerFits = store.saveDatabase(file);
     umount(qPrintable(folder));
-    QVERIFY(saved);
-    QVERIFY(!savedOver);
+    QVERIFY(saved && opened);
+    QVERIFY(!savedOver && !savedInPlace);
     QVERIFY2(error.startsWith(file), qPrintable(error));
-    QVERIFY(opened);
     QCOMPARE(objects, 0);
-    QVERIFY2(half.isEmpty(), "half a project stands under the user's name");
+    QCOMPARE(left, QStringList(QStringLiteral("a.vxmp")));
+    QVERIFY(isUntouched && smallerFits);
     QVERIFY(store.saveDatabase(path("elsewhere.vxmp")));
 #endif
+}
+
+void TestStoreLifecycle::refusesHostileFiles_data()
+{
+    QTest::addColumn<QStringList>("statements");
+    QTest::addColumn<QString>("word");
+    QTest::newRow("endless view")
+        << QStringList{"drop table Nodes",
+                       "create view Nodes as with recursive n(i) as (select 0 union all select i+1 "
+                       "from n) select i as nodeId from n"}
+        << "view";
+    QTest::newRow("trigger") << QStringList("create trigger t after update on MiscSettings begin "
+                                            "delete from SubObjects0; end")
+                             << "trigger";
+    QTest::newRow("computed column")
+        << QStringList("create table X (a, b as (hex(zeroblob(100000000))))") << "computed";
+    QTest::newRow("line") << QStringList("insert into Nodes (nodeId) values (300)") << "line";
+    QStringList tables;
+    for (int i = 0; i < 5000; ++i)
+        tables.append(QStringLiteral("create table t%1 (a)").arg(i));
+    QTest::newRow("tables") << QStringList{"PRAGMA synchronous=OFF", "begin"} + tables +
+                                   QStringList("commit")
+                            << "tables";
+}
+
+void TestStoreLifecycle::refusesHostileFiles()
+{
+    QFETCH(QStringList, statements);
+    QFETCH(QString, word);
+    const QString file = makeProject("hostile.vxmp");
+    runOn(file, statements);
+    ObjectDataBase store;
+    QVERIFY(!store.openDataBase(file));
+    QVERIFY2(store.lastErrorText().contains(word), qPrintable(store.lastErrorText()));
+}
+
+/// What a reader would wait for, or never come to the end of, and a writer would replace.
+void TestStoreLifecycle::refusesWhatIsNoOrdinaryFile()
+{
+#ifdef Q_OS_LINUX
+    const QString pipe = path("pipe.vxmt");
+    QCOMPARE(mkfifo(qPrintable(pipe), 0666), 0);
+    QVERIFY(QFile::link(pipe, path("link.vxmp")));
+    QVERIFY(QFile::link(QStringLiteral("/dev/zero"), path("device.vxmt")));
+    ObjectDataBase store;
+    QVERIFY(store.createNewDataBase());
+    for (const QString &strange : {pipe, path("link.vxmp"), path("device.vxmt")}) {
+        QVERIFY(!store.openDataBase(strange));
+        QVERIFY2(store.lastErrorText().contains(u"no ordinary file"),
+                 qPrintable(store.lastErrorText()));
+        QVERIFY(!store.saveDatabase(strange));
+        QVERIFY(!QFileInfo(strange).isFile());
+    }
+#endif
+}
+
+void TestStoreLifecycle::savedFileStaysWhatItWas()
+{
+    const QString file = makeProject("a.vxmp");
+    const QByteArray users = contentOf(file);
+    const QString link = path("link.vxmp");
+    QVERIFY(QFile::link(file, link));
+    QVERIFY(QFile::setPermissions(file, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup |
+                                            QFile::ExeOther));
+    const QFile::Permissions permissions = QFile::permissions(file);
+    ObjectDataBase store;
+    QVERIFY(store.openDataBase(link));
+    store.setBackupRule(ObjectDataBase::BackupRule::FirstSave);
+    for (const char *name : {"once", "twice"}) {
+        store.setIndexName(0, 0x2000, QString::fromLatin1(name));
+        QVERIFY2(store.saveDatabase(), qPrintable(store.lastErrorText()));
+    }
+    QVERIFY(QFileInfo(link).isSymLink());
+    QCOMPARE(QFile::permissions(file), permissions);
+    QCOMPARE(contentOf(file + QLatin1String(".bak")), users);
+    ObjectDataBase other;
+    QVERIFY(other.openDataBase(file));
+    QCOMPARE(other.getIndexName(0, 0x2000), QStringLiteral("twice"));
+}
+
+void TestStoreLifecycle::brokenWorkingCopyIsNotSaved()
+{
+    const QString file = makeProject("a.vxmp");
+    const QByteArray users = contentOf(file);
+    ObjectDataBase store;
+    QVERIFY(store.openDataBase(file));
+    const QString snapshot = path("good.db");
+    QVERIFY(store.takeSnapshot(snapshot));
+    {
+        // Nothing can be added from here on, as on a full disk.
+        const FileSizeLimit limit(unsigned(QFileInfo(store.workingFiles().constLast()).size()));
+        for (int i = 0; i < 500 && !store.isDamaged(); ++i)
+            store.addIndex(0, quint16(0x3000 + i), {.name = QString(300, u'n')});
+    }
+    if (!FileSizeLimit::isSupported())
+        QSKIP("needs a limit for the size of files");
+    QVERIFY(store.isDamaged());
+    for (const QString &target : {file, path("a.vxmt")}) {
+        QVERIFY(!store.saveDatabase(target));
+        QVERIFY2(store.lastErrorText().startsWith(target), qPrintable(store.lastErrorText()));
+    }
+    QVERIFY(!store.takeSnapshot(path("bad.db")));
+    QCOMPARE(contentOf(file), users);
+    QVERIFY(store.restoreSnapshot(snapshot) && store.saveDatabase());
+    QCOMPARE(contentOf(file + QLatin1String(".bak")), users);
+
+    // Damage that no statement has met yet.
+    QFile working(store.workingFiles().constLast());
+    QVERIFY(working.open(QIODevice::ReadWrite) && working.seek(working.size() / 2));
+    working.write(QByteArray(8192, '\x5A'));
+    working.close();
+    QVERIFY(!store.saveDatabase() && store.isDamaged());
+    ObjectDataBase other;
+    QVERIFY(other.openDataBase(file));
 }
 
 void TestStoreLifecycle::foreignChangeIsNoticedOnce()
@@ -449,9 +589,12 @@ void TestStoreLifecycle::textProjects()
 void TestStoreLifecycle::textProjectThatIsNone()
 {
     ObjectDataBase store;
-    QVERIFY(store.openDataBase(path("missing.vxmt")));
-    QVERIFY(!store.lastErrorText().isEmpty());
-    QVERIFY2(store.projectPath().isEmpty(), "a save could put an empty project over the file");
+    QVERIFY(store.openDataBase(makeProject("a.vxmp")));
+    store.setIndexName(0, 0x2000, QStringLiteral("edited"));
+    QVERIFY(!store.openDataBase(path("missing.vxmt")));
+    QVERIFY(store.lastErrorText().startsWith(path("missing.vxmt")));
+    QCOMPARE(store.projectPath(), path("a.vxmp"));
+    QCOMPARE(store.getIndexName(0, 0x2000), QStringLiteral("edited"));
 }
 
 void TestStoreLifecycle::snapshots()

@@ -361,7 +361,7 @@ void TestUndoManager::aFailedSnapshotEndsUndo()
     QVERIFY(QDir(undoFolder()).removeRecursively());
     QTest::ignoreMessage(QtDebugMsg,
                          QRegularExpression(QStringLiteral("takeSnapshot.*snapshot failed, undo "
-                                                           "disabled:.*unable to open database")));
+                                                           "disabled:.*no copy of the project can be made")));
     step(QStringLiteral("2"));
     QVERIFY(!m_manager->canUndo() && !m_manager->canRedo());
     QCOMPARE(undoStates.takeLast().value(0).toBool(), false);
