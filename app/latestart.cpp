@@ -134,6 +134,9 @@ void saveProject(VxmMainWindow &window)
 {
     if (!window.options().save)
         return;
+    // A correction of the generation saves once more.
+    if (window.options().generate)
+        window.database().setBackupRule(ObjectDataBase::BackupRule::FirstSave);
     window.on_actionSave_Project_triggered();
     runEventsFor(300);
 }

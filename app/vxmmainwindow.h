@@ -202,6 +202,9 @@ private:
     void warnOfUnappliedEnergyBus();
     [[nodiscard]] bool openSavedProject(ObjectDataBase &saved, QString &error) const;
     [[nodiscard]] int countModifications(QString &readError);
+    bool saveTo(const QString &path);
+    bool saveLastGoodState(const QString &path);
+    bool wantsLastGoodState(const QString &reason);
     [[nodiscard]] bool askToSave(int count, const QString &readError);
     void showError(const QString &text, const QString &informativeText = QString());
 

@@ -14,11 +14,13 @@
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
+#include <QDateTime>
 #include <QDebug>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QFileInfo>
+#include <QLocale>
 #include <QMimeData>
 #include <QScopeGuard>
 #include <QScopedValueRollback>
@@ -32,6 +34,7 @@ constexpr int messageMilliseconds = 5000;
 const QString projectFilter = QStringLiteral("VXM Projects (*.vxmp)");
 const QString oldFilter = QStringLiteral("old project files (*.db)");
 const QString textFilter = QStringLiteral("VXMT Projects (*.vxmt)");
+const QString saveFailed = QStringLiteral("Cannot save project file.");
 const QString filterSeparator = QStringLiteral(";;");
 
 /// Objects of the template that a line without CANopen doesn't have.
@@ -239,26 +242,20 @@ bool VxmMainWindow::openProject(const QString &givenPath)
 bool VxmMainWindow::openStore(const QString &path)
 {
     const QString message = QStringLiteral("Cannot open project file %1.").arg(path);
-    const bool text = isTextProject(path);
-    if (!text && !isDatabaseProject(path)) {
+    if (!isTextProject(path) && !isDatabaseProject(path)) {
         showError(message, QStringLiteral("A project file ends in .vxmp or .vxmt."));
         return false;
     }
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        showError(message, file.errorString());
-        return false;
-    }
-    file.close();
-
     bool opened = false;
     {
         const WaitCursor cursor;
         opened = m_database->openDataBase(path, true);
     }
-    if (!opened)
-        showError(message, m_database->lastErrorText());
-    return opened;
+    if (opened)
+        return true;
+    const QString error = m_database->lastErrorText();
+    showError(message, error.isEmpty() ? QStringLiteral("The file is no project.") : error);
+    return false;
 }
 
 bool VxmMainWindow::acceptsForeignChanges()
@@ -390,6 +387,56 @@ void VxmMainWindow::warnOfUnappliedEnergyBus()
                               QString(), QMessageBox::Ok, QMessageBox::Warning);
 }
 
+/// An empty path stands for the project's own. What goes wrong is told here.
+bool VxmMainWindow::saveTo(const QString &path)
+{
+    {
+        const WaitCursor cursor;
+        const UndoManager::Suspension suspension(*m_undoManager);
+        if (m_database->saveDatabase(path))
+            return true;
+    }
+    const QString reason = m_database->lastErrorText();
+    // A batch run has nobody who could decide.
+    const bool hasChoice = m_database->isDamaged() && !m_options.hidden &&
+                           !m_undoManager->lastGoodSnapshot().isEmpty();
+    if (!hasChoice)
+        showError(saveFailed, reason);
+    return hasChoice && wantsLastGoodState(reason) && saveLastGoodState(path);
+}
+
+bool VxmMainWindow::saveLastGoodState(const QString &path)
+{
+    {
+        const WaitCursor cursor;
+        const bool restored = m_undoManager->restoreLastGood();
+        const UndoManager::Suspension suspension(*m_undoManager);
+        if (restored && m_database->saveDatabase(path))
+            return true;
+    }
+    showError(saveFailed, m_database->lastErrorText());
+    return false;
+}
+
+/// A broken working copy is never saved. What can be had instead is the project as it was when the
+/// last undo step was kept.
+bool VxmMainWindow::wantsLastGoodState(const QString &reason)
+{
+    const QDateTime time = QFileInfo(m_undoManager->lastGoodSnapshot()).lastModified();
+    const QString offer = QStringLiteral("%1\n\nThe project can be saved as it was at %2. What was "
+                                         "changed since then is lost.")
+                              .arg(reason, QLocale().toString(time.time(), QLocale::ShortFormat));
+    return GuiHelper::showMessageBox(
+               this, {.title = GuiHelper::boxTitle(),
+                      .text = saveFailed,
+                      .informativeText = offer,
+                      .buttons = QMessageBox::Cancel,
+                      .icon = QMessageBox::Critical,
+                      .defaultButton = QMessageBox::Cancel,
+                      .extraButtons = {{QStringLiteral("Save Last Good State"),
+                                        QMessageBox::AcceptRole}}}) == GuiHelper::firstExtraButton;
+}
+
 void VxmMainWindow::on_actionSave_Project_triggered()
 {
     if (m_projectDirectory.isEmpty()) {
@@ -409,16 +456,8 @@ bool VxmMainWindow::saveStore(const QString &path)
 {
     // The edits up to now are the step that a later undo comes back to.
     m_undoManager->handleDebounceTimeout();
-    bool saved = false;
-    {
-        const WaitCursor cursor;
-        const UndoManager::Suspension suspension(*m_undoManager);
-        saved = m_database->saveDatabase(path);
-    }
-    if (!saved) {
-        showError(QStringLiteral("Cannot save project file."), m_database->lastErrorText());
+    if (!saveTo(path))
         return false;
-    }
     m_savedHere = true;
     const QFileInfo file(m_database->projectPath());
     statusBar()->showMessage(tr("%1 is saved.").arg(file.fileName()), messageMilliseconds);

@@ -5,12 +5,7 @@
 #include "store/objectdatabase.h"
 
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
-
-#include <filesystem>
-#include <system_error>
 
 namespace {
 
@@ -85,67 +80,12 @@ QStringList leftOutContent(ObjectDataBase &store)
     return result;
 }
 
-/// Moves a file over another one in one step.
-QString moveOver(const QString &from, const QString &to)
+/// Why a project can't be written, without the name that the sentence around it has.
+QString saveFault(const ObjectDataBase &store, const QString &target)
 {
-    std::error_code error;
-    std::filesystem::rename(QFileInfo(from).filesystemFilePath(),
-                            QFileInfo(to).filesystemFilePath(), error);
-    return error ? QString::fromStdString(error.message()) : QString();
-}
-
-/// The bits count as well: an administrator may pass them, but whoever set them meant it.
-bool isWritable(const QFileInfo &file)
-{
-    constexpr auto writeBits = QFile::WriteOwner | QFile::WriteGroup | QFile::WriteOther;
-    return file.isWritable() && (file.permissions() & writeBits);
-}
-
-QString targetFault(const QFileInfo &target)
-{
-    const QFileInfo folder(target.absolutePath());
-    if (target.isDir())
-        return QStringLiteral("it is a folder");
-    if (!folder.isDir())
-        return QStringLiteral("its folder does not exist");
-    if (!isWritable(folder))
-        return QStringLiteral("its folder can't be written");
-    if (target.exists() && !isWritable(target))
-        return QStringLiteral("the file is read-only");
-    return {};
-}
-
-/// The former content of a database file stays beside it, as it does when the tool saves.
-QString keepBackup(const QString &target, const QString &staging)
-{
-    if (!QFile::exists(target) || suffixOf(target) != databaseSuffix)
-        return {};
-    const QString copy = staging + QLatin1String("/backup");
-    QFile file(target);
-    return file.copy(copy) ? moveOver(copy, target + QLatin1String(".bak")) : file.errorString();
-}
-
-/// Writes the project beside the target first, so that the target is replaced as a whole or
-/// stays as it was. Gives what went wrong, or nothing.
-QString writeProject(ObjectDataBase &store, const QString &path)
-{
-    QFileInfo info(path);
-    if (info.isSymLink() && info.exists())
-        info.setFile(info.canonicalFilePath()); // the link stays one
-    const QString fault = targetFault(info);
-    if (!fault.isEmpty())
-        return fault;
-    const QString target = info.absoluteFilePath();
-    QTemporaryDir staging(info.absolutePath() + QLatin1String("/.quillforge-cli-XXXXXX"));
-    if (!staging.isValid())
-        return QStringLiteral("its folder can't be written");
-    const QString staged = staging.filePath(QStringLiteral("project.") + suffixOf(path));
-    if (!store.saveDatabase(staged))
-        return store.lastErrorText();
-    if (info.exists())
-        QFile::setPermissions(staged, info.permissions());
-    const QString backupFault = keepBackup(target, staging.path());
-    return backupFault.isEmpty() ? moveOver(staged, target) : backupFault;
+    QString fault = store.lastErrorText();
+    const QString prefix = target + QLatin1String(": ");
+    return fault.startsWith(prefix) ? fault.mid(prefix.size()) : fault;
 }
 
 } // namespace
@@ -191,10 +131,11 @@ ExitCode ConvertCommand::run(const CommandCall &call, Console &console) const
         return ExitCode::FileFailed;
     }
     const QStringList lost = suffixOf(to) == textSuffix ? leftOutContent(store) : QStringList();
-    const QString writeFault = writeProject(store, to);
-    if (!writeFault.isEmpty()) {
-        console.error(QStringLiteral("\"%1\" can't be written: %2")
-                          .arg(QDir::toNativeSeparators(to), writeFault.simplified()));
+    const QString target = QFileInfo(to).absoluteFilePath();
+    if (!store.saveDatabase(target)) {
+        console.error(
+            QStringLiteral("\"%1\" can't be written: %2")
+                .arg(QDir::toNativeSeparators(to), saveFault(store, target).simplified()));
         return ExitCode::FileFailed;
     }
     if (!lost.isEmpty())

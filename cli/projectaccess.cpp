@@ -1,5 +1,6 @@
 #include "cli/projectaccess.h"
 
+#include "canopen/safefile.h"
 #include "generation/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
@@ -18,11 +19,9 @@ QString fileFault(const QFileInfo &file)
 {
     if (!file.exists())
         return QStringLiteral("the file does not exist");
-    if (file.isDir())
-        return QStringLiteral("it is a folder");
-    if (!file.isReadable())
-        return QStringLiteral("the file can't be read");
-    return {};
+    if (const QString fault = SafeFile::kindFault(file.filePath()); !fault.isEmpty())
+        return fault;
+    return file.isReadable() ? QString() : QStringLiteral("the file can't be read");
 }
 
 QString sentence(const QString &path, QString reason)
@@ -40,16 +39,10 @@ QString sentence(const QString &path, QString reason)
 /// Why the store holds no project after an open; empty if it holds one.
 QString storeFault(ObjectDataBase &store, bool opened)
 {
-    // An unreadable text counts as opened for the store; only the error text tells.
     const QString error = store.lastErrorText();
     if (!error.isEmpty())
         return error;
-    if (!opened)
-        return QStringLiteral("the file is not a project");
-    if (store.getLines().isEmpty())
-        return QStringLiteral("no working copy can be made, as neither the user's data folder nor "
-                              "the folder for temporary files can be written");
-    return {};
+    return opened ? QString() : QStringLiteral("the file is not a project");
 }
 
 } // namespace
