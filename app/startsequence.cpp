@@ -66,6 +66,7 @@ void startNormally(VxmMainWindow &window)
 int runQuillforge(int argc, char *argv[], const char *applicationName)
 {
     DisplayChoice::apply(argc, argv);
+    UserSettings::stayOutOfMissingHome();
     // Destroyed in reverse order: the window goes first, the application object last.
     TolvexBaseApplication application(argc, argv, QString::fromLatin1(applicationName),
                                       QStringLiteral(QUILLFORGE_VERSION));

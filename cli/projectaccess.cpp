@@ -3,6 +3,7 @@
 #include "canopen/safefile.h"
 #include "generation/generatormainhandler.h"
 #include "store/objectdatabase.h"
+#include "store/projectfile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -17,8 +18,14 @@ const QString wrongEdition = QStringLiteral("File was not created with this tool
 /// What can be told of a file without opening it as a project.
 QString fileFault(const QFileInfo &file)
 {
-    if (!file.exists())
-        return QStringLiteral("the file does not exist");
+    if (!file.exists()) {
+        // A program that was killed while it saved can leave a backup only.
+        const QString backup = ProjectFile::backupPath(file.filePath());
+        const QString missing = QStringLiteral("the file does not exist");
+        return QFileInfo(backup).isFile()
+                   ? missing + QLatin1String("; the version before it is in ") + backup
+                   : missing;
+    }
     if (const QString fault = SafeFile::kindFault(file.filePath()); !fault.isEmpty())
         return fault;
     return file.isReadable() ? QString() : QStringLiteral("the file can't be read");

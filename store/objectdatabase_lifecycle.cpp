@@ -243,12 +243,14 @@ bool ObjectDataBase::openWorkingCopyOf(const QString &path)
     };
     if (QFileInfo(path).size() > ProjectGuard::mostBytesOfFile)
         return fail(QStringLiteral("the file is too large for a project"));
+    const QString folder = WorkingCopy::folder();
+    if (folder.isEmpty())
+        return fail(WorkingCopy::noFolderText());
     QString error;
     const QString working = WorkingCopy::reserveCopy(path, error);
     if (working.isEmpty()) {
         d->lastError = QLatin1String("Error detected: ") + path + QLatin1String(" to ") +
-                       WorkingCopy::folders().join(QLatin1String(", ")) + QLatin1String(": ") +
-                       error;
+                       QDir::toNativeSeparators(folder) + QLatin1String(": ") + error;
         return false;
     }
     d->workingFiles.append(working);

@@ -14,7 +14,7 @@ namespace ProjectGuard {
 
 namespace {
 
-constexpr int mostTables = 4096; ///< 256 lines have half of that
+constexpr int mostTables = 4096; ///< indexes included; 256 lines have half of that
 constexpr int mostLines = 256;
 
 /// A name from a file that may hold anything.
@@ -85,10 +85,10 @@ QString damagedText()
 QString structureFault(StatementRunner &runner)
 {
     QString fault;
-    const QString tables = found(
-        runner, QStringLiteral("select count(*) from sqlite_master where type = 'table'"), fault);
+    const QString tables =
+        found(runner, QStringLiteral("select count(*) from sqlite_master"), fault);
     if (tables.toLongLong() > mostTables)
-        return QStringLiteral("the file has %1 tables, and no project has more than %2")
+        return QStringLiteral("the file has %1 tables and indexes, and no project has more than %2")
             .arg(tables)
             .arg(mostTables);
     const QString program =

@@ -1,11 +1,25 @@
 #include "store/usersettings.h"
 
+#include "store/workingcopy.h"
+
 #include <QCoreApplication>
+#include <QStandardPaths>
+#include <QTemporaryDir>
 
 UserSettings::UserSettings()
     : QSettings(QCoreApplication::organizationName(),
                 QCoreApplication::instance()->property("AppNameWithVersion").toString())
 {
+}
+
+void UserSettings::stayOutOfMissingHome()
+{
+    const QString place = QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation);
+    if (!WorkingCopy::isInMissingHome(place))
+        return;
+    static const QTemporaryDir folder;
+    if (folder.isValid())
+        setPath(NativeFormat, UserScope, folder.path());
 }
 
 QVariant UserSettings::general(const QString &key, const QVariant &defaultValue)

@@ -7,6 +7,9 @@ class UserSettings : public QSettings
 {
 public:
     UserSettings();
+    /// Keeps the settings in a folder of the running program where writing them would make a home
+    /// that isn't there. Before the first use of settings.
+    static void stayOutOfMissingHome();
 
     /// A value of the group "General".
     [[nodiscard]] static QVariant general(const QString &key,

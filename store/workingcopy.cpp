@@ -55,18 +55,6 @@ Reserved &reserved()
     return instance;
 }
 
-/// A folder below a home that isn't there would make that home.
-bool isInMissingHome(const QString &folder)
-{
-    const bool isNamed = !qEnvironmentVariableIsEmpty("HOME");
-#ifdef Q_OS_UNIX
-    if (!isNamed && qEnvironmentVariableIsEmpty("XDG_DATA_HOME"))
-        return true;
-#endif
-    const QString home = QDir::homePath();
-    return isNamed && folder.startsWith(home + u'/') && !QFileInfo(home).isDir();
-}
-
 QString reserveIn(const QString &folder)
 {
     if (isInMissingHome(folder) || !QDir().mkpath(folder))
@@ -121,10 +109,23 @@ void deleteAbandonedOnce()
 
 } // namespace
 
+bool isInMissingHome(const QString &folder)
+{
+    const QString home = QDir::homePath();
+#ifdef Q_OS_UNIX
+    // Without a name for the home the hidden folders of one would lie in the root.
+    if (qEnvironmentVariableIsEmpty("HOME"))
+        return folder.startsWith(QLatin1String("/."));
+#endif
+    return folder.startsWith(home + u'/') && !QFileInfo(home).isDir();
+}
+
 QStringList folders()
 {
     const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-    return data.isEmpty() ? QStringList{QDir::tempPath()} : QStringList{data, QDir::tempPath()};
+    const QString temporary = QDir::tempPath();
+    // A folder that isn't there has no path for Qt.
+    return {data, temporary.isEmpty() ? qEnvironmentVariable("TMPDIR") : temporary};
 }
 
 QString folder()

@@ -10,6 +10,8 @@
 /// deleted by a later one after seven days.
 namespace WorkingCopy {
 
+/// Whether to make a folder would make the home that it lies in.
+[[nodiscard]] bool isInMissingHome(const QString &folder);
 /// Where private files may lie, the better folder first.
 [[nodiscard]] QStringList folders();
 /// The first of them in which files can be made, made if need be; empty if there is none.

@@ -138,6 +138,31 @@ private slots:
         QVERIFY(reopened.indexExists(0, 0x2000));
     }
 
+    /// What the disk has of the working copy is of no use any more.
+    void aBrokenWorkingCopyIsNotSaved()
+    {
+        const QString path = project(u"device.vxmp"_s);
+        Session session;
+        QVERIFY(session.window.openProject(path));
+        session.step(u"7"_s);
+        const auto breakCopy = [&] {
+            QFile working(session.store->workingFiles().constLast());
+            QVERIFY(working.open(QIODevice::ReadWrite) && working.seek(8192));
+            working.write(QByteArray(int(working.size()) - 8192, 'x'));
+        };
+        breakCopy();
+        session.trigger("actionSave_Project");
+        QCOMPARE(shownTexts(), QStringList{u"Cannot save project file."_s});
+        QVERIFY(session.window.isModified());
+        QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"32"_s);
+
+        GuiHelper::queueAnswer(GuiHelper::firstExtraButton);
+        session.trigger("actionSave_Project");
+        QCOMPARE(shownTexts(), QStringList{u"Cannot save project file."_s});
+        QVERIFY(!session.window.isModified());
+        QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"7"_s);
+    }
+
     void foreignChangesAreAskedAbout_data()
     {
         QTest::addColumn<QStringList>("arguments");

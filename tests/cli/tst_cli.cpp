@@ -164,10 +164,10 @@ private slots:
         QTest::newRow("folder text") << u"folder.vxmt"_s << u"is a folder"_s;
         QTest::newRow("empty") << u"empty.vxmp"_s << u"is not a project"_s;
         QTest::newRow("empty text") << u"empty.vxmt"_s << u"empty"_s;
-        QTest::newRow("no database") << u"garbage.vxmp"_s << u"not a database"_s;
+        QTest::newRow("no database") << u"garbage.vxmp"_s << u"a file of another kind"_s;
         QTest::newRow("no text form") << u"garbage.vxmt"_s << u"line 1"_s;
         QTest::newRow("foreign database") << u"foreign.vxmp"_s << u"is not a project"_s;
-        QTest::newRow("cut off") << u"half.vxmp"_s << u"malformed"_s;
+        QTest::newRow("cut off") << u"half.vxmp"_s << u"damaged"_s;
         QTest::newRow("other edition") << u"j1939.vxmp"_s << u"another edition"_s;
     }
 
