@@ -78,9 +78,8 @@ void takeRows(QSqlQuery &query, const StatementRunner::RowFunction &row, DirectA
     }
 }
 
-SqlFailure failureOf(const QSqlQuery &query)
+SqlFailure failureOf(const QSqlError &error)
 {
-    const QSqlError error = query.lastError();
     return {error.text(), error.nativeErrorCode().toInt() & 0xFF};
 }
 
@@ -158,11 +157,11 @@ bool StatementRunner::open(const QString &fileName)
         m_database.close();
         m_database.setDatabaseName(fileName);
         opened = m_direct.open(m_database);
-        const QSqlError error = m_database.lastError();
+        const SqlFailure error = failureOf(m_database.lastError());
         const std::scoped_lock lock(m_errorMutex);
         m_damage.clear();
-        m_lastError = error.text();
-        m_lastCode = error.nativeErrorCode().toInt() & 0xFF;
+        m_lastError = error.text;
+        m_lastCode = error.code;
     });
     return opened;
 }
@@ -224,7 +223,7 @@ bool StatementRunner::run(QByteArrayView statement, const RowFunction *row, Rows
         done = query.exec(QString::fromUtf8(statement));
         if (done && row != nullptr)
             takeRows(query, *row, rows);
-        error = failureOf(query);
+        error = failureOf(query.lastError());
         done = done && !query.lastError().isValid();
     }
     return finish(done, statement, error, context);
@@ -304,7 +303,7 @@ bool StatementRunner::execBound(const QString &statement,
             query.bindValue(name, value);
         done = query.exec();
     }
-    return finish(done, statement.toUtf8(), failureOf(query), context);
+    return finish(done, statement.toUtf8(), failureOf(query.lastError()), context);
 }
 
 qint64 StatementRunner::insert(const QString &statement, const char *context)
@@ -334,7 +333,8 @@ bool StatementRunner::transaction(const std::function<void()> &body)
     const Passage passage(*this);
     const bool outermost = m_database.transaction();
     body();
-    return !outermost || m_database.commit();
+    return !outermost || m_database.commit() ||
+           finish(false, "COMMIT", failureOf(m_database.lastError()), Q_FUNC_INFO);
 }
 
 QString StatementRunner::lastError() const
@@ -346,6 +346,9 @@ QString StatementRunner::lastError() const
 QString StatementRunner::lastReason() const
 {
     const std::scoped_lock lock(m_errorMutex);
+    // What comes after a damage tells nothing new.
+    if (!m_damage.isEmpty())
+        return m_damage;
     const FailureReason *reason = failureReason(m_lastCode);
     return reason == nullptr ? QStringLiteral("the database refuses it")
                              : QString::fromLatin1(reason->text);

@@ -12,7 +12,9 @@
 #include <QMutex>
 #include <QRandomGenerator>
 #include <QStandardPaths>
+#include <QStorageInfo>
 
+#include <algorithm>
 #include <limits>
 #include <mutex>
 
@@ -74,6 +76,21 @@ QString reserveIn(const QString &folder)
             return {};
     }
     return {};
+}
+
+/// Where private files may lie, those with room for so much and some work first.
+QStringList foldersFor(qint64 size)
+{
+    constexpr qint64 roomToWork = qint64(4) << 20;
+    QStringList result = folders();
+    std::stable_partition(result.begin(), result.end(), [&](const QString &folder) {
+        // One that isn't there yet will be on the disk of what is.
+        QFileInfo present(folder);
+        while (!present.exists() && !present.isRoot())
+            present.setFile(present.absolutePath());
+        return QStorageInfo(present.absoluteFilePath()).bytesAvailable() >= size + roomToWork;
+    });
+    return result;
 }
 
 /// The lock is what counts; the age only leaves a user the time to look for what was lost.
@@ -153,7 +170,7 @@ QString noFolderText()
 QString reserve()
 {
     deleteAbandonedOnce();
-    const QStringList candidates = folders();
+    const QStringList candidates = foldersFor(0);
     for (const QString &candidate : candidates) {
         if (const QString path = reserveIn(candidate); !path.isEmpty())
             return path;
@@ -165,7 +182,7 @@ QString reserveCopy(const QString &source, QString &error)
 {
     deleteAbandonedOnce();
     error = noFolderText();
-    const QStringList candidates = folders();
+    const QStringList candidates = foldersFor(QFileInfo(source).size());
     for (const QString &candidate : candidates) {
         const QString path = reserveIn(candidate);
         if (path.isEmpty())
