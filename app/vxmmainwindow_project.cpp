@@ -26,6 +26,7 @@
 #include <QScopedValueRollback>
 
 #include <array>
+#include <cstdio>
 
 namespace {
 
@@ -400,6 +401,9 @@ bool VxmMainWindow::saveTo(const QString &path)
     // A batch run has nobody who could decide.
     const bool hasChoice = m_database->isDamaged() && !m_options.hidden &&
                            !m_undoManager->lastGoodSnapshot().isEmpty();
+    // A box of a hidden run that has a display may wait for somebody who isn't there.
+    if (m_options.hidden && GuiHelper::isAttended())
+        std::fprintf(stderr, "%s %s\n", qUtf8Printable(saveFailed), qUtf8Printable(reason));
     if (!hasChoice)
         showError(saveFailed, reason);
     return hasChoice && wantsLastGoodState(reason) && saveLastGoodState(path);

@@ -1,6 +1,7 @@
 #include "canopen/helper.h"
 
 #include "canopen/namevariables.h"
+#include "canopen/safefile.h"
 
 #include <QFile>
 #include <QSaveFile>
@@ -129,7 +130,8 @@ bool Helper::modifyLineEnding(const QString &path, const QString &ending)
         return false;
     }
     QFile source(path);
-    if (!source.open(QIODevice::ReadOnly)) {
+    QString fault;
+    if (!SafeFile::open(source, fault)) {
         return false;
     }
     // Takes over the permissions of the file and replaces it only in `commit`.

@@ -1,5 +1,6 @@
 #include "generation/generatormainhandler.h"
 
+#include "canopen/safefile.h"
 #include "check/modelchecker.h"
 #include "generation/outputlist.h"
 #include "generation/postgenprocessor.h"
@@ -225,7 +226,8 @@ void GeneratorMainHandler::writeErrorLog() const
     if (m_facts.outputFolder.isEmpty())
         return;
     QFile file(errorLogPath(m_facts.outputFolder));
-    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    if (SafeFile::kindFault(file.fileName()).isEmpty() &&
+        file.open(QIODevice::WriteOnly | QIODevice::Truncate))
         file.write(m_output.loggingText().toUtf8());
 }
 
@@ -234,6 +236,8 @@ void GeneratorMainHandler::retireErrorLog() const
     if (m_facts.outputFolder.isEmpty())
         return;
     const QString path = errorLogPath(m_facts.outputFolder);
+    if (!SafeFile::kindFault(path).isEmpty())
+        return;
     QFile::copy(path, path + QLatin1String(".bak"));
     QFile::remove(path);
 }

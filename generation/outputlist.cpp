@@ -1,5 +1,6 @@
 #include "generation/outputlist.h"
 
+#include "canopen/safefile.h"
 #include "documents/csvgenerator.h"
 #include "documents/edsgenerator.h"
 #include "documents/htmlgenerator.h"
@@ -280,11 +281,14 @@ bool copyForCpp(const RunFacts &facts)
     QFile::remove(path("gen_objdict.cpp"));
     QFile::copy(path("gen_objdict.c"), path("gen_objdict.cpp"));
 
-    QFile userHeader(path("gen_user.h"));
-    if (!userHeader.open(QIODevice::ReadOnly | QIODevice::Text))
+    constexpr qint64 mostBytes = qint64(256) * 1024 * 1024;
+    QString fault;
+    const auto userHeader = SafeFile::read(path("gen_user.h"), mostBytes, fault);
+    if (!userHeader)
         return true;
     QFile::remove(path("gen_user.hpp"));
-    QString text = QString::fromUtf8(userHeader.readAll());
+    QString text = QString::fromUtf8(*userHeader);
+    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
     text.replace(QLatin1String("RET_T"), QLatin1String("extern \"C\" RET_T"));
     OutputFile::write(path("gen_user.hpp"), text);
     return true;

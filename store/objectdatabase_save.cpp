@@ -211,10 +211,11 @@ bool ObjectDataBase::mayBeSaved(const QString &target)
     if (d->refusesWrites())
         return refuseSave(target, QStringLiteral("a running job uses the project"));
     if (isDamaged())
-        return refuseSave(target,
-                          QStringLiteral("not saved, as a part of the project may be lost "
-                                         "in the working copy \"%1\": %2")
-                              .arg(QDir::toNativeSeparators(d->presentFile()), d->runner.damage()));
+        return refuseSave(
+            target,
+            QStringLiteral("not saved, as the working copy that it would be made from can't "
+                           "be trusted: %1 (\"%2\")")
+                .arg(d->runner.damage(), QDir::toNativeSeparators(d->presentFile())));
     d->lastError = ProjectFile::targetFault(target);
     if (!d->lastError.isEmpty())
         qDebug() << Q_FUNC_INFO << d->lastError;
@@ -325,8 +326,8 @@ bool ObjectDataBase::saveDatabaseAsText(const QString &path)
         hasKeys = setMiscSetting(fileHashKey, QStringLiteral("0")) && hasKeys;
     if (!hasKeys)
         d->runner.noteDamage(d->runner.lastReason());
-    if (const QString fault = ProjectGuard::integrityFault(d->runner); !fault.isEmpty())
-        d->runner.noteDamage(fault);
+    if (!ProjectGuard::integrityFault(d->runner).isEmpty())
+        d->runner.noteDamage(QStringLiteral("it is damaged"));
     if (!mayBeSaved(target))
         return false;
     const QString text = d->newWorkingFile();

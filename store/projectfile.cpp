@@ -253,7 +253,11 @@ bool overwriteWithBackup(const QString &target, const QString &source, QString &
 bool replaceWhole(Staged &staged, const QString &target, const QString &source, Backup backup,
                   QString &error)
 {
-    QString reason;
+    QString reason = backup == Backup::Make ? SafeFile::kindFault(backupPath(target)) : QString();
+    if (!reason.isEmpty()) {
+        error = fault(target, QStringLiteral("its backup can't be made: ") + reason);
+        return false;
+    }
     if (!staged.fill(source, reason)) {
         error = fault(target, reason);
         return false;
@@ -307,8 +311,6 @@ QString targetFault(const QString &path)
         return fault(path, QStringLiteral("the folder does not exist"));
     if (!info.exists() && !isWritable(folder))
         return fault(path, QStringLiteral("the folder is read-only"));
-    if (const QString kind = SafeFile::kindFault(backupPath(target)); !kind.isEmpty())
-        return fault(backupPath(target), kind);
     return {};
 }
 

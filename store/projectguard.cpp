@@ -158,14 +158,13 @@ QString fileFault(const QString &path, const QString &contentHash)
     runner.database().setConnectOptions(QStringLiteral("QSQLITE_OPEN_READONLY;QSQLITE_OPEN_URI"));
     const QString address = QString::fromLatin1(QUrl::fromLocalFile(path).toEncoded());
     if (!runner.open(address + QLatin1String("?immutable=1")))
-        return QStringLiteral("the working copy can't be read");
+        return QStringLiteral("it can't be read");
     if (!integrityFault(runner).isEmpty())
-        return QStringLiteral("the working copy is damaged");
+        return QStringLiteral("it is damaged");
     const QVariant hash =
         runner.value(QStringLiteral("select value from MiscSettings where item = 'FileHash'"));
-    return hash.toString() == contentHash
-               ? QString()
-               : QStringLiteral("the working copy does not hold all of the project");
+    return hash.toString() == contentHash ? QString()
+                                          : QStringLiteral("it does not hold all of the project");
 }
 
 } // namespace ProjectGuard

@@ -1,5 +1,7 @@
 #include "generators/base/outputfile.h"
 
+#include "canopen/safefile.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
@@ -55,7 +57,7 @@ bool OutputFile::open()
     if (m_file->open(QIODevice::WriteOnly | QIODevice::Text))
         return true;
     m_errorText = tr("The file %1 can't be opened for writing: %2.")
-                      .arg(QDir::toNativeSeparators(m_path), m_file->errorString());
+                      .arg(QDir::toNativeSeparators(m_path), SafeFile::reason(*m_file));
     return false;
 }
 
@@ -67,10 +69,10 @@ QIODevice &OutputFile::device() const
 bool OutputFile::commit()
 {
     bool written = m_file->flush() && m_file->error() == QFileDevice::NoError;
-    QString reason = m_file->errorString();
+    QString reason = written ? QString() : SafeFile::reason(*m_file);
     if (written && m_tookLess) {
         written = false;
-        reason = tr("No space left on device");
+        reason = tr("the disk is full");
     }
     if (auto *file = qobject_cast<QSaveFile *>(m_file.get())) {
         if (!written)
@@ -78,13 +80,13 @@ bool OutputFile::commit()
         // Closes in every case; after a cancel it removes what was written.
         if (!file->commit() && written) {
             written = false;
-            reason = file->errorString();
+            reason = SafeFile::reason(*file);
         }
     } else {
         m_file->close();
         if (written && m_file->error() != QFileDevice::NoError) {
             written = false;
-            reason = m_file->errorString();
+            reason = SafeFile::reason(*m_file);
         }
     }
     if (!written)

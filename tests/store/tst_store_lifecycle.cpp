@@ -200,6 +200,9 @@ void TestStoreLifecycle::refusalKeepsTheOpenProject()
                  qPrintable(store.lastErrorText()));
     }
     QVERIFY(!store.openDataBase(QString()));
+    store.setBlockUpdates(true);
+    QVERIFY(!store.createNewDataBase());
+    store.setBlockUpdates(false);
     QCOMPARE(store.projectPath(), path("a.vxmp"));
     QCOMPARE(store.getIndexName(0, 0x2000), QStringLiteral("edited"));
     QVERIFY(store.saveDatabase());
@@ -656,6 +659,9 @@ void TestStoreLifecycle::killedSaverLosesNothing()
         if (!whole)
             QVERIFY(found.saveDatabase(file));
     }
+    QVERIFY(store.saveDatabase(file));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::Files | QDir::Hidden),
+             (QStringList{QStringLiteral("a.vxmp"), QStringLiteral("a.vxmp.bak")}));
 }
 
 QTEST_GUILESS_MAIN(TestStoreLifecycle)

@@ -359,9 +359,9 @@ void TestUndoManager::aFailedSnapshotEndsUndo()
     step(QStringLiteral("1"));
     QSignalSpy undoStates(m_manager.get(), &UndoManager::canUndoChanged);
     QVERIFY(QDir(undoFolder()).removeRecursively());
-    QTest::ignoreMessage(QtDebugMsg,
-                         QRegularExpression(QStringLiteral("takeSnapshot.*snapshot failed, undo "
-                                                           "disabled:.*no copy of the project can be made")));
+    QTest::ignoreMessage(QtDebugMsg, QRegularExpression(QStringLiteral(
+                                         "takeSnapshot.*snapshot failed, undo "
+                                         "disabled:.*no copy of the project can be made")));
     step(QStringLiteral("2"));
     QVERIFY(!m_manager->canUndo() && !m_manager->canRedo());
     QCOMPARE(undoStates.takeLast().value(0).toBool(), false);
@@ -495,7 +495,14 @@ void TestUndoManager::oldFoldersGo()
     QFile::remove(data.filePath(QStringLiteral("undo_link"))); // of a run that failed
     QVERIFY(QFile::link(outside.path(), data.filePath(QStringLiteral("undo_link"))));
     makeOld(outside.path(), 100);
+    // Of a run that was killed, and of this one, which is a week without an edit.
+    const QString abandoned = data.filePath(QStringLiteral("vxedatatemp_1_2"));
+    QVERIFY(QFile(abandoned).open(QIODevice::WriteOnly));
+    makeOld(abandoned, 8);
+    makeOld(m_store->workingFiles().constLast(), 8);
     attach();
+    QVERIFY(!QFile::exists(abandoned));
+    QVERIFY(QFile::exists(m_store->workingFiles().constLast()));
     QVERIFY(!data.exists(QStringLiteral("undo_1")));
     QVERIFY(data.exists(QStringLiteral("undo_2/below/snap_1.db")));
     QVERIFY(data.exists(QStringLiteral("keep_3/below/snap_1.db")));
@@ -529,6 +536,7 @@ void TestUndoManager::everyStateComesBack()
         QCOMPARE(m_store->contentHash(), states[i]);
     }
     QVERIFY(!m_manager->canRedo());
+    QCOMPARE(m_store->workingFiles().size(), 1);
     disconnect(m_store.get(), nullptr, this, nullptr);
 }
 
