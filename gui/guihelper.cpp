@@ -1,5 +1,7 @@
 #include "gui/guihelper.h"
 
+#include "gui/messagebox.h"
+
 #include <QApplication>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -91,12 +93,11 @@ void printBox(const GuiHelper::Box &box)
     printError(lines.join(u'\n'));
 }
 
-void fill(QMessageBox &widget, const GuiHelper::Box &box)
+void fill(MessageBox &widget, const GuiHelper::Box &box)
 {
     widget.setWindowTitle(box.title);
-    widget.setText(box.text);
-    widget.setInformativeText(box.informativeText);
     widget.setIcon(box.icon);
+    widget.setTexts(box.text, box.informativeText);
     widget.setStandardButtons(box.buttons);
     if (box.defaultButton != QMessageBox::NoButton)
         widget.setDefaultButton(box.defaultButton);
@@ -240,7 +241,7 @@ int GuiHelper::showMessageBox(QWidget *parent, const Box &box)
     if (answerWithoutUser(box, answer))
         return answer;
 
-    QMessageBox widget(parent);
+    MessageBox widget(parent);
     fill(widget, box);
     QList<QPushButton *> extra;
     for (const ExtraButton &button : box.extraButtons)
@@ -268,7 +269,7 @@ int GuiHelper::showNonBlockingMessageBox(QWidget *parent, const QString &title, 
     int answer = 0;
     if (answerWithoutUser(box, answer))
         return answer;
-    auto *widget = new QMessageBox(parent);
+    auto *widget = new MessageBox(parent);
     widget->setAttribute(Qt::WA_DeleteOnClose);
     fill(*widget, box);
     widget->setModal(false);
@@ -317,6 +318,13 @@ QString GuiHelper::boxTitle()
 {
     return QStringLiteral("%1  %2").arg(QCoreApplication::applicationName(),
                                         QCoreApplication::applicationVersion());
+}
+
+QString GuiHelper::withShortcut(const QString &toolTip, const QKeySequence &keys)
+{
+    return keys.isEmpty()
+               ? toolTip
+               : QStringLiteral("%1 (%2)").arg(toolTip, keys.toString(QKeySequence::NativeText));
 }
 
 bool GuiHelper::isAttended()

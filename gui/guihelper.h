@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QKeySequence>
 #include <QList>
 #include <QMessageBox>
 #include <QString>
@@ -66,6 +67,8 @@ public:
 
     /// "<application name>  <version>", the title of the main window's boxes.
     [[nodiscard]] static QString boxTitle();
+    /// A tool tip with the keys behind it, as this system names them; without keys as it is.
+    [[nodiscard]] static QString withShortcut(const QString &toolTip, const QKeySequence &keys);
     /// Somebody can see and answer a box.
     [[nodiscard]] static bool isAttended();
 

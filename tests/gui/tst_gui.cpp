@@ -5,11 +5,13 @@
 #include "gui/displaychoice.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
+#include "gui/messagebox.h"
 #include "gui/tolvexbaseapplication.h"
 #include "gui/tolvxappstyle.h"
 #include "store/edition.h"
 #include "store/usersettings.h"
 
+#include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -263,6 +265,44 @@ private slots:
               {QPalette::Link, QPalette::Base}}) {
             const double ratio = contrast(palette.color(text), palette.color(ground));
             QVERIFY2(ratio >= 4.5, qPrintable(u"%1 on %2: %3"_s.arg(text).arg(ground).arg(ratio)));
+        }
+    }
+
+    void boxesKeepPathsWhole_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("before the path") << u"Cannot open /some/folder/file.vxmp."_s
+                                         << u"Cannot open\n/some/folder/file.vxmp."_s;
+        QTest::newRow("blanks in it") << u"No C:\\my new\\long device.c here at all, so."_s
+                                      << u"No\nC:\\my new\\long device.c\nhere at all, so."_s;
+        QTest::newRow("two") << u"From /a/b c/d to ~/e\n\nagain"_s
+                             << u"From /a/b c/d to\n~/e\n\nagain"_s;
+        QTest::newRow("none") << u"Neither this and/or that, both\nCANopen/J1939"_s
+                              << u"Neither this and/or that, both\nCANopen/J1939"_s;
+    }
+
+    void boxesKeepPathsWhole()
+    {
+        QFETCH(QString, text);
+        const auto length = [](const QString &line) { return int(line.size()); };
+        QTEST(MessageBox::wrapped(text, 17, length), "shown");
+    }
+
+    void boxesAreWideEnough()
+    {
+        MessageBox box;
+        box.setTexts(u"Short."_s, {});
+        box.show();
+        QVERIFY(box.width() >= MessageBox::leastWidth);
+        MessageBox wide;
+        const QString path = u"/a-folder"_s.repeated(8);
+        wide.setTexts(u"Cannot read "_s + path, path);
+        wide.show();
+        for (const QLabel *label : wide.findChildren<QLabel *>()) {
+            if (!label->text().isEmpty()) {
+                QVERIFY(label->width() >= label->fontMetrics().horizontalAdvance(path));
+            }
         }
     }
 
