@@ -10,6 +10,7 @@
 #include <QStyleOptionToolBox>
 
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -106,12 +107,19 @@ void drawPageHeader(const QStyleOptionToolBox &tab, QPainter &painter, const QSt
     painter.restore();
 }
 
+/// Keeps 3 to 1 on every ground of the dark palette.
+constexpr QRgb outlineDark = 0xff757e87;
+
 /// Fusion takes the outline from a darker shade of the window, which vanishes on a dark one.
 void drawOutline(QStyle::PrimitiveElement element, const QStyleOption &option, QPainter &painter)
 {
+    const bool focused = option.state & QStyle::State_HasFocus;
+    const bool enabled = option.state & QStyle::State_Enabled;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(option.palette.color(QPalette::PlaceholderText));
+    painter.setPen(focused   ? option.palette.color(QPalette::Link)
+                   : enabled ? QColor::fromRgb(outlineDark)
+                             : option.palette.color(QPalette::Mid));
     painter.setBrush(Qt::NoBrush);
     const QRectF area = QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5);
     if (element == QStyle::PE_IndicatorRadioButton)
@@ -119,6 +127,90 @@ void drawOutline(QStyle::PrimitiveElement element, const QStyleOption &option, Q
     else
         painter.drawRoundedRect(area, 2, 2);
     painter.restore();
+}
+
+/// A button that stays pressed looks it at a glance, not by a shade.
+void drawPressed(const QStyleOption &option, QPainter &painter)
+{
+    const QPalette &palette = option.palette;
+    QColor fill = palette.color(QPalette::Highlight);
+    fill.setAlphaF(isDark(palette) ? 0.45F : 0.15F);
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(palette.color(QPalette::Link));
+    painter.setBrush(fill);
+    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.restore();
+}
+
+/// What has an outline around the whole of its rectangle.
+bool isOutlined(QStyle::PrimitiveElement element, const QStyleOption &option)
+{
+    switch (element) {
+    case QStyle::PE_IndicatorCheckBox:
+    case QStyle::PE_IndicatorRadioButton:
+    case QStyle::PE_FrameLineEdit:
+        return true;
+    case QStyle::PE_Frame: {
+        const auto *frame = qstyleoption_cast<const QStyleOptionFrame *>(&option);
+        return frame == nullptr || frame->lineWidth > 0;
+    }
+    case QStyle::PE_PanelButtonCommand: {
+        const auto *button = qstyleoption_cast<const QStyleOptionButton *>(&option);
+        return button == nullptr || !button->features.testFlag(QStyleOptionButton::Flat);
+    }
+    default:
+        return false;
+    }
+}
+
+/// A flat groove and a handle that is darker than it. On a dark ground the handle needs a rim.
+struct ScrollBarColours
+{
+    QRgb groove;
+    QRgb handle;
+    QRgb handleUnder; ///< under the mouse, or while it is pulled
+    QRgb rim;
+};
+constexpr ScrollBarColours scrollBarLight{0xffe1e6ea, 0xff7f8a94, 0xff5f6a74, 0xff7f8a94};
+constexpr ScrollBarColours scrollBarDark{0xff4a525a, 0xff1a1d21, 0xff0c0e10, 0xff929ba4};
+
+void drawScrollBar(const QStyleOptionSlider &bar, QPainter &painter, const QStyle &style,
+                   const QWidget *widget)
+{
+    const ScrollBarColours &colours = isDark(bar.palette) ? scrollBarDark : scrollBarLight;
+    const auto areaOf = [&](QStyle::SubControl control) {
+        return style.subControlRect(QStyle::CC_ScrollBar, &bar, control, widget);
+    };
+    painter.save();
+    painter.fillRect(bar.rect, QColor::fromRgb(colours.groove));
+    const bool enabled = bar.state & QStyle::State_Enabled && bar.maximum > bar.minimum;
+    if (enabled) {
+        const bool under = bar.activeSubControls & QStyle::SC_ScrollBarSlider;
+        const QRectF handle =
+            QRectF(areaOf(QStyle::SC_ScrollBarSlider)).adjusted(2.5, 2.5, -2.5, -2.5);
+        const qreal radius = qMin(handle.width(), handle.height()) / 2;
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QColor::fromRgb(colours.rim));
+        painter.setBrush(QColor::fromRgb(under ? colours.handleUnder : colours.handle));
+        painter.drawRoundedRect(handle, radius, radius);
+    }
+    painter.restore();
+    const bool upright = bar.orientation == Qt::Vertical;
+    const bool mirrored = !upright && bar.direction == Qt::RightToLeft;
+    const auto back = upright    ? QStyle::PE_IndicatorArrowUp
+                      : mirrored ? QStyle::PE_IndicatorArrowRight
+                                 : QStyle::PE_IndicatorArrowLeft;
+    const auto forth = upright    ? QStyle::PE_IndicatorArrowDown
+                       : mirrored ? QStyle::PE_IndicatorArrowLeft
+                                  : QStyle::PE_IndicatorArrowRight;
+    for (const auto &[control, arrow] : {std::pair{QStyle::SC_ScrollBarSubLine, back},
+                                         std::pair{QStyle::SC_ScrollBarAddLine, forth}}) {
+        QStyleOption option(bar);
+        option.rect = areaOf(control).adjusted(4, 4, -4, -4);
+        option.state.setFlag(QStyle::State_Enabled, enabled);
+        style.drawPrimitive(arrow, &option, &painter, widget);
+    }
 }
 
 } // namespace
@@ -197,9 +289,45 @@ void TolvxAppStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *
                                   QPainter *painter, const QWidget *widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    const bool indicator = element == PE_IndicatorCheckBox || element == PE_IndicatorRadioButton;
-    if (indicator && isDark(option->palette))
+    if (isDark(option->palette) && isOutlined(element, *option))
         drawOutline(element, *option, *painter);
+    if (element == PE_PanelButtonCommand && option->state.testFlag(State_On))
+        drawPressed(*option, *painter);
+}
+
+void TolvxAppStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                       QPainter *painter, const QWidget *widget) const
+{
+    if (control == CC_ScrollBar) {
+        if (const auto *bar = qstyleoption_cast<const QStyleOptionSlider *>(option)) {
+            drawScrollBar(*bar, *painter, *proxy(), widget);
+            return;
+        }
+    }
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (!isDark(option->palette))
+        return;
+    const auto *comboBox = qstyleoption_cast<const QStyleOptionComboBox *>(option);
+    const auto *spinBox = qstyleoption_cast<const QStyleOptionSpinBox *>(option);
+    if ((comboBox != nullptr && comboBox->frame) || (spinBox != nullptr && spinBox->frame))
+        drawOutline(PE_FrameLineEdit, *option, *painter);
+}
+
+QSize TolvxAppStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
+                                      const QSize &contentsSize, const QWidget *widget) const
+{
+    const QSize size = QProxyStyle::sizeFromContents(type, option, contentsSize, widget);
+    switch (type) {
+    case CT_PushButton:
+        return size + QSize(16, 6);
+    // They stand in one row with buttons.
+    case CT_ComboBox:
+    case CT_LineEdit:
+    case CT_SpinBox:
+        return size + QSize(0, 4);
+    default:
+        return size;
+    }
 }
 
 QIcon TolvxAppStyle::standardIcon(StandardPixmap pixmap, const QStyleOption *option,
