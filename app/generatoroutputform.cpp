@@ -1,6 +1,9 @@
 #include "app/generatoroutputform.h"
 
+#include "app/outputfilterbar.h"
 #include "app/outputmarkup.h"
+#include "app/startpage.h"
+#include "gui/guihelper.h"
 #include "store/usersettings.h"
 
 #include <QAction>
@@ -9,15 +12,17 @@
 #include <QFontDatabase>
 #include <QGuiApplication>
 #include <QHBoxLayout>
-#include <QLabel>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
 #include <QShortcut>
+#include <QStackedWidget>
 #include <QTextBlock>
 #include <QTextBrowser>
 #include <QTextCursor>
+#include <QTextDocumentFragment>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -28,8 +33,11 @@ namespace {
 constexpr int flushMilliseconds = 40;
 /// As many as reach the text without anybody noticing a pause.
 constexpr qsizetype flushCount = 400;
+/// State of a block of the text that F8 goes to.
+constexpr int isMessage = 1;
 const QString checkStarted = QStringLiteral("Check of model consistency started");
 const QString checkFinished = QStringLiteral("Check of model consistency finished");
+const QKeySequence copyAllKeys(Qt::CTRL | Qt::SHIFT | Qt::Key_C);
 const QString lineHeading = QStringLiteral("Checking line");
 
 /// The format that the user has chosen; empty as long as none was.
@@ -58,53 +66,103 @@ QString currentTimeText(const QString &format)
 
 } // namespace
 
+QString GeneratorOutputForm::Entry::plainText() const
+{
+    if (isHtml)
+        return QTextDocumentFragment::fromHtml(text).toPlainText();
+    QString result = time;
+    if (line)
+        result += QStringLiteral(" Line %1 - ").arg(*line);
+    for (const OutputMarkup::Run &run : OutputMarkup::runs(text))
+        result += run.text;
+    return result;
+}
+
 GeneratorOutputForm::GeneratorOutputForm(QWidget *parent)
-    : BaseMainForm(parent), m_logging(new QTextBrowser(this)), m_count(new QLabel(this))
+    : BaseMainForm(parent), m_logging(new QTextBrowser(this)), m_start(new StartPage(this)),
+      m_stack(new QStackedWidget(this)), m_filterBar(new OutputFilterBar(this)),
+      m_buttons(new QWidget(this))
 {
     m_logging->setObjectName(QStringLiteral("tbLogging"));
     m_logging->setOpenLinks(false);
     m_logging->setTextInteractionFlags(Qt::TextBrowserInteraction | Qt::TextSelectableByKeyboard);
-    m_logging->setPlaceholderText(
-        QStringLiteral("The messages of the next generation appear here."));
     m_logging->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_logging->setContextMenuPolicy(Qt::CustomContextMenu);
+    m_logging->installEventFilter(this);
     connect(m_logging, &QTextBrowser::anchorClicked, this,
             &GeneratorOutputForm::on_tbLogging_anchorClicked);
     connect(m_logging, &QWidget::customContextMenuRequested, this,
             &GeneratorOutputForm::showContextMenu);
     connect(m_logging, &QTextEdit::copyAvailable, this, &GeneratorOutputForm::actionsChanged);
+    connect(m_filterBar, &OutputFilterBar::chosenChanged, this, &GeneratorOutputForm::showAnew);
+    connect(m_filterBar, &OutputFilterBar::nextRequested, this,
+            &GeneratorOutputForm::goToNextMessage);
+    connect(m_filterBar, &OutputFilterBar::previousRequested, this,
+            &GeneratorOutputForm::goToPreviousMessage);
     m_flushTimer.setSingleShot(true);
     connect(&m_flushTimer, &QTimer::timeout, this, &GeneratorOutputForm::flushSome);
     makeLayout();
-    showCount();
+    showAnew();
+    showStartOrText();
 }
 
 void GeneratorOutputForm::makeLayout()
 {
     auto *copy = new QPushButton(tr("Cop&y All"), this);
     copy->setObjectName(QStringLiteral("btnCopyAll"));
-    copy->setToolTip(tr("Copy all messages to the clipboard (Ctrl+Shift+C)"));
+    copy->setToolTip(
+        GuiHelper::withShortcut(tr("Copy all messages to the clipboard"), copyAllKeys));
     connect(copy, &QPushButton::clicked, this, &GeneratorOutputForm::copyAll);
     auto *clear = new QPushButton(tr("Clea&r"), this);
     clear->setObjectName(QStringLiteral("btnClear"));
     clear->setToolTip(tr("Remove all messages"));
     connect(clear, &QPushButton::clicked, this, &GeneratorOutputForm::clearLogging);
-    auto *shortcut = new QShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C), this);
+
+    auto *shortcut = new QShortcut(copyAllKeys, this);
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, &GeneratorOutputForm::copyAll);
 
-    m_count->setObjectName(QStringLiteral("lblCheckMessages"));
-    auto *row = new QHBoxLayout;
+    auto *row = new QHBoxLayout(m_buttons);
     row->setContentsMargins(8, 0, 8, 4);
     row->setSpacing(8);
-    row->addWidget(m_count, 1);
+    row->addWidget(m_filterBar);
+    row->addStretch(1);
     row->addWidget(copy);
     row->addWidget(clear);
+    m_stack->addWidget(m_logging);
+    m_stack->addWidget(m_start);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(4);
-    layout->addWidget(m_logging, 1);
-    layout->addLayout(row);
+    layout->addWidget(m_stack, 1);
+    layout->addWidget(m_buttons);
+}
+
+/// A text that can't be edited leaves "select all" to the window, which has something else for
+/// the same keys.
+bool GeneratorOutputForm::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_logging && event->type() == QEvent::ShortcutOverride &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::SelectAll)) {
+        event->accept();
+        return true;
+    }
+    return BaseMainForm::eventFilter(watched, event);
+}
+
+void GeneratorOutputForm::offerStart(bool offered)
+{
+    m_startOffered = offered;
+    showStartOrText();
+}
+
+void GeneratorOutputForm::showStartOrText()
+{
+    const bool start = m_startOffered && m_entries.isEmpty();
+    QWidget *shown = start ? static_cast<QWidget *>(m_start) : m_logging;
+    m_stack->setCurrentWidget(shown);
+    m_buttons->setVisible(!start);
+    setFocusProxy(shown);
 }
 
 void GeneratorOutputForm::updateData(ObjectDataBase::ChangeSet) {}
@@ -130,29 +188,30 @@ bool GeneratorOutputForm::canDoAction(int action) const
 
 void GeneratorOutputForm::clearLogging()
 {
-    m_waiting.clear();
-    m_flushTimer.stop();
-    m_logging->clear();
-    m_checkMessages = 0;
-    showCount();
+    m_entries.clear();
+    m_counts.clear();
+    showAnew();
+    showStartOrText();
 }
 
 void GeneratorOutputForm::appendLogging(const QString &loggingString)
 {
     // Reading the settings for each of thousands of messages would be felt.
-    if (m_waiting.isEmpty())
+    if (waiting() == 0)
         m_timeFormat = chosenTimeFormat();
     Entry entry{.time = currentTimeText(m_timeFormat) + QLatin1String(": "), .text = loggingString};
     if (entry.text.startsWith(u'\n')) {
         entry.text.remove(0, 1);
-        const bool isFirst = m_waiting.isEmpty() && m_logging->document()->isEmpty();
-        if (!isFirst)
+        if (!m_entries.isEmpty())
             append({.isHtml = true});
     }
     // The message ends its line anyway.
     if (entry.text.endsWith(u'\n'))
         entry.text.chop(1);
     trackCheck(entry.text);
+    entry.kind = OutputClass::of(entry.text);
+    if (entry.kind != OutputClass::Kind::Progress)
+        ++m_counts[entry.kind];
     if (OutputLinks::namesObject(entry.text))
         entry.line = m_checkedLine;
     append(std::move(entry));
@@ -164,30 +223,63 @@ void GeneratorOutputForm::appendHtml(const QString &html)
     append({.text = html, .isHtml = true});
 }
 
-/// Follows the check by its headings: which line it is at, and how much it has found.
+/// Follows the check by its headings: whether it begins, and which line it is at.
 void GeneratorOutputForm::trackCheck(const QString &text)
 {
     static const QRegularExpression number(QStringLiteral("(-?\\d+(?:[\\.,]\\d+(?:e\\d+)?)?)"));
     if (text.contains(checkStarted)) {
-        m_inCheck = true;
-        m_checkMessages = 0;
+        beginRun();
         m_checkedLine.reset();
     } else if (text.contains(checkFinished)) {
-        m_inCheck = false;
         m_checkedLine.reset();
     } else if (const qsizetype at = text.indexOf(lineHeading); at >= 0) {
         bool isNumber = false;
         const uint line = number.match(text, at + lineHeading.size()).captured(1).toUInt(&isNumber);
         if (isNumber && line <= 0xFF)
             m_checkedLine = static_cast<quint8>(line);
-    } else if (m_inCheck && !text.isEmpty()) {
-        ++m_checkMessages;
     }
+}
+
+/// What former runs have found stays in the text, but is no longer counted or gone to.
+void GeneratorOutputForm::beginRun()
+{
+    if (m_counts.isEmpty())
+        return;
+    for (Entry &entry : m_entries)
+        entry.kind = OutputClass::Kind::Progress;
+    m_counts.clear();
+    if (!m_wanted.isEmpty()) {
+        showAnew();
+        return;
+    }
+    for (QTextBlock block = m_logging->document()->begin(); block.isValid(); block = block.next())
+        block.setUserState(-1);
+    m_logging->setExtraSelections({});
+}
+
+/// Makes the text from its begin, with the messages that are wanted.
+void GeneratorOutputForm::showAnew()
+{
+    m_wanted = m_filterBar->chosen();
+    m_showsBegin = !m_wanted.isEmpty();
+    m_inText = 0;
+    m_logging->clear();
+    m_logging->setExtraSelections({});
+    m_logging->setPlaceholderText(m_entries.isEmpty() || m_wanted.isEmpty()
+                                      ? tr("The messages of the next generation appear here.")
+                                      : tr("The last run gave no messages of this kind."));
+    m_filterBar->setCounts(m_counts);
+    if (waiting() > 0)
+        m_flushTimer.start(0);
+    else
+        m_flushTimer.stop();
 }
 
 void GeneratorOutputForm::append(Entry entry)
 {
-    m_waiting.append(std::move(entry));
+    m_entries.append(std::move(entry));
+    m_showsBegin = false;
+    showStartOrText();
     if (!m_flushTimer.isActive())
         m_flushTimer.start(flushMilliseconds);
 }
@@ -196,26 +288,24 @@ void GeneratorOutputForm::flushSome()
 {
     flush(flushCount);
     // The window gets its turn in between.
-    if (!m_waiting.isEmpty())
+    if (waiting() > 0)
         m_flushTimer.start(0);
 }
 
 void GeneratorOutputForm::flush(qsizetype most) const
 {
-    if (m_waiting.isEmpty())
+    if (waiting() == 0)
         return;
     const QTextCursor marked = m_logging->textCursor();
     const int anchor = marked.anchor();
     const int position = marked.position();
     const int scrolled = m_logging->verticalScrollBar()->value();
 
-    const qsizetype count = std::min(most, m_waiting.size());
-    insertFirst(count);
-    m_waiting.remove(0, count);
-    showCount();
+    insertWaiting(std::min(most, waiting()));
+    m_filterBar->setCounts(m_counts);
 
     if (anchor == position) {
-        m_logging->moveCursor(QTextCursor::End);
+        m_logging->moveCursor(m_showsBegin ? QTextCursor::Start : QTextCursor::End);
         m_logging->horizontalScrollBar()->setValue(0);
         return;
     }
@@ -227,13 +317,15 @@ void GeneratorOutputForm::flush(qsizetype most) const
     m_logging->verticalScrollBar()->setValue(scrolled);
 }
 
-void GeneratorOutputForm::insertFirst(qsizetype count) const
+void GeneratorOutputForm::insertWaiting(qsizetype count) const
 {
     QTextCursor cursor(m_logging->document());
     cursor.movePosition(QTextCursor::End);
     cursor.beginEditBlock();
     bool isFirst = m_logging->document()->isEmpty();
-    for (const Entry &entry : m_waiting.first(count)) {
+    for (const Entry &entry : m_entries.sliced(m_inText, count)) {
+        if (!m_wanted.isEmpty() && !m_wanted.contains(entry.kind))
+            continue;
         if (!isFirst)
             cursor.insertBlock(QTextBlockFormat(), QTextCharFormat());
         isFirst = false;
@@ -243,11 +335,13 @@ void GeneratorOutputForm::insertFirst(qsizetype count) const
             insertMessage(cursor, entry);
     }
     cursor.endEditBlock();
+    m_inText += count;
 }
 
 void GeneratorOutputForm::insertMessage(QTextCursor &cursor, const Entry &entry) const
 {
     const QTextCharFormat plain;
+    const int start = cursor.position();
     cursor.insertText(entry.time, plain);
     if (entry.line)
         cursor.insertText(QStringLiteral(" Line %1 - ").arg(*entry.line), plain);
@@ -273,12 +367,17 @@ void GeneratorOutputForm::insertMessage(QTextCursor &cursor, const Entry &entry)
                            QTextCursor::KeepAnchor);
         marker.mergeCharFormat(format);
     }
+    if (entry.kind != OutputClass::Kind::Progress)
+        m_logging->document()->findBlock(start).setUserState(isMessage);
 }
 
 QString GeneratorOutputForm::getLogging() const
 {
-    flush(m_waiting.size());
-    return m_logging->toPlainText();
+    flush(waiting());
+    QStringList lines;
+    for (const Entry &entry : m_entries)
+        lines.append(entry.plainText());
+    return lines.join(u'\n');
 }
 
 void GeneratorOutputForm::copyAll()
@@ -286,11 +385,53 @@ void GeneratorOutputForm::copyAll()
     QGuiApplication::clipboard()->setText(getLogging());
 }
 
-void GeneratorOutputForm::showCount() const
+// --- From message to message --------------------------------------------------------------------
+
+bool GeneratorOutputForm::goToNextMessage()
 {
-    m_count->setText(m_checkMessages == 1
-                         ? tr("1 message of the model check")
-                         : tr("%1 messages of the model check").arg(m_checkMessages));
+    return goToMessage(Direction::Next);
+}
+
+bool GeneratorOutputForm::goToPreviousMessage()
+{
+    return goToMessage(Direction::Previous);
+}
+
+/// The cursor stands at the begin of the message, so that Tab leads to its first link.
+bool GeneratorOutputForm::goToMessage(Direction direction)
+{
+    flush(waiting());
+    const QTextBlock block = messageFrom(direction);
+    if (!block.isValid())
+        return false;
+    const QTextCursor cursor(block);
+    m_logging->setTextCursor(cursor);
+    QTextEdit::ExtraSelection mark;
+    mark.cursor = cursor;
+    QColor colour = m_logging->palette().color(QPalette::Highlight);
+    colour.setAlphaF(0.25F);
+    mark.format.setBackground(colour);
+    mark.format.setProperty(QTextFormat::FullWidthSelection, true);
+    m_logging->setExtraSelections({mark});
+    m_logging->ensureCursorVisible();
+    m_logging->setFocus(Qt::ShortcutFocusReason);
+    return true;
+}
+
+/// Not valid if there is no message at all.
+QTextBlock GeneratorOutputForm::messageFrom(Direction direction) const
+{
+    const QTextDocument *document = m_logging->document();
+    const bool forward = direction == Direction::Next;
+    QTextBlock block = m_logging->textCursor().block();
+    for (int steps = document->blockCount(); steps > 0; --steps) {
+        block = forward ? block.next() : block.previous();
+        if (!block.isValid())
+            block = forward ? document->firstBlock() : document->lastBlock();
+        if (block.userState() == isMessage)
+            return block;
+    }
+    return {};
 }
 
 // --- Links --------------------------------------------------------------------------------------
@@ -356,7 +497,7 @@ void GeneratorOutputForm::handleGotoRequest()
 
 void GeneratorOutputForm::showContextMenu(const QPoint &position)
 {
-    flush(m_waiting.size());
+    flush(waiting());
     auto *menu = new QMenu(this);
     menu->setObjectName(QStringLiteral("outputMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
@@ -364,10 +505,18 @@ void GeneratorOutputForm::showContextMenu(const QPoint &position)
     QAction *copy = menu->addAction(tr("&Copy"), m_logging, &QTextBrowser::copy);
     copy->setShortcut(QKeySequence::Copy);
     copy->setEnabled(m_logging->textCursor().hasSelection());
-    menu->addAction(tr("Cop&y All"), this, &GeneratorOutputForm::copyAll)
-        ->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
+    menu->addAction(tr("Cop&y All"), this, &GeneratorOutputForm::copyAll)->setShortcut(copyAllKeys);
     menu->addAction(tr("Select &All"), m_logging, &QTextBrowser::selectAll)
         ->setShortcut(QKeySequence::SelectAll);
+    menu->addSeparator();
+    QAction *next =
+        menu->addAction(tr("&Next Message"), this, &GeneratorOutputForm::goToNextMessage);
+    next->setShortcut(OutputFilterBar::nextMessage());
+    QAction *previous =
+        menu->addAction(tr("&Previous Message"), this, &GeneratorOutputForm::goToPreviousMessage);
+    previous->setShortcut(OutputFilterBar::previousMessage());
+    next->setEnabled(!m_counts.isEmpty());
+    previous->setEnabled(!m_counts.isEmpty());
     menu->addSeparator();
     menu->addAction(tr("C&lear"), this, &GeneratorOutputForm::clearLogging);
     menu->popup(m_logging->viewport()->mapToGlobal(position));

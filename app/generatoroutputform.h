@@ -1,21 +1,28 @@
 #pragma once
 
+#include "app/outputclass.h"
 #include "app/outputlinks.h"
 #include "gui/basemainform.h"
 
 #include <QList>
+#include <QMap>
+#include <QSet>
 #include <QTimer>
 
 #include <optional>
 
-class QLabel;
+class OutputFilterBar;
 class QMenu;
+class QStackedWidget;
+class QTextBlock;
 class QTextBrowser;
 class QTextCursor;
 class QUrl;
+class StartPage;
 
 /// The page "Generator Output": what a run says, with links to the objects and settings that it
-/// names.
+/// names. Errors, warnings and notes of the last run are counted, can be shown alone, and can be
+/// gone through one by one.
 ///
 /// Messages wait a moment and reach the text together, so that a run of thousands stays fluid.
 class GeneratorOutputForm : public BaseMainForm
@@ -28,9 +35,14 @@ public:
     /// By the button of the window: copies what is selected.
     void doAction(int action) override;
     [[nodiscard]] bool canDoAction(int action) const override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
-    /// Messages of the model check of the last run.
-    [[nodiscard]] int checkMessageCount() const { return m_checkMessages; }
+    /// Messages of a kind that the last run gave.
+    [[nodiscard]] int count(OutputClass::Kind kind) const { return m_counts.value(kind); }
+    /// In the place of an empty text where `offerStart` says so.
+    [[nodiscard]] StartPage &startPage() const { return *m_start; }
+    /// Whether the start page is to be offered while nothing was put out.
+    void offerStart(bool offered);
 
 public slots:
     void updateData(ObjectDataBase::ChangeSet modification) override;
@@ -46,6 +58,10 @@ public slots:
     /// Everything that was put out, as plain text.
     [[nodiscard]] QString getLogging() const;
     void copyAll();
+    /// Go to the next or previous error, warning or note of the last run that is shown; after the
+    /// last comes the first. False if there is none.
+    bool goToNextMessage();
+    bool goToPreviousMessage();
     /// Goes to the object that the sending action of the context menu names.
     void handleGotoRequest();
     void on_tbLogging_anchorClicked(const QUrl &url);
@@ -62,28 +78,43 @@ private:
         QString time = {}; ///< with its separator; empty for rich text
         QString text = {};
         bool isHtml = false;
-        std::optional<quint8> line = {}; ///< of a project with several
+        OutputClass::Kind kind = OutputClass::Kind::Progress; ///< only of the last run
+        std::optional<quint8> line = {};                      ///< of a project with several
+
+        [[nodiscard]] QString plainText() const;
     };
+    enum class Direction { Next, Previous };
 
     void makeLayout();
     void append(Entry entry);
     void flushSome();
     void flush(qsizetype most) const;
-    void insertFirst(qsizetype count) const;
+    void insertWaiting(qsizetype count) const;
     void insertMessage(QTextCursor &cursor, const Entry &entry) const;
     void trackCheck(const QString &text);
-    void showCount() const;
+    void beginRun();
+    void showAnew();
+    [[nodiscard]] qsizetype waiting() const { return m_entries.size() - m_inText; }
+    void showStartOrText();
+    bool goToMessage(Direction direction);
+    [[nodiscard]] QTextBlock messageFrom(Direction direction) const;
     void showContextMenu(const QPoint &position);
     void addGotoAction(QMenu &menu, const QPoint &position);
     [[nodiscard]] std::optional<OutputLinks::Target> objectAt(const QPoint &position) const;
     void follow(const OutputLinks::Target &target);
 
     QTextBrowser *m_logging;
-    QLabel *m_count;
-    mutable QList<Entry> m_waiting; ///< part of the log that is not in the text yet
+    StartPage *m_start;
+    QStackedWidget *m_stack;
+    OutputFilterBar *m_filterBar;
+    QWidget *m_buttons; ///< the row below the text
+    QList<Entry> m_entries;
+    mutable qsizetype m_inText = 0;   ///< how many of them have reached the text, or are not wanted
+    QSet<OutputClass::Kind> m_wanted; ///< empty for all
+    QMap<OutputClass::Kind, int> m_counts;
     QTimer m_flushTimer;
     QString m_timeFormat;                ///< empty for the plain time of day
     std::optional<quint8> m_checkedLine; ///< by the last heading
-    bool m_inCheck = false;
-    int m_checkMessages = 0;
+    bool m_startOffered = false;
+    bool m_showsBegin = false; ///< a chosen kind is read from its first message
 };

@@ -35,15 +35,31 @@ struct ActionIcon
     const char *icon;
 };
 constexpr std::array actionIcons{
-    ActionIcon{"actionNew_Project", "new"},     ActionIcon{"actionOpen_Project", "open"},
-    ActionIcon{"actionSave_Project", "save"},   ActionIcon{"actionSave_Project_as", "save-as"},
-    ActionIcon{"actionClose_Project", "close"}, ActionIcon{"actionGenerate_Output", "generate"},
-    ActionIcon{"actionQuit", "quit"},           ActionIcon{"actionUndo", "undo"},
-    ActionIcon{"actionRedo", "redo"},           ActionIcon{"actionCut", "cut"},
-    ActionIcon{"actionCopy", "copy"},           ActionIcon{"actionPaste", "paste"},
-    ActionIcon{"actionDelete", "clear"},        ActionIcon{"actionDuplicate", "duplicate"},
-    ActionIcon{"action_Hel_p", "question"},     ActionIcon{"action_Manual", "manual"},
-    ActionIcon{"action_About", "about"},        ActionIcon{"actionCheck_for_Updates", "update"},
+    ActionIcon{"actionNew_Project", "new"},
+    ActionIcon{"actionOpen_Project", "open"},
+    ActionIcon{"actionSave_Project", "save"},
+    ActionIcon{"actionSave_Project_as", "save-as"},
+    ActionIcon{"actionClose_Project", "close"},
+    ActionIcon{"actionGenerate_Output", "generate"},
+    ActionIcon{"actionQuit", "quit"},
+    ActionIcon{"actionUndo", "undo"},
+    ActionIcon{"actionRedo", "redo"},
+    ActionIcon{"actionCut", "cut"},
+    ActionIcon{"actionCopy", "copy"},
+    ActionIcon{"actionPaste", "paste"},
+    ActionIcon{"actionDelete", "clear"},
+    ActionIcon{"actionDuplicate", "duplicate"},
+    ActionIcon{"action_Hel_p", "question"},
+    ActionIcon{"action_Manual", "manual"},
+    ActionIcon{"action_About", "about"},
+    ActionIcon{"actionCheck_for_Updates", "update"},
+    ActionIcon{"actionNext_Message", "down"},
+    ActionIcon{"actionPrevious_Message", "up"},
+    ActionIcon{"action_Import_File", "import"},
+    ActionIcon{"actionLoad_CiA_301", "library"},
+    ActionIcon{"actionLoad_CiA_302", "library"},
+    ActionIcon{"actionChangelog", "news"},
+    ActionIcon{"actionAbout_Qt", "about"},
 };
 
 /// The largest part of `wanted` that fits, moved as far as it has to be. The title bar, whose
@@ -77,6 +93,7 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     makePages();
     makeUndo();
     makeGenerator();
+    connectOutputPage();
     makeHelp();
     restoreGeometryOfUser();
 
@@ -108,6 +125,9 @@ void VxmMainWindow::decorate()
     }
     ui->menuRecent_Projects->setIcon(LineIcon::icon(QStringLiteral("recent")));
     ui->menuExample_Projects->setIcon(LineIcon::icon(QStringLiteral("examples")));
+    ui->menuExport->setIcon(LineIcon::icon(QStringLiteral("export")));
+    for (QAction *action : findChildren<QAction *>(QString(), Qt::FindDirectChildrenOnly))
+        action->setToolTip(GuiHelper::withShortcut(action->toolTip(), action->shortcut()));
     ui->menuMisc->menuAction()->setVisible(!ui->menuMisc->isEmpty());
     setContextMenuPolicy(Qt::NoContextMenu); // the tool bar stays
 }
@@ -253,6 +273,8 @@ void VxmMainWindow::doThingsAfterStartup()
     bringOntoScreen();
     if (m_line != 0)
         selectLine(0);
+    if (m_currentPage != nullptr)
+        m_currentPage->setFocus(Qt::OtherFocusReason);
 }
 
 // --- State of the project -----------------------------------------------------------------------
@@ -300,6 +322,7 @@ void VxmMainWindow::setModified(bool modified)
     ui->lblPath->setFont(font);
     ui->lblProject->setText(modified ? QStringLiteral("Project (modified):")
                                      : QStringLiteral("Project:"));
+    updateStartPage();
 }
 
 void VxmMainWindow::storePendingInput()
@@ -311,8 +334,13 @@ void VxmMainWindow::storePendingInput()
 
 void VxmMainWindow::updateTitle()
 {
+    updateStartPage();
     if (m_hasToolTitle)
         return;
+    if (m_projectBaseName.isEmpty()) {
+        setWindowTitle(GuiHelper::boxTitle());
+        return;
+    }
     // In a name the mark stands for itself when it is doubled.
     QString name = m_projectBaseName;
     name.replace(modifiedMark, modifiedMark + modifiedMark);

@@ -186,6 +186,10 @@ private:
     void storePendingInput();
     void setBusy(bool busy);
 
+    // vxmmainwindow_output.cpp
+    void connectOutputPage();
+    void updateStartPage();
+
     // vxmmainwindow_project.cpp
     enum class ProtocolQuestion { Ask, Skip };
     void newProject(ProtocolQuestion question);

@@ -63,6 +63,13 @@ constexpr std::array drawings{
                          "M 14.5 12 L 14.5 18 M 11.5 15 L 17.5 15"},
     Drawing{"examples", "M 12 3 L 21 7.5 L 12 12 L 3 7.5 Z M 3 12 L 12 16.5 L 21 12 "
                         "M 3 16.5 L 12 21 L 21 16.5"},
+    Drawing{"import", "M 8 9 L 8 3 L 15 3 L 20 8 L 20 21 L 8 21 L 8 17 M 2 13 L 14 13 "
+                      "M 10.5 9.5 L 14 13 L 10.5 16.5"},
+    Drawing{"export", "M 15 9 L 15 8 L 10 3 L 4 3 L 4 21 L 15 21 L 15 17 M 9 13 L 21 13 "
+                      "M 17.5 9.5 L 21 13 L 17.5 16.5"},
+    Drawing{"library", "M 4 4 L 8 4 L 8 20 L 4 20 Z M 8 4 L 12 4 L 12 20 L 8 20 "
+                       "M 13.5 5.5 L 17 4.5 L 21 19.5 L 17.5 20.5 Z"},
+    Drawing{"news", "M 6 3 L 18 3 L 18 21 L 6 21 Z M 9 8 L 15 8 M 9 12 L 15 12 M 9 16 L 13 16"},
     Drawing{"copy", "M 9 9 L 20 9 L 20 21 L 9 21 Z M 5 15 L 4 15 L 4 3 L 15 3 L 15 5"},
 };
 

@@ -17,6 +17,7 @@
 #include <QTextBrowser>
 
 using namespace Qt::StringLiterals;
+using OutputClass::Kind;
 
 namespace {
 
@@ -52,7 +53,10 @@ private slots:
     void times();
     void emptyLineBeforeAMessage();
     void htmlAsItStands();
-    void checkMessages();
+    void kinds_data();
+    void kinds();
+    void countsAndFilters();
+    void fromMessageToMessage();
     void clearing();
     void copying();
     void selectionSurvivesNewMessages();
@@ -70,6 +74,16 @@ private:
     /// Every link of the pane as "text=anchor".
     QStringList shownLinks();
     QMenu *openMenu(const QString &text);
+    /// A run that puts out these messages.
+    void run(const QStringList &messages);
+    /// The last word of every message in the pane.
+    QStringList shownWords()
+    {
+        QStringList words;
+        for (const QString &line : pane()->toPlainText().split(u'\n'))
+            words.append(line.section(u' ', -1));
+        return words;
+    }
 
     std::unique_ptr<GeneratorOutputForm> m_form;
 };
@@ -373,19 +387,92 @@ void TestGeneratorOutputForm::htmlAsItStands()
     QVERIFY(document()->lastBlock().charFormat().fontWeight() != QFont::Bold);
 }
 
-void TestGeneratorOutputForm::checkMessages()
+void TestGeneratorOutputForm::kinds_data()
 {
-    m_form->appendLogging(u"before"_s);
-    for (int run = 0; run < 2; ++run) {
-        m_form->appendLogging(u"\nCheck of model consistency started"_s);
-        m_form->appendHtml(QString());
-        m_form->appendHtml(u"<strong>Checking line 0</strong>"_s);
-        m_form->appendLogging(u"Error: a"_s);
-        m_form->appendLogging(u"Error: b"_s);
-        m_form->appendLogging(u"ABORT - Check of model consistency finished: failed (2 errors)"_s);
-        m_form->appendLogging(u"after"_s);
-        QCOMPARE(m_form->checkMessageCount(), 2);
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<Kind>("kind");
+
+    const std::pair<const char *, Kind> rows[] = {
+        {"<strong>Error: </strong>Object 0x1018: x", Kind::Error},
+        {"<strong><font color='red'>Error: </font></strong>Timer", Kind::Error},
+        {"<b>ERROR - Generation of x failed. y</b>", Kind::Error},
+        {"ABORT - The output folder /x is not writeable.", Kind::Error},
+        {"The EDS file x.eds in /x is not writable", Kind::Error},
+        {"ABORT - Check of model consistency finished: failed (2 errors)", Kind::Progress},
+        {"Warning: Object 0x1018: x", Kind::Warning},
+        {"<strong>Warning</strong>: x", Kind::Warning},
+        {"<strong>Warning: x</strong>", Kind::Warning},
+        {"Warning line type not set for line 3.", Kind::Warning},
+        {"<strong>Hint: </strong>x", Kind::Note},
+        {"Info: x", Kind::Note},
+        {"<i>Corrected: Object 0x1018-0</i>:x", Kind::Note},
+        {"<strong>Note: </strong>x", Kind::Note},
+        {"Generation of Error: completed.", Kind::Progress},
+    };
+    for (const auto &[message, kind] : rows)
+        QTest::newRow(message) << QString::fromLatin1(message) << kind;
+}
+
+void TestGeneratorOutputForm::kinds()
+{
+    QFETCH(QString, message);
+    QFETCH(Kind, kind);
+    QCOMPARE(OutputClass::of(message), kind);
+}
+
+void TestGeneratorOutputForm::run(const QStringList &messages)
+{
+    m_form->appendLogging(u"\nCheck of model consistency started"_s);
+    for (const QString &message : messages)
+        m_form->appendLogging(message);
+    settle();
+}
+
+/// Counts, filters and F8 are about the last run; the text and what is copied stay whole.
+void TestGeneratorOutputForm::countsAndFilters()
+{
+    auto *errors = m_form->findChild<QPushButton *>(u"btnErrors"_s);
+    auto *notes = m_form->findChild<QPushButton *>(u"btnNotes"_s);
+    run({u"Error: old"_s});
+    run({u"Error: a"_s, u"Hint: b"_s, u"Error: c"_s, u"done"_s});
+    QCOMPARE(m_form->count(Kind::Error), 2);
+    QCOMPARE(errors->text(), u"2 errors"_s);
+    QCOMPARE(notes->text(), u"1 note"_s);
+    QVERIFY(!m_form->findChild<QPushButton *>(u"btnWarnings"_s)->isEnabled());
+
+    const QString all = m_form->getLogging();
+    QCOMPARE(pane()->toPlainText(), all);
+    errors->click();
+    QCOMPARE(m_form->getLogging(), all); // and what waits is shown
+    QCOMPARE(shownWords(), (QStringList{u"a"_s, u"c"_s}));
+    notes->click();
+    settle();
+    QCOMPARE(shownWords(), (QStringList{u"a"_s, u"b"_s, u"c"_s}));
+    errors->click();
+    run({u"Hint: d"_s});
+    QCOMPARE(shownWords(), QStringList{u"d"_s});
+    notes->click();
+    settle();
+    QCOMPARE(pane()->toPlainText(), m_form->getLogging());
+}
+
+void TestGeneratorOutputForm::fromMessageToMessage()
+{
+    QVERIFY(!m_form->goToNextMessage());
+    run({u"Error: old"_s});
+    run({u"Warning: a\nsecond line"_s, u"x"_s, u"Error: b"_s, u"Info: c"_s});
+    const auto word = [this] { return pane()->textCursor().block().text().right(1); };
+    QString way;
+    for (int i = 0; i < 4; ++i) {
+        QVERIFY(m_form->goToNextMessage());
+        way += word();
     }
+    QCOMPARE(way, u"abca"_s);
+    QVERIFY(m_form->goToPreviousMessage());
+    QCOMPARE(word(), u"c"_s);
+    // Where it went is where Tab looks for the first link.
+    QVERIFY(pane()->textCursor().atBlockStart());
+    QCOMPARE(pane()->extraSelections().size(), 1);
 }
 
 void TestGeneratorOutputForm::clearing()

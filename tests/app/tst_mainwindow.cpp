@@ -2,10 +2,16 @@
 #include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
+#include "app/generatoroutputform.h"
+#include "app/startpage.h"
+#include "store/usersettings.h"
+
+#include <QAbstractButton>
 #include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
+#include <QMenu>
 #include <QScreen>
 #include <QTextBrowser>
 
@@ -44,6 +50,70 @@ private slots:
         QTEST(action->text(), "text");
         QTEST(action->shortcut().toString(), "shortcut");
         QVERIFY(!action->statusTip().isEmpty());
+    }
+
+    void actionsShowKeysAndIconsAlike()
+    {
+        Session session;
+        const auto *save = session.window.findChild<QAction *>(u"actionSave_Project"_s);
+        QVERIFY(save->toolTip().endsWith(
+            u" (%1)"_s.arg(save->shortcut().toString(QKeySequence::NativeText))));
+        for (const QMenu *menu : session.window.findChildren<QMenu *>()) {
+            QSet<bool> kinds;
+            for (const QAction *entry : menu->actions()) {
+                if (!entry->isSeparator())
+                    kinds.insert(entry->icon().isNull());
+            }
+            QVERIFY2(kinds.size() <= 1, qPrintable(menu->title()));
+        }
+    }
+
+    void selectAllInTheOutput()
+    {
+        Session session;
+        auto *form = session.window.findChild<GeneratorOutputForm *>();
+        form->appendLogging(u"a"_s);
+        auto *pane = form->findChild<QTextBrowser *>(u"tbLogging"_s);
+        session.window.show();
+        pane->setFocus();
+        QVERIFY(QTest::qWaitForWindowActive(&session.window));
+        const QString all = form->getLogging();
+        QTest::keyClick(pane, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(pane->textCursor().selectedText(), all);
+    }
+
+    /// Offered by a new project that nobody has changed, until there is something to show.
+    void startPage()
+    {
+        const QString path = project(u"p.vxmp"_s);
+        Session session;
+        QVERIFY(session.window.openProject(path));
+        session.window.show();
+        auto *page = session.window.findChild<StartPage *>(u"startPage"_s);
+        QVERIFY(!page->isVisible());
+        session.window.newProject();
+        QVERIFY(page->isVisible());
+        session.edit();
+        QVERIFY(!page->isVisible());
+        session.window.newProject();
+        QVERIFY(page->isVisible());
+        auto *form = session.window.findChild<GeneratorOutputForm *>();
+        form->appendLogging(u"a"_s);
+        QVERIFY(!page->isVisible());
+        form->clearLogging();
+        QVERIFY(page->isVisible());
+
+        // By the keyboard alone; one that is gone stays, but can't be opened.
+        RecentProjects::add(file(u"gone.vxmp"_s), 0);
+        session.window.newProject();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const auto recent = page->findChildren<QAbstractButton *>(u"startRecent"_s);
+        QCOMPARE(recent.size(), 2);
+        QVERIFY(!recent.at(1)->isEnabled());
+        QCOMPARE(recent.first()->text(), u"p.vxmp"_s);
+        QTest::keyClick(recent.first(), Qt::Key_Return);
+        QCOMPARE(session.window.projectBaseName(), u"p"_s);
+        QVERIFY(!page->isVisible());
     }
 
     void geometryComesBack()

@@ -1,0 +1,46 @@
+#include "app/vxmmainwindow.h"
+
+#include "app/generatoroutputform.h"
+#include "app/startpage.h"
+#include "ui_vxmmainwindow.h"
+
+#include <QStatusBar>
+
+namespace {
+constexpr int noteMilliseconds = 5000;
+}
+
+void VxmMainWindow::connectOutputPage()
+{
+    const auto step = [this](bool (GeneratorOutputForm::*goTo)()) {
+        return [this, goTo] {
+            ui->toolBox->setCurrentWidget(m_outputForm);
+            if (!(m_outputForm->*goTo)())
+                statusBar()->showMessage(tr("There are no messages to go to."), noteMilliseconds);
+        };
+    };
+    connect(ui->actionNext_Message, &QAction::triggered, this,
+            step(&GeneratorOutputForm::goToNextMessage));
+    connect(ui->actionPrevious_Message, &QAction::triggered, this,
+            step(&GeneratorOutputForm::goToPreviousMessage));
+
+    const StartPage *page = &m_outputForm->startPage();
+    connect(page, &StartPage::newRequested, this, &VxmMainWindow::on_actionNew_Project_triggered);
+    connect(page, &StartPage::openRequested, this, &VxmMainWindow::on_actionOpen_Project_triggered);
+    connect(page, &StartPage::exampleRequested, this, &VxmMainWindow::openExampleCopy);
+    connect(page, &StartPage::recentRequested, this, [this](const QString &path) {
+        if (closeCheck())
+            openProject(path);
+    });
+}
+
+/// Offered as long as there is nothing to lose: a new project that nobody has changed.
+void VxmMainWindow::updateStartPage()
+{
+    const bool isUntouched = m_projectFilePath.isEmpty() && !isModified();
+    if (isUntouched) {
+        m_outputForm->startPage().setExamples(ExampleProjects::shipped());
+        m_outputForm->startPage().setRecent(RecentProjects::entries());
+    }
+    m_outputForm->offerStart(isUntouched);
+}
