@@ -77,6 +77,8 @@ AboutDialog::AboutDialog(QWidget *parent) : QDialog(parent)
     layout->addWidget(buttons);
     constexpr int width = 460;
     setMinimumWidth(width);
+    // What wraps is asked for its height in a narrower dialog otherwise.
+    resize(width, layout->totalHeightForWidth(width));
 }
 
 QString AboutDialog::details()

@@ -90,20 +90,24 @@ FileViewerDialog::FileViewerDialog(QWidget *parent)
 void FileViewerDialog::makeFindBar()
 {
     m_search->setPlaceholderText(tr("Find in this file"));
+    m_search->setToolTip(GuiHelper::withShortcut(tr("Text to look for"), QKeySequence::Find));
     m_search->setClearButtonEnabled(true);
     connect(m_search, &QLineEdit::textChanged, this, &FileViewerDialog::searchChanged);
     connect(m_matchCase, &QCheckBox::toggled, this, &FileViewerDialog::searchChanged);
 
     auto *label = new QLabel(tr("&Find:"), m_findBar);
     label->setBuddy(m_search);
-    auto *next = makeButton("down", tr("Next place (F3)"), m_findBar);
+    auto *next =
+        makeButton("down", GuiHelper::withShortcut(tr("Next place"), Qt::Key_F3), m_findBar);
     connect(next, &QToolButton::clicked, this, &FileViewerDialog::findNext);
-    auto *previous = makeButton("up", tr("Previous place (Shift+F3)"), m_findBar);
+    auto *previous = makeButton(
+        "up", GuiHelper::withShortcut(tr("Previous place"), Qt::SHIFT | Qt::Key_F3), m_findBar);
     connect(previous, &QToolButton::clicked, this, &FileViewerDialog::findPrevious);
 
     m_line->setMinimum(1);
     m_line->setKeyboardTracking(false);
-    m_line->setToolTip(tr("Number of the line to go to (Ctrl+L)"));
+    m_line->setToolTip(
+        GuiHelper::withShortcut(tr("Number of the line to go to"), Qt::CTRL | Qt::Key_L));
     connect(m_line, &QSpinBox::valueChanged, this, &FileViewerDialog::goToLine);
     auto *lineLabel = new QLabel(tr("&Line:"), m_findBar);
     lineLabel->setBuddy(m_line);

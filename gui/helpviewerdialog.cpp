@@ -84,7 +84,8 @@ void HelpViewerDialog::makeLayout()
     m_browser->setOpenLinks(false);
     m_browser->setFrameShape(QFrame::NoFrame);
     m_search->setObjectName(QStringLiteral("helpSearch"));
-    m_search->setPlaceholderText(tr("Search all pages (Ctrl+F)"));
+    m_search->setPlaceholderText(
+        GuiHelper::withShortcut(tr("Search all pages"), QKeySequence::Find));
     m_search->setClearButtonEnabled(true);
     m_note->setMargin(4);
     m_note->hide();
@@ -115,7 +116,7 @@ QAction *HelpViewerDialog::addAction(const char *icon, const QString &text,
 {
     auto *action = new QAction(LineIcon::icon(QLatin1String(icon)), text, this);
     action->setShortcut(keys);
-    action->setToolTip(tr("%1 (%2)").arg(text, keys.toString(QKeySequence::NativeText)));
+    action->setToolTip(GuiHelper::withShortcut(text, keys));
     connect(action, &QAction::triggered, this, slot);
     return action;
 }

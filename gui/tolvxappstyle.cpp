@@ -113,7 +113,10 @@ constexpr QRgb outlineDark = 0xff757e87;
 /// Fusion takes the outline from a darker shade of the window, which vanishes on a dark one.
 void drawOutline(QStyle::PrimitiveElement element, const QStyleOption &option, QPainter &painter)
 {
-    const bool focused = option.state & QStyle::State_HasFocus;
+    const auto *button = qstyleoption_cast<const QStyleOptionButton *>(&option);
+    const bool isDefault =
+        button != nullptr && button->features.testFlag(QStyleOptionButton::DefaultButton);
+    const bool focused = isDefault || option.state & QStyle::State_HasFocus;
     const bool enabled = option.state & QStyle::State_Enabled;
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
@@ -289,7 +292,9 @@ void TolvxAppStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *
                                   QPainter *painter, const QWidget *widget) const
 {
     QProxyStyle::drawPrimitive(element, option, painter, widget);
-    if (isDark(option->palette) && isOutlined(element, *option))
+    // On no ground does Fusion tell that a text or a table has the focus.
+    const bool isFocusedFrame = element == PE_Frame && option->state.testFlag(State_HasFocus);
+    if ((isDark(option->palette) || isFocusedFrame) && isOutlined(element, *option))
         drawOutline(element, *option, *painter);
     if (element == PE_PanelButtonCommand && option->state.testFlag(State_On))
         drawPressed(*option, *painter);

@@ -12,6 +12,8 @@
 #include "store/usersettings.h"
 
 #include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -266,6 +268,30 @@ private slots:
             const double ratio = contrast(palette.color(text), palette.color(ground));
             QVERIFY2(ratio >= 4.5, qPrintable(u"%1 on %2: %3"_s.arg(text).arg(ground).arg(ratio)));
         }
+    }
+
+    void controlsStandOut_data() { textIsReadableInBothSchemes_data(); }
+
+    void controlsStandOut()
+    {
+        QFETCH(int, scheme);
+        const auto kind = TolvxAppStyle::Scheme(scheme);
+        TolvxAppStyle style;
+        const auto shown = [&](QWidget &widget, QSize size) {
+            widget.setStyle(&style);
+            widget.setPalette(TolvxAppStyle::palette(kind));
+            widget.resize(size);
+            return widget.grab().toImage();
+        };
+        QScrollBar bar(Qt::Vertical);
+        bar.setRange(0, 100);
+        bar.setPageStep(10);
+        const QImage scrolled = shown(bar, QSize(16, 300));
+        QVERIFY(scrolled.pixelColor(8, 24).lightness() < scrolled.pixelColor(8, 200).lightness());
+        QLineEdit field;
+        const QImage line = shown(field, QSize(100, 26));
+        const double least = kind == TolvxAppStyle::Scheme::Dark ? 3 : 1.8;
+        QVERIFY(contrast(line.pixelColor(50, 0), line.pixelColor(50, 5)) >= least);
     }
 
     void boxesKeepPathsWhole_data()
