@@ -81,7 +81,8 @@ QString GeneratorOutputForm::Entry::plainText() const
 GeneratorOutputForm::GeneratorOutputForm(QWidget *parent)
     : BaseMainForm(parent), m_logging(new QTextBrowser(this)), m_start(new StartPage(this)),
       m_stack(new QStackedWidget(this)), m_filterBar(new OutputFilterBar(this)),
-      m_buttons(new QWidget(this))
+      m_buttons(new QWidget(this)), m_copyAll(new QPushButton(tr("Cop&y All"), this)),
+      m_clear(new QPushButton(tr("Clea&r"), this))
 {
     m_logging->setObjectName(QStringLiteral("tbLogging"));
     m_logging->setOpenLinks(false);
@@ -108,15 +109,13 @@ GeneratorOutputForm::GeneratorOutputForm(QWidget *parent)
 
 void GeneratorOutputForm::makeLayout()
 {
-    auto *copy = new QPushButton(tr("Cop&y All"), this);
-    copy->setObjectName(QStringLiteral("btnCopyAll"));
-    copy->setToolTip(
+    m_copyAll->setObjectName(QStringLiteral("btnCopyAll"));
+    m_copyAll->setToolTip(
         GuiHelper::withShortcut(tr("Copy all messages to the clipboard"), copyAllKeys));
-    connect(copy, &QPushButton::clicked, this, &GeneratorOutputForm::copyAll);
-    auto *clear = new QPushButton(tr("Clea&r"), this);
-    clear->setObjectName(QStringLiteral("btnClear"));
-    clear->setToolTip(tr("Remove all messages"));
-    connect(clear, &QPushButton::clicked, this, &GeneratorOutputForm::clearLogging);
+    connect(m_copyAll, &QPushButton::clicked, this, &GeneratorOutputForm::copyAll);
+    m_clear->setObjectName(QStringLiteral("btnClear"));
+    m_clear->setToolTip(tr("Remove all messages"));
+    connect(m_clear, &QPushButton::clicked, this, &GeneratorOutputForm::clearLogging);
 
     auto *shortcut = new QShortcut(copyAllKeys, this);
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
@@ -127,8 +126,8 @@ void GeneratorOutputForm::makeLayout()
     row->setSpacing(8);
     row->addWidget(m_filterBar);
     row->addStretch(1);
-    row->addWidget(copy);
-    row->addWidget(clear);
+    row->addWidget(m_copyAll);
+    row->addWidget(m_clear);
     m_stack->addWidget(m_logging);
     m_stack->addWidget(m_start);
     auto *layout = new QVBoxLayout(this);
@@ -162,6 +161,8 @@ void GeneratorOutputForm::showStartOrText()
     QWidget *shown = start ? static_cast<QWidget *>(m_start) : m_logging;
     m_stack->setCurrentWidget(shown);
     m_buttons->setVisible(!start);
+    m_copyAll->setEnabled(!m_entries.isEmpty());
+    m_clear->setEnabled(!m_entries.isEmpty());
     setFocusProxy(shown);
 }
 
@@ -279,7 +280,8 @@ void GeneratorOutputForm::append(Entry entry)
 {
     m_entries.append(std::move(entry));
     m_showsBegin = false;
-    showStartOrText();
+    if (m_entries.size() == 1)
+        showStartOrText();
     if (!m_flushTimer.isActive())
         m_flushTimer.start(flushMilliseconds);
 }
@@ -518,6 +520,6 @@ void GeneratorOutputForm::showContextMenu(const QPoint &position)
     next->setEnabled(!m_counts.isEmpty());
     previous->setEnabled(!m_counts.isEmpty());
     menu->addSeparator();
-    menu->addAction(tr("C&lear"), this, &GeneratorOutputForm::clearLogging);
+    menu->addAction(tr("Clea&r"), this, &GeneratorOutputForm::clearLogging);
     menu->popup(m_logging->viewport()->mapToGlobal(position));
 }

@@ -13,6 +13,7 @@
 
 class OutputFilterBar;
 class QMenu;
+class QPushButton;
 class QStackedWidget;
 class QTextBlock;
 class QTextBrowser;
@@ -108,6 +109,8 @@ private:
     QStackedWidget *m_stack;
     OutputFilterBar *m_filterBar;
     QWidget *m_buttons; ///< the row below the text
+    QPushButton *m_copyAll;
+    QPushButton *m_clear;
     QList<Entry> m_entries;
     mutable qsizetype m_inText = 0;   ///< how many of them have reached the text, or are not wanted
     QSet<OutputClass::Kind> m_wanted; ///< empty for all
