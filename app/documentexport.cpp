@@ -7,12 +7,13 @@
 #include "documents/icsvgenerator.h"
 #include "documents/textdocgenerator.h"
 #include "documents/xddgenerator.h"
+#include "generation/outputlist.h"
+#include "generators/base/abstractgenerator.h"
 #include "generators/base/outputfile.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QEventLoop>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QTemporaryDir>
@@ -22,47 +23,22 @@
 
 namespace {
 
-using Made = std::unique_ptr<AbstractGenerator>;
-
-Made makeEds(ObjectDataBase &store)
-{
-    const QString key = QStringLiteral("canfd_supported");
-    return std::make_unique<EDSGenerator>(QString(), store.getGeneralSetting(key).toInt() >= 1,
-                                          false);
-}
-
-Made makeIcsv(ObjectDataBase &store)
-{
-    auto generator = std::make_unique<ICSVGenerator>();
-    generator->setWithDescription(store.getMiscSetting(QStringLiteral("disableDocu")) !=
-                                  QLatin1String("true"));
-    return generator;
-}
-
-template <class Generator>
-Made make(ObjectDataBase &)
-{
-    return std::make_unique<Generator>();
-}
-
 /// One form of a document.
 struct Form
 {
     DocumentExport::Kind kind;
-    const char *suffix;
+    const char *suffix; ///< by which the list of outputs has it
     const char *filter;
     bool namesItself; ///< the document holds the name of its file
-    Made (*make)(ObjectDataBase &store);
 };
 
 constexpr std::array forms{
-    Form{DocumentExport::Kind::Eds, "eds", "EDS Files (*.eds)", true, makeEds},
-    Form{DocumentExport::Kind::Xdd, "xdd", "XDD Files (*.xdd)", true, make<XDDGenerator>},
-    Form{DocumentExport::Kind::Html, "html", "HTML Files (*.html)", false, make<HTMLGenerator>},
-    Form{DocumentExport::Kind::Table, "csv", "CSV Files (*.csv)", false, make<CSVGenerator>},
-    Form{DocumentExport::Kind::Table, "icsv", "ICSV Files, which can be imported (*.icsv)", false,
-         makeIcsv},
-    Form{DocumentExport::Kind::Text, "txt", "Text Files (*.txt)", false, make<TextDocGenerator>},
+    Form{DocumentExport::Kind::Eds, "eds", "EDS Files (*.eds)", true},
+    Form{DocumentExport::Kind::Xdd, "xdd", "XDD Files (*.xdd)", true},
+    Form{DocumentExport::Kind::Html, "html", "HTML Files (*.html)", false},
+    Form{DocumentExport::Kind::Table, "csv", "CSV Files (*.csv)", false},
+    Form{DocumentExport::Kind::Table, "icsv", "ICSV Files, which can be imported (*.icsv)", false},
+    Form{DocumentExport::Kind::Text, "txt", "Text Files (*.txt)", false},
 };
 
 /// In the order of `Kind`.
@@ -137,20 +113,15 @@ QString DocumentExport::write(Kind kind, const Job &job)
     const QFileInfo target(job.path);
     const Form &form = formOf(kind, target.suffix());
     const bool takesFileName = form.namesItself || job.projectName.isEmpty();
-    const Made generator = form.make(*job.store);
-    generator->setOutputFolder(folder.path());
-    generator->setStore(job.store);
-    generator->setProjectName(takesFileName ? target.completeBaseName() : job.projectName);
-    generator->setLine(job.line);
-    // The end of the run posts its last progress here; without it the loop would wait for an event
-    // that may never come.
-    QObject here;
-    QObject::connect(generator.get(), &AbstractGenerator::progress, &here, [] {});
+    RunFacts facts;
+    facts.store = std::shared_ptr<ObjectDataBase>(std::shared_ptr<void>(), job.store); // not owned
+    facts.outputFolder = folder.path();
+    facts.projectName = takesFileName ? target.completeBaseName() : job.projectName;
+    const OutputJobs jobs =
+        makeOutput(*documentOutput(QLatin1String(form.suffix)), facts, job.line);
+    const auto &generator = jobs.jobs.front().generator;
     generator->startGeneration();
-    while (generator->isBusy())
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    generator->waitForEnd();
-    QCoreApplication::processEvents();
+    generator->processEventsToEnd();
     if (generator->errorCode() != 0)
         return generator->errorString();
     return moveResult(folder, job.path);

@@ -12,16 +12,6 @@ QString flag(bool on)
 
 } // namespace
 
-QString CSVGenerator::fileName() const
-{
-    return baseName() + QLatin1String(".csv");
-}
-
-int CSVGenerator::startGeneration()
-{
-    return start(QStringLiteral("CSV documentation"));
-}
-
 void CSVGenerator::writeDocument(QIODevice &device)
 {
     CodeWriter out(&device);

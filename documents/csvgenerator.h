@@ -9,10 +9,10 @@ class CSVGenerator : public DictionaryDocument
     Q_OBJECT
 
 public:
-    explicit CSVGenerator(QObject *parent = nullptr) : DictionaryDocument(parent) {}
-
-    [[nodiscard]] QString fileName() const override;
-    int startGeneration() override;
+    explicit CSVGenerator(QObject *parent = nullptr)
+        : DictionaryDocument({".csv", "CSV documentation"}, parent)
+    {
+    }
 
 protected:
     void writeDocument(QIODevice &device) override;

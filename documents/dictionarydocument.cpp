@@ -8,9 +8,9 @@
 #include <QScopeGuard>
 #include <QThread>
 
-bool DictionaryDocument::isOutputWritable()
+QString DictionaryDocument::fileName() const
 {
-    return isFileWritable(outputPath());
+    return baseName() + m_fileSuffix + namedFile();
 }
 
 void DictionaryDocument::writeContent(QIODevice &device)

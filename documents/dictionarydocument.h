@@ -2,23 +2,29 @@
 
 #include "dictionary/objectwalk.h"
 #include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
+#include "store/objectdatabase.h"
 
 #include <functional>
 
 /// Base of the writers that put out one CANopen line object by object. It reads every record once,
 /// in the order of the indices, and looks at the stop request between objects.
-class DictionaryDocument : public AbstractGenerator
+class DictionaryDocument : public FileGenerator
 {
     Q_OBJECT
 
 public:
-    [[nodiscard]] bool isOutputWritable() override;
+    [[nodiscard]] QString fileName() const override;
 
 protected:
     using Entry = DictionaryEntry;
     using Object = DictionaryObject;
 
-    explicit DictionaryDocument(QObject *parent = nullptr) : AbstractGenerator(parent) {}
+    /// `name.file` is what follows the base name and the suffix of its line: ".csv", "_doc.txt".
+    explicit DictionaryDocument(const Name &name, QObject *parent = nullptr)
+        : FileGenerator(name, parent)
+    {
+    }
 
     /// Sets the description line to that of the run and back.
     void writeContent(QIODevice &device) final;

@@ -87,7 +87,8 @@ bool showsDefault(const ObjectDataBase::SUBINDEX_DATA_T &entry)
 } // namespace
 
 EDSGenerator::EDSGenerator(const QString &edsDefine, bool fdMode, bool classical, QObject *parent)
-    : AbstractGenerator(parent), m_edsDefine(edsDefine), m_fdMode(fdMode), m_classical(classical)
+    : FileGenerator({".eds", "EDS file"}, parent), m_edsDefine(edsDefine), m_fdMode(fdMode),
+      m_classical(classical)
 {
 }
 
@@ -100,17 +101,7 @@ QString EDSGenerator::fileName() const
         name += QLatin1Char('_') + withoutSeparators(m_edsDefine);
     else if (m_classical)
         name += QLatin1String("_classical");
-    return name + QLatin1String(".eds");
-}
-
-bool EDSGenerator::isOutputWritable()
-{
-    return isFileWritable(outputPath());
-}
-
-int EDSGenerator::startGeneration()
-{
-    return start(QStringLiteral("EDS file"));
+    return name + namedFile();
 }
 
 QStringList EDSGenerator::variants(ObjectDataBase &store, quint8 line)

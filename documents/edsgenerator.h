@@ -2,6 +2,7 @@
 
 #include "canopen/objectranges.h"
 #include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "store/objectdatabase.h"
 
 class CodeWriter;
@@ -10,7 +11,7 @@ class CodeWriter;
 /// objects and subindices with the metadata attribute `eds_define` belong to the variant of that
 /// name alone, all others to every variant. With CANopen FD there is a classical form besides,
 /// without the objects that only FD devices have.
-class EDSGenerator : public AbstractGenerator
+class EDSGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -19,8 +20,6 @@ public:
                           bool classical = false, QObject *parent = nullptr);
 
     [[nodiscard]] QString fileName() const override;
-    [[nodiscard]] bool isOutputWritable() override;
-    int startGeneration() override;
 
     /// The variants of a line in the order of their appearance; the first is always the empty
     /// name. Variants of subindices count only below an object that has the attribute itself.

@@ -23,16 +23,6 @@ quint32 sizeInBytes(const ObjectDataBase::SUBINDEX_DATA_T &entry)
 
 } // namespace
 
-QString HTMLGenerator::fileName() const
-{
-    return baseName() + m_fileSuffix + QLatin1String(".html");
-}
-
-int HTMLGenerator::startGeneration()
-{
-    return start(QStringLiteral("HTML documentation"));
-}
-
 void HTMLGenerator::writeDocument(QIODevice &device)
 {
     CodeWriter out(&device);

@@ -11,10 +11,10 @@ class HTMLGenerator : public DictionaryDocument
     Q_OBJECT
 
 public:
-    explicit HTMLGenerator(QObject *parent = nullptr) : DictionaryDocument(parent) {}
-
-    [[nodiscard]] QString fileName() const override;
-    int startGeneration() override;
+    explicit HTMLGenerator(QObject *parent = nullptr)
+        : DictionaryDocument({".html", "HTML documentation"}, parent)
+    {
+    }
 
 protected:
     void writeDocument(QIODevice &device) override;

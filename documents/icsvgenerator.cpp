@@ -12,16 +12,6 @@ QString flag(bool on)
 
 } // namespace
 
-QString ICSVGenerator::fileName() const
-{
-    return baseName() + QLatin1String(".icsv");
-}
-
-int ICSVGenerator::startGeneration()
-{
-    return start(QStringLiteral("ICSV documentation"));
-}
-
 void ICSVGenerator::writeDocument(QIODevice &device)
 {
     CodeWriter out(&device);

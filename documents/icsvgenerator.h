@@ -9,10 +9,10 @@ class ICSVGenerator : public DictionaryDocument
     Q_OBJECT
 
 public:
-    explicit ICSVGenerator(QObject *parent = nullptr) : DictionaryDocument(parent) {}
-
-    [[nodiscard]] QString fileName() const override;
-    int startGeneration() override;
+    explicit ICSVGenerator(QObject *parent = nullptr)
+        : DictionaryDocument({".icsv", "ICSV documentation"}, parent)
+    {
+    }
 
     /// Without it the table has no column of descriptions; on by default.
     void setWithDescription(bool on) { m_withDescription = on; }

@@ -29,16 +29,6 @@ void writeField(CodeWriter &out, const char *label, QString value)
 
 } // namespace
 
-QString TextDocGenerator::fileName() const
-{
-    return baseName() + m_fileSuffix + QLatin1String("_doc.txt");
-}
-
-int TextDocGenerator::startGeneration()
-{
-    return start(QStringLiteral("Text documentation"));
-}
-
 void TextDocGenerator::writeDocument(QIODevice &device)
 {
     CodeWriter out(&device);

@@ -11,10 +11,10 @@ class TextDocGenerator : public DictionaryDocument
     Q_OBJECT
 
 public:
-    explicit TextDocGenerator(QObject *parent = nullptr) : DictionaryDocument(parent) {}
-
-    [[nodiscard]] QString fileName() const override;
-    int startGeneration() override;
+    explicit TextDocGenerator(QObject *parent = nullptr)
+        : DictionaryDocument({"_doc.txt", "Text documentation"}, parent)
+    {
+    }
 
 protected:
     void writeDocument(QIODevice &device) override;

@@ -73,12 +73,7 @@ QString XDDGenerator::xmlText(const QString &text)
 QString XDDGenerator::fileName() const
 {
     const QString vendor = hexText(NumberText::toUnsigned32(identityValue(1)).value_or(0), 8);
-    return QStringLiteral("%1_%2.xdd").arg(vendor, baseName());
-}
-
-int XDDGenerator::startGeneration()
-{
-    return start(QStringLiteral("XDD file"));
+    return QStringLiteral("%1_%2%3").arg(vendor, baseName(), namedFile());
 }
 
 QString XDDGenerator::setting(const char *key) const

@@ -15,10 +15,12 @@ class XDDGenerator : public DictionaryDocument
 public:
     static const QString languageKey;
 
-    explicit XDDGenerator(QObject *parent = nullptr) : DictionaryDocument(parent) {}
+    explicit XDDGenerator(QObject *parent = nullptr)
+        : DictionaryDocument({".xdd", "XDD file"}, parent)
+    {
+    }
 
     [[nodiscard]] QString fileName() const override;
-    int startGeneration() override;
 
     /// The text without what an XML 1.0 document can't hold.
     [[nodiscard]] static QString xmlText(const QString &text);

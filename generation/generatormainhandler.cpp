@@ -28,25 +28,6 @@ constexpr int followMilliseconds = 10000;
 /// The address claim is made by the stack; a project's own message of that number is in its way.
 constexpr quint32 addressClaimPgn = 60928;
 
-bool isMadeFor(OutputLines lines, const RunFacts &facts, quint8 line)
-{
-    if (lines == OutputLines::Once)
-        return line == 0;
-    if (!facts.activeLines.contains(line))
-        return false;
-    const Protocols protocols = facts.lineProtocols(line);
-    switch (lines) {
-    case OutputLines::CANopen:
-        return protocols.testFlag(Protocol::CANopen);
-    case OutputLines::J1939:
-        return protocols.testFlag(Protocol::J1939);
-    case OutputLines::RawCAN:
-        return protocols.testFlag(Protocol::RawCAN);
-    default:
-        return true;
-    }
-}
-
 QString errorLogPath(const QString &folder)
 {
     return folder + QLatin1String("/__vxmerrorlog.txt");
@@ -265,9 +246,8 @@ bool GeneratorMainHandler::writeOutputs()
     const QList<OutputRow> &rows = outputList();
     for (auto first = rows.begin(); first != rows.end();) {
         emit runProgress(static_cast<quint8>((first - rows.begin()) * 100 / rows.size()));
-        const auto last = std::find_if(first, rows.end(), [&](const OutputRow &row) {
-            return qstrcmp(row.step, first->step);
-        });
+        const auto last = std::find_if(
+            first, rows.end(), [&](const OutputRow &row) { return row.step != first->step; });
         QList<quint8> lines = m_facts.activeLines;
         if (!lines.contains(0))
             lines.prepend(0); // outputs of the whole project
@@ -285,7 +265,7 @@ bool GeneratorMainHandler::writeOutputs()
 
 bool GeneratorMainHandler::writeRow(const OutputRow &row, quint8 line)
 {
-    if (!isMadeFor(row.lines, m_facts, line) || !row.applies(m_facts))
+    if (!isOutputWanted(row, m_facts, line))
         return true;
     if (row.missing) {
         tellFailure(QLatin1String(row.missing), tr("This version can't make it yet."));
@@ -295,9 +275,9 @@ bool GeneratorMainHandler::writeRow(const OutputRow &row, quint8 line)
         tellAction(row, row.action(m_facts));
         return true;
     }
-    OutputJobs jobs = row.make(m_facts, line);
-    for (OutputJob &job : jobs.jobs) {
-        if (!runJob(row, job, line))
+    const OutputJobs jobs = makeOutput(row, m_facts, line);
+    for (const OutputJob &job : jobs.jobs) {
+        if (!runJob(row, job))
             return false;
     }
     if (jobs.closing)
@@ -315,24 +295,11 @@ void GeneratorMainHandler::tellAction(const OutputRow &row, bool done)
         message(text);
 }
 
-bool GeneratorMainHandler::runJob(const OutputRow &row, OutputJob &job, quint8 line)
+bool GeneratorMainHandler::runJob(const OutputRow &row, const OutputJob &job)
 {
     AbstractGenerator &generator = *job.generator;
-    if (row.inheritsMultiLine)
-        generator.setMultiLine(m_facts.multiLine);
-    generator.setOutputFolder(m_facts.outputFolder);
-    generator.setStore(m_facts.store.get());
-    generator.setProjectName(m_facts.projectName);
-    const Protocols protocols = m_facts.lineProtocols(line);
-    const bool isMixedLine = protocols && (protocols.toInt() & (protocols.toInt() - 1)) != 0;
-    if (isMixedLine)
-        generator.setFileSuffix(QLatin1String(row.suffix));
-    generator.setLine(line);
-    if (row.attributes)
-        row.attributes(m_facts, generator);
-
-    if (row.hasContent && !row.hasContent(generator)) {
-        QFile::remove(m_facts.outputFolder + QLatin1Char('/') + QLatin1String(row.staleFile));
+    if (!generator.hasContent()) {
+        QFile::remove(m_facts.outputFolder + QLatin1Char('/') + generator.fileName());
         return true;
     }
     const QString name =
@@ -348,22 +315,16 @@ bool GeneratorMainHandler::runJob(const OutputRow &row, OutputJob &job, quint8 l
     m_currentGenerator = &generator;
     generator.startGeneration();
     message(outputMessageText(job.started ? job.started : row.started, m_facts.outputFolder, name));
-    // The end of a run posts its last progress here, so this waits without turning idle rounds.
-    while (generator.isBusy())
-        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
-    generator.waitForEnd();
-    QCoreApplication::processEvents();
+    generator.processEventsToEnd();
     m_currentGenerator = nullptr;
 
     if (row.failureEndsRun && generator.errorCode() == 1) {
         message(generator.errorString());
         return false;
     }
-    if (row.remark) {
-        const QString remark = row.remark(generator);
-        if (!remark.isEmpty())
-            message(remark);
-    }
+    const QString remark = generator.remark();
+    if (!remark.isEmpty())
+        message(remark);
     return true;
 }
 

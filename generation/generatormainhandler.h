@@ -117,7 +117,7 @@ private:
     void tellAction(const OutputRow &row, bool done);
     void tellFailure(const QString &label, const QString &reason);
     [[nodiscard]] QString stackGenerationText() const;
-    bool runJob(const OutputRow &row, OutputJob &job, quint8 line);
+    bool runJob(const OutputRow &row, const OutputJob &job);
     void applyUpgrades();
     void message(const QString &text);
 

@@ -4,6 +4,7 @@
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QThread>
 
@@ -82,6 +83,17 @@ void AbstractGenerator::waitForEnd()
 {
     if (m_workerThread && m_workerThread != QThread::currentThread())
         m_workerThread->wait();
+}
+
+void AbstractGenerator::processEventsToEnd()
+{
+    // The end of a run posts its last progress here, so this waits without turning idle rounds.
+    QObject here;
+    connect(this, &AbstractGenerator::progress, &here, [] {});
+    while (isBusy())
+        QCoreApplication::processEvents(QEventLoop::AllEvents | QEventLoop::WaitForMoreEvents);
+    waitForEnd();
+    QCoreApplication::processEvents();
 }
 
 int AbstractGenerator::start(const QString &objectName)

@@ -13,9 +13,8 @@ class QThread;
 /// Base of every output writer: one object, one run, one file family, on a thread of its own.
 ///
 /// Order of calls: constructor, setters, `isOutputWritable`, connect `progress`,
-/// `startGeneration`; then the caller pumps its events while `isBusy`, and deletes the generator
-/// after `waitForEnd`, never while it is at work. A generator is used once and reports only through
-/// `errorCode` and `errorString`.
+/// `startGeneration`, `processEventsToEnd`. Never deleted while it is at work. A generator is used
+/// once and reports only through `errorCode` and `errorString`.
 class AbstractGenerator : public QObject
 {
     Q_OBJECT
@@ -50,6 +49,11 @@ public:
     virtual int startGeneration() = 0;
     virtual int requestStop();
     [[nodiscard]] virtual QString generatorVersionText() const { return {}; }
+    /// There is something to write. Without it the generator is not started, and its file must not
+    /// survive.
+    [[nodiscard]] virtual bool hasContent() const { return true; }
+    /// What is to be told after the run; mostly empty.
+    [[nodiscard]] virtual QString remark() const { return {}; }
     /// Runs the generation on the calling thread; ends with `progress(100)` in every case.
     Q_INVOKABLE virtual void doJob();
 
@@ -57,6 +61,9 @@ public:
     [[nodiscard]] bool isBusy() const;
     /// Waits until the generator's thread has ended; at once if there is none.
     void waitForEnd();
+    /// Processes the events of the calling thread until the run has ended and its last progress is
+    /// delivered.
+    void processEventsToEnd();
     [[nodiscard]] quint8 errorCode() const { return m_errorCode; }
     [[nodiscard]] QString errorString() const { return m_errorString; }
     [[nodiscard]] QString projectName() const { return m_projectName; }

@@ -35,26 +35,12 @@ ObjDictGenerator::ObjDictGenerator(bool compactDescription, QObject *parent)
 
 ObjDictGenerator::ObjDictGenerator(bool compactDescription, const StackDialect &dialect,
                                    QObject *parent)
-    : AbstractGenerator(parent), m_dialect(dialect), m_compactDescription(compactDescription)
+    : FileGenerator({"gen_objdict.c"}, parent), m_dialect(dialect),
+      m_compactDescription(compactDescription)
 {
 }
 
 ObjDictGenerator::~ObjDictGenerator() = default;
-
-bool ObjDictGenerator::isOutputWritable()
-{
-    return isFileWritable(outputPath());
-}
-
-int ObjDictGenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_objdict.c"));
-}
-
-QString ObjDictGenerator::fileName() const
-{
-    return QStringLiteral("gen_objdict.c");
-}
 
 void ObjDictGenerator::collect()
 {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "generators/canopen/objdictcontext.h"
 
 #include <memory>
@@ -13,7 +13,7 @@ class CodeWriter;
 /// The sections are operations of their own, in the order in which they stand in the file, so
 /// that a generator for several protocols can use them one by one between `collect` and the end
 /// of its run.
-class ObjDictGenerator : public AbstractGenerator
+class ObjDictGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -24,10 +24,6 @@ public:
 
     /// Only the dictionary, for the SDO server of a J1939 device (CiA 510).
     void setServerOnly(bool serverOnly) { m_serverOnly = serverOnly; }
-
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
 
 protected:
     ObjDictGenerator(bool compactDescription, const StackDialect &dialect, QObject *parent);

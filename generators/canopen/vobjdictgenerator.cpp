@@ -22,7 +22,7 @@ constexpr quint8 progressOfDescription = 75;
 } // namespace
 
 VobjDictGenerator::VobjDictGenerator(const StackDialect &dialect, QObject *parent)
-    : AbstractGenerator(parent), m_dialect(dialect)
+    : FileGenerator({"gen_vobjdict.c"}, parent), m_dialect(dialect)
 {
 }
 
@@ -41,21 +41,6 @@ bool VobjDictGenerator::hasContent() const
             return key.first >= ObjectRanges::device.low;
         });
     });
-}
-
-bool VobjDictGenerator::isOutputWritable()
-{
-    return isFileWritable(outputPath());
-}
-
-int VobjDictGenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_vobjdict.c"));
-}
-
-QString VobjDictGenerator::fileName() const
-{
-    return QStringLiteral("gen_vobjdict.c");
 }
 
 QString VobjDictGenerator::title() const

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "generators/base/stackdialect.h"
 
 #include <memory>
@@ -10,7 +10,7 @@ struct ObjDictContext;
 
 /// gen_vobjdict.c for the older generation of the stack: the rows of virtual objects, whose
 /// values live in memory without addresses.
-class VobjDictGenerator : public AbstractGenerator
+class VobjDictGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -23,11 +23,7 @@ public:
     /// The project is known to have virtual objects of its own making.
     void setVirtualObjects(bool virtualObjects) { m_virtualObjects = virtualObjects; }
     /// There is something to write: a virtual subindex on a line, or the flag.
-    [[nodiscard]] bool hasContent() const;
-
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
+    [[nodiscard]] bool hasContent() const override;
 
 protected:
     VobjDictGenerator(const StackDialect &dialect, QObject *parent);

@@ -36,23 +36,15 @@ QString versionNumber(const QString &version)
 } // namespace
 
 CoDefineGenerator::CoDefineGenerator(const StackDialect &dialect, QObject *parent)
-    : AbstractGenerator(parent), m_dialect(dialect)
+    : FileGenerator({"gen_define.h"}, parent), m_dialect(dialect)
 {
 }
 
-bool CoDefineGenerator::isOutputWritable()
+QString CoDefineGenerator::remark() const
 {
-    return isFileWritable(outputPath());
-}
-
-int CoDefineGenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_define.h"));
-}
-
-QString CoDefineGenerator::fileName() const
-{
-    return QStringLiteral("gen_define.h");
+    const QString section = userSection().trimmed();
+    return section.isEmpty() ? QString()
+                             : QLatin1String("gen_define.h contains user section:\n") + section;
 }
 
 /// Before the file is opened, since that may empty it.

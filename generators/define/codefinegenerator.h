@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "generators/base/stackdialect.h"
 #include "generators/define/usersection.h"
 
@@ -15,7 +15,7 @@ struct DefineFacts;
 /// The lines between the user's marker comments and the number of generations are taken over from
 /// the former file. As long as the new one is not complete the former one stays in its place; a
 /// former file that can't be read is never replaced.
-class CoDefineGenerator : public AbstractGenerator
+class CoDefineGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -28,11 +28,9 @@ public:
     /// The file is made for the network tool, which counts the generations itself.
     void setFromNetworkTool(bool fromNetworkTool) { m_fromNetworkTool = fromNetworkTool; }
 
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
     /// The user's lines that the run has found; valid after it.
     [[nodiscard]] QString userSection() const { return QString::fromUtf8(m_section.lines); }
+    [[nodiscard]] QString remark() const override;
 
 protected:
     CoDefineGenerator(const StackDialect &dialect, QObject *parent);

@@ -14,23 +14,8 @@ constexpr quint8 progressOfHeader = 90;
 } // namespace
 
 ExtDeclGenerator::ExtDeclGenerator(const StackDialect &dialect, QObject *parent)
-    : AbstractGenerator(parent), m_dialect(dialect)
+    : FileGenerator({"gen_extern_decl.h"}, parent), m_dialect(dialect)
 {
-}
-
-bool ExtDeclGenerator::isOutputWritable()
-{
-    return isFileWritable(outputPath());
-}
-
-int ExtDeclGenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_extern_decl.h"));
-}
-
-QString ExtDeclGenerator::fileName() const
-{
-    return QStringLiteral("gen_extern_decl.h");
 }
 
 QString ExtDeclGenerator::title(const char *format) const

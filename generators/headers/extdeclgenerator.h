@@ -1,12 +1,12 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "generators/base/stackdialect.h"
 
 /// gen_extern_decl.h for the older generation of the stack, the declarations of the variables that
 /// the application owns and the generated tables point to, and gen_var_decl.c beside it, which
 /// defines them for an application that does not do so itself.
-class ExtDeclGenerator : public AbstractGenerator
+class ExtDeclGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -15,10 +15,6 @@ public:
         : ExtDeclGenerator(StackDialect::v3(), parent)
     {
     }
-
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
 
 protected:
     ExtDeclGenerator(const StackDialect &dialect, QObject *parent);

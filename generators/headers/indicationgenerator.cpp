@@ -27,23 +27,8 @@ bool isMultiLine(ObjectDataBase &store)
 } // namespace
 
 indicationgenerator::indicationgenerator(const StackDialect &dialect, QObject *parent)
-    : AbstractGenerator(parent), m_dialect(dialect)
+    : FileGenerator({"gen_indication.h"}, parent), m_dialect(dialect)
 {
-}
-
-bool indicationgenerator::isOutputWritable()
-{
-    return isFileWritable(outputPath());
-}
-
-int indicationgenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_indication.h"));
-}
-
-QString indicationgenerator::fileName() const
-{
-    return QStringLiteral("gen_indication.h");
 }
 
 void indicationgenerator::writeContent(QIODevice &device)

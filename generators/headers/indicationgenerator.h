@@ -1,6 +1,6 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 #include "generators/base/stackdialect.h"
 
 class CodeWriter;
@@ -9,7 +9,7 @@ class CodeWriter;
 /// application that are bound to indications when the project is compiled.
 ///
 /// The class name is in lower case because it is known by it.
-class indicationgenerator : public AbstractGenerator
+class indicationgenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -18,10 +18,6 @@ public:
         : indicationgenerator(StackDialect::v3(), parent)
     {
     }
-
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
 
 protected:
     indicationgenerator(const StackDialect &dialect, QObject *parent);

@@ -237,21 +237,9 @@ Protocols protocolsOf(int lineType)
 
 } // namespace
 
-IndicesGenerator::IndicesGenerator(QObject *parent) : AbstractGenerator(parent) {}
-
-bool IndicesGenerator::isOutputWritable()
+IndicesGenerator::IndicesGenerator(QObject *parent)
+    : FileGenerator({"gen_indices.h", "gen_indices.h generator"}, parent)
 {
-    return isFileWritable(outputPath());
-}
-
-int IndicesGenerator::startGeneration()
-{
-    return start(QStringLiteral("gen_indices.h generator"));
-}
-
-QString IndicesGenerator::fileName() const
-{
-    return QStringLiteral("gen_indices.h");
 }
 
 void IndicesGenerator::writeContent(QIODevice &device)

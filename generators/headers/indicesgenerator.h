@@ -1,11 +1,11 @@
 #pragma once
 
-#include "generators/base/abstractgenerator.h"
+#include "generators/base/filegenerator.h"
 
 #include <QList>
 
 /// gen_indices.h: names for object indexes, subindexes, PGNs, SPNs and CAN-IDs.
-class IndicesGenerator : public AbstractGenerator
+class IndicesGenerator : public FileGenerator
 {
     Q_OBJECT
 
@@ -14,10 +14,6 @@ public:
 
     /// The lines whose objects get names, in this order; all lines of the project if not told.
     void setLines(const QList<quint8> &lines) { m_lines = lines; }
-
-    bool isOutputWritable() override;
-    int startGeneration() override;
-    [[nodiscard]] QString fileName() const override;
 
 protected:
     void writeContent(QIODevice &device) override;

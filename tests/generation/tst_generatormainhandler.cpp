@@ -280,7 +280,7 @@ void TestGeneratorMainHandler::outputsByProtocol_data()
     QTest::newRow("J1939 and raw CAN, safety data")
         << "7" << Settings{{"j1939:safetysupport", "1"}}
         << QStringList({"gen_define.h", "gen_extern_decl.h", "gen_indices.h"})
-        << QStringList{"gen_mp.c", "raw CAN documents (text, HTML)", "J1939 documents (text, HTML)",
+        << QStringList{"gen_mp.c", "J1939 documents (text, HTML)", "raw CAN documents (text, HTML)",
                        "DBC file", "gen_sdg.c"};
     QTest::newRow("boot loader") << "4"
                                  << Settings{{"uds_bl_setting", "1"}, {"use_core_headers", "V4"}}
