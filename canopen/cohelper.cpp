@@ -104,9 +104,8 @@ const WordTable<CANopen::ObjectCode> &objectCodeWords()
             {"VARIABLE", CANopen::VAR},  {"ARR", CANopen::ARRAY},         {"REC", CANopen::RECORD},
             {"STRUCT", CANopen::RECORD}, {"DOM", CANopen::DOMAIN_OBJECT},
         };
-        for (const ObjectCodeName &entry : objectCodeNames) {
+        for (const ObjectCodeName &entry : objectCodeNames)
             entries.push_back({entry.name, entry.code});
-        }
         return WordTable<CANopen::ObjectCode>(std::move(entries));
     }();
     return table;
@@ -133,9 +132,8 @@ QStringView firstWord(QStringView text)
 {
     text = text.trimmed();
     qsizetype length = 0;
-    while (length < text.size() && text[length].isLetterOrNumber()) {
+    while (length < text.size() && text[length].isLetterOrNumber())
         ++length;
-    }
     return text.left(length);
 }
 
@@ -143,9 +141,8 @@ QStringView firstWord(QStringView text)
 qsizetype profilePrefixLength(QStringView stem)
 {
     for (const QStringView prefix : {u"cia", u"ds", u"v"}) {
-        if (stem.startsWith(prefix, Qt::CaseInsensitive)) {
+        if (stem.startsWith(prefix, Qt::CaseInsensitive))
             return prefix.size();
-        }
     }
     return 0;
 }
@@ -156,9 +153,8 @@ QStringView fileStem(QStringView path)
     QStringView stem = path.mid(folderEnd + 1);
     const qsizetype dot = stem.lastIndexOf(u'.');
     // A digit behind the dot belongs to a version, as in "v301_4.2".
-    if (dot > 0 && dot + 1 < stem.size() && stem[dot + 1].isLetter()) {
+    if (dot > 0 && dot + 1 < stem.size() && stem[dot + 1].isLetter())
         stem = stem.left(dot);
-    }
     return stem;
 }
 
@@ -192,9 +188,8 @@ const QMap<quint16, QString> &COHelper::stringDataTypeIndexMap()
 bool COHelper::getDefaultLimits(quint16 dataType, QString &low, QString &high)
 {
     const DataTypeTable::Type &type = DataTypeTable::byNumber(dataType);
-    if (type.low.isEmpty()) {
+    if (type.low.isEmpty())
         return false;
-    }
     low = type.low;
     high = type.high;
     return true;
@@ -203,9 +198,8 @@ bool COHelper::getDefaultLimits(quint16 dataType, QString &low, QString &high)
 QString COHelper::objectCode2String(quint32 objectCode)
 {
     for (const ObjectCodeName &entry : objectCodeNames) {
-        if (entry.code == objectCode) {
+        if (entry.code == objectCode)
             return QString::fromLatin1(entry.name);
-        }
     }
     return {};
 }
@@ -214,9 +208,8 @@ CANopen::ObjectCode COHelper::string2objectCode(const QString &text)
 {
     if (const auto number = readFileNumber(text)) {
         for (const ObjectCodeName &entry : objectCodeNames) {
-            if (entry.code == *number) {
+            if (entry.code == *number)
                 return entry.code;
-            }
         }
         return CANopen::UNKNOWN_OBJECT;
     }
@@ -238,17 +231,15 @@ QString COHelper::pdoMapping2String(const PDOMapping &mapping)
 
 QString COHelper::normalizeAccessType(const QString &text)
 {
-    if (const auto index = accessWords().find(text)) {
+    if (const auto index = accessWords().find(text))
         return accessTypes()[*index].text;
-    }
     return text.trimmed().toLower();
 }
 
 QString COHelper::accessType2String(const QString &accessType)
 {
-    if (const auto index = accessWords().find(accessType)) {
+    if (const auto index = accessWords().find(accessType))
         return accessTypes()[*index].label;
-    }
     return accessType;
 }
 
@@ -276,9 +267,8 @@ QString COHelper::convertDbNames(const QString &fileName)
     const auto digits = std::find_if_not(number.begin(), number.end(), isDigit) - number.begin();
     const bool isProfile = number.size() < stem.size() && digits >= 3 && digits <= 4 &&
                            (digits == number.size() || !number[digits].isLetter());
-    if (!isProfile) {
+    if (!isProfile)
         return stem.toString();
-    }
     QString rest = number.mid(digits).toString().toUpper();
     rest.replace(u'_', u' ');
     return QStringLiteral("CiA %1%2").arg(number.left(digits), rest);

@@ -200,9 +200,8 @@ const WordTable<quint16> &words()
                 }
             }
         }
-        for (const Alias &alias : aliases) {
+        for (const Alias &alias : aliases)
             entries.push_back({alias.word, alias.number});
-        }
         return WordTable<quint16>(std::move(entries));
     }();
     return table;
@@ -220,13 +219,11 @@ quint16 DataTypeTable::numberOf(QStringView text)
 {
     // A length behind the name, as in "STRING(20)", doesn't belong to the type.
     for (const char16_t bracket : {u'(', u'['}) {
-        if (const qsizetype at = text.indexOf(bracket); at > 0) {
+        if (const qsizetype at = text.indexOf(bracket); at > 0)
             text = text.left(at);
-        }
     }
-    if (const auto number = readFileNumber(text)) {
+    if (const auto number = readFileNumber(text))
         return *number < numberCount ? byNumber(static_cast<quint16>(*number)).number : quint16(0);
-    }
     return words().find(text).value_or(UNKNOWN_TYPE);
 }
 
@@ -234,9 +231,8 @@ const QMap<quint16, QString> &DataTypeTable::names()
 {
     static const QMap<quint16, QString> map = [] {
         QMap<quint16, QString> result;
-        for (const Row &row : rows) {
+        for (const Row &row : rows)
             result.insert(row.number, byNumber(row.number).name);
-        }
         return result;
     }();
     return map;

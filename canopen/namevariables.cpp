@@ -34,9 +34,8 @@ private:
         Value left = product();
         while (left) {
             const QChar sign = peek();
-            if (sign != u'+' && sign != u'-') {
+            if (sign != u'+' && sign != u'-')
                 break;
-            }
             ++m_pos;
             left = apply(sign, *left, product());
         }
@@ -48,9 +47,8 @@ private:
         Value left = factor();
         while (left) {
             const QChar sign = peek();
-            if (sign != u'*' && sign != u'/') {
+            if (sign != u'*' && sign != u'/')
                 break;
-            }
             ++m_pos;
             left = apply(sign, *left, factor());
         }
@@ -60,9 +58,8 @@ private:
     Value factor()
     {
         bool negative = false;
-        for (; peek() == u'-'; ++m_pos) {
+        for (; peek() == u'-'; ++m_pos)
             negative = !negative;
-        }
         const Value value = atom();
         return value && negative ? apply(u'-', 0, value) : value;
     }
@@ -70,26 +67,22 @@ private:
     Value atom()
     {
         const QChar first = peek();
-        if (first == u'(') {
+        if (first == u'(')
             return parentheses();
-        }
-        if (first != u'$') {
+        if (first != u'$')
             return number();
-        }
         m_pos += 2;
         return m_pos <= m_text.size() ? m_variables.value(m_text[m_pos - 1]) : std::nullopt;
     }
 
     Value parentheses()
     {
-        if (++m_depth > maxDepth) {
+        if (++m_depth > maxDepth)
             return std::nullopt;
-        }
         ++m_pos;
         const Value value = sum();
-        if (peek() != u')') {
+        if (peek() != u')')
             return std::nullopt;
-        }
         ++m_pos;
         --m_depth;
         return value;
@@ -100,9 +93,8 @@ private:
         const bool hex = m_text.mid(m_pos).startsWith(u"0x", Qt::CaseInsensitive);
         m_pos += hex ? 2 : 0;
         const qsizetype start = m_pos;
-        while (m_pos < m_text.size() && isDigit(m_text[m_pos], hex)) {
+        while (m_pos < m_text.size() && isDigit(m_text[m_pos], hex))
             ++m_pos;
-        }
         bool ok = false;
         const qint64 value = m_text.mid(start, m_pos - start).toLongLong(&ok, hex ? 16 : 10);
         return ok ? Value(value) : std::nullopt;
@@ -116,9 +108,8 @@ private:
 
     static Value apply(QChar sign, qint64 left, Value right)
     {
-        if (!right) {
+        if (!right)
             return std::nullopt;
-        }
         qint64 result = 0;
         bool overflow = false;
         switch (sign.unicode()) {
@@ -140,9 +131,8 @@ private:
 
     void skipBlanks()
     {
-        while (m_pos < m_text.size() && m_text[m_pos].isSpace()) {
+        while (m_pos < m_text.size() && m_text[m_pos].isSpace())
             ++m_pos;
-        }
     }
 
     QChar peek()
@@ -167,17 +157,14 @@ std::optional<QString> NameVariables::substitute(QStringView text) const
     while (pos < text.size()) {
         const qsizetype open = text.indexOf(u'{', pos);
         const QStringView plain = open < 0 ? text.mid(pos) : text.mid(pos, open - pos);
-        if (plain.contains(u'}')) {
+        if (plain.contains(u'}'))
             return std::nullopt;
-        }
         appendPlain(result, plain);
-        if (open < 0) {
+        if (open < 0)
             break;
-        }
         const qsizetype close = text.indexOf(u'}', open);
-        if (close < 0 || !appendSection(result, text.mid(open + 1, close - open - 1))) {
+        if (close < 0 || !appendSection(result, text.mid(open + 1, close - open - 1)))
             return std::nullopt;
-        }
         pos = close + 1;
     }
     return result;
@@ -231,9 +218,8 @@ void NameVariables::appendPlain(QString &result, QStringView text) const
 
 bool NameVariables::appendSection(QString &result, QStringView section) const
 {
-    if (section.contains(u'{')) {
+    if (section.contains(u'{'))
         return false;
-    }
     // Braces of C, as in "(POINT_T){0, 1}", or around "$NODEID" are the user's own.
     if (!holdsVariable(section)) {
         result.append(u'{').append(section).append(u'}');
@@ -245,18 +231,16 @@ bool NameVariables::appendSection(QString &result, QStringView section) const
         return true;
     }
     const auto number = Expression(section, *this).evaluate();
-    if (number) {
+    if (number)
         result.append(QString::number(*number));
-    }
     return number.has_value();
 }
 
 bool NameVariables::holdsVariable(QStringView text) const
 {
     for (qsizetype at = text.indexOf(u'$'); at >= 0; at = text.indexOf(u'$', at + 1)) {
-        if (at + 1 < text.size() && value(text[at + 1])) {
+        if (at + 1 < text.size() && value(text[at + 1]))
             return true;
-        }
     }
     return false;
 }

@@ -38,15 +38,13 @@ public:
     {
         Buffer buffer;
         const auto word = fold(text, buffer);
-        if (!word || word->empty()) {
+        if (!word || word->empty())
             return std::nullopt;
-        }
         const auto it = std::lower_bound(
             m_entries.begin(), m_entries.end(), *word,
             [](const Entry &entry, std::string_view wanted) { return entry.word < wanted; });
-        if (it == m_entries.end() || it->word != *word) {
+        if (it == m_entries.end() || it->word != *word)
             return std::nullopt;
-        }
         return it->value;
     }
 
@@ -59,14 +57,12 @@ private:
         std::size_t length = 0;
         for (const QChar c : text) {
             const char16_t u = c.unicode();
-            if (c.isSpace() || u == u'_' || u == u'-' || u == u'/' || u == u'&') {
+            if (c.isSpace() || u == u'_' || u == u'-' || u == u'/' || u == u'&')
                 continue;
-            }
             const bool upper = u >= u'A' && u <= u'Z';
             const bool known = upper || (u >= u'a' && u <= u'z') || (u >= u'0' && u <= u'9');
-            if (!known || length == buffer.size()) {
+            if (!known || length == buffer.size())
                 return std::nullopt;
-            }
             buffer[length++] = static_cast<char>(upper ? u - u'A' + u'a' : u);
         }
         return std::string_view(buffer.data(), length);
@@ -82,9 +78,8 @@ private:
     text = text.trimmed();
     const bool hex = text.startsWith(u"0x", Qt::CaseInsensitive);
     const QStringView digits = hex ? text.mid(2) : text;
-    if (digits.isEmpty() || digits.front() == u'-' || digits.front() == u'+') {
+    if (digits.isEmpty() || digits.front() == u'-' || digits.front() == u'+')
         return std::nullopt;
-    }
     bool ok = false;
     const quint32 value = digits.toUInt(&ok, hex ? 16 : 10);
     return ok ? std::optional<quint32>(value) : std::nullopt;
