@@ -165,14 +165,14 @@ void Collector::collectPgns(quint8 line)
             if (m_stop() || number == addressClaim || !m_store.getPGN(line, number, direction, pgn))
                 continue;
             comment(QStringLiteral("PGN 0x%1").arg(number, 0, 16));
+            const quint32 sources = m_helper.sourceAddresses(pgn);
             for (const quint32 spnNumber : m_store.getSPNList(line, number, direction)) {
                 ObjectDataBase::SPN spn;
                 if (!m_store.getSPN(line, number, direction, spnNumber, spn) ||
                     spn.implementation != CANopen::Variable)
                     continue;
                 const CType type = typeOf(spn.dataType, true);
-                add(spn.varName, type,
-                    type.isArray ? spn.bitSize / 8 : m_helper.sourceAddresses(pgn),
+                add(spn.varName, type, type.isArray ? spn.bitSize / 8 : sources,
                     QStringLiteral("SPN%1").arg(spnNumber));
             }
         }
