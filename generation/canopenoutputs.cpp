@@ -1,6 +1,6 @@
-#include "canopen/safefile.h"
 #include "generation/protocoloutputs.h"
 
+#include "canopen/safefile.h"
 #include "documents/csvgenerator.h"
 #include "documents/edsgenerator.h"
 #include "documents/htmlgenerator.h"
