@@ -92,6 +92,8 @@ public:
         QString deviceclass;
         bool fwsupported = false;
         MetaData metadata;
+
+        bool operator==(const INDEX_DATA_T &) const = default;
     };
 
     /// One subindex.
@@ -126,6 +128,8 @@ public:
         quint32 signalid = 0;
         bool nvstorage = false;
         MetaData metadata;
+
+        bool operator==(const SUBINDEX_DATA_T &) const = default;
     };
 
     /// One entry of a batch for `addIndices`.
