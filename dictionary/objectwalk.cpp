@@ -49,6 +49,22 @@ DictionaryEntry *DictionaryObject::find(quint8 subindex)
     return const_cast<DictionaryEntry *>(std::as_const(*this).find(subindex));
 }
 
+DictionaryEntry &DictionaryObject::insert(DictionaryEntry entry)
+{
+    const auto place =
+        std::ranges::lower_bound(entries, entry.subindex, {}, &DictionaryEntry::subindex);
+    if (place == entries.end() || place->subindex != entry.subindex)
+        return *entries.insert(place, std::move(entry));
+    *place = std::move(entry);
+    return *place;
+}
+
+void DictionaryObject::erase(quint8 subindex)
+{
+    std::erase_if(entries,
+                  [subindex](const DictionaryEntry &entry) { return entry.subindex == subindex; });
+}
+
 quint8 DictionaryObject::highest() const
 {
     return entries.empty() ? 0 : entries.back().subindex;

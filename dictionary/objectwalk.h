@@ -30,6 +30,9 @@ struct DictionaryObject
     /// Null if there is none.
     [[nodiscard]] const DictionaryEntry *find(quint8 subindex) const;
     [[nodiscard]] DictionaryEntry *find(quint8 subindex);
+    /// Puts an entry in its place, instead of the one with its number if there is one.
+    DictionaryEntry &insert(DictionaryEntry entry);
+    void erase(quint8 subindex);
     /// 0 for an object without subindices.
     [[nodiscard]] quint8 highest() const;
     /// At least one subindex is shared over the lines, and the object is one that may be: the
