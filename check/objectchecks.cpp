@@ -5,6 +5,7 @@
 #include "check/linecheck.h"
 #include "check/linechecks.h"
 #include "check/valuetext.h"
+#include "dictionary/subzero.h"
 
 #include <QCoreApplication>
 #include <QStringView>
@@ -36,12 +37,6 @@ bool isAccessType(const QString &text)
     return std::any_of(valid.begin(), valid.end(), [&](QLatin1String one) { return text == one; });
 }
 
-bool isSubZeroWritable(const ObjectModel &object)
-{
-    const SubIndexModel *zero = object.find(0);
-    return zero != nullptr && zero->accesstype == QLatin1String("rw");
-}
-
 /// Only these have a subindex 0 that tells of others; that of a DOMAIN is its data.
 bool isListObject(const ObjectModel &object)
 {
@@ -51,15 +46,9 @@ bool isListObject(const ObjectModel &object)
 /// Whether subindex 0 must mirror the highest subindex.
 bool isSubZeroRuleApplicable(const ObjectModel &object)
 {
-    constexpr quint16 errorField = 0x1003; // holds the number of errors that have occurred
-    constexpr quint8 firstSpecialMapping = 253;
-    if (object.index == errorField) {
-        return false;
-    }
-    if (!ObjectRanges::isPdoMapping(object.index)) {
-        return true;
-    }
-    return !isSubZeroWritable(object) && toByte(object.value(0)) < firstSpecialMapping;
+    const SubIndexModel *zero = object.find(0);
+    return SubZero::isRuleApplicable(object.index, zero != nullptr ? zero->accesstype : QString(),
+                                     object.value(0));
 }
 
 void correctSubZeroValue(LineCheck &check, const ObjectModel &object)

@@ -1,5 +1,6 @@
 #include "import/codbimporter.h"
 
+#include "canopen/indextext.h"
 #include "canopen/objectranges.h"
 #include "canopen/safefile.h"
 
@@ -89,7 +90,7 @@ bool CODBImporter::readLines(const QString &text)
         else if (!take(line))
             reportLine(
                 number,
-                tr("object 0x%1 is not there to be copied").arg(line.source(), 4, 16, QChar(u'0')));
+                tr("object %1 is not there to be copied").arg(IndexText::hex(line.source())));
         if (m_entryCount > mostEntries) {
             reportError(tr("%1:%2: more than %3 subindices; nothing is imported.")
                             .arg(fileName())

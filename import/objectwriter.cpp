@@ -1,51 +1,8 @@
 #include "import/objectwriter.h"
 
+#include "dictionary/entryrules.h"
+
 #include <algorithm>
-#include <cctype>
-
-namespace {
-
-bool isText(quint16 dataType)
-{
-    return dataType == CAN::VISIBLE_STRING || dataType == CAN::OCTET_STRING ||
-           dataType == CAN::UNICODE_STRING || dataType == CAN::UTF8_STRING;
-}
-
-/// Bytes of an octet string that is written as pairs of hexadecimal digits; -1 if it isn't.
-qsizetype octetCount(const QString &text)
-{
-    qsizetype digits = 0;
-    const QStringList groups =
-        text.simplified().replace(u',', u' ').split(u' ', Qt::SkipEmptyParts);
-    for (const QString &group : groups) {
-        const QStringView bare = group.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)
-                                     ? QStringView(group).mid(2)
-                                     : QStringView(group);
-        const bool isHex = std::all_of(bare.begin(), bare.end(), [](QChar c) {
-            return c.unicode() < 0x80 && std::isxdigit(static_cast<unsigned char>(c.toLatin1()));
-        });
-        if (bare.isEmpty() || !isHex || bare.size() % 2 != 0)
-            return -1;
-        digits += bare.size();
-    }
-    return digits / 2;
-}
-
-qsizetype byteCount(quint16 dataType, const QString &text)
-{
-    if (dataType == CAN::UNICODE_STRING)
-        return 2 * text.size();
-    if (dataType == CAN::OCTET_STRING || dataType == CAN::DOMAIN_TYPE) {
-        if (const qsizetype octets = octetCount(text); octets >= 0)
-            return octets;
-    }
-    const bool isLatin1 =
-        dataType != CAN::UTF8_STRING &&
-        std::all_of(text.begin(), text.end(), [](QChar c) { return c.unicode() < 0x100; });
-    return isLatin1 ? text.size() : text.toUtf8().size();
-}
-
-} // namespace
 
 void ObjectWriter::addObject(quint16 index, const ObjectDataBase::INDEX_DATA_T &data)
 {
@@ -70,7 +27,7 @@ void ObjectWriter::makeGeneratable(ObjectDataBase::SUBINDEX_DATA_T &data, quint1
                                    quint8 subindex)
 {
     const bool isDomain = data.datatype == CAN::DOMAIN_TYPE;
-    if (!isDomain && !isText(data.datatype))
+    if (!EntryRules::hasSize(data.datatype))
         return;
     const bool isConstant =
         data.accesstype == QLatin1String("const") || data.accesstype == QLatin1String("ro");
@@ -78,11 +35,10 @@ void ObjectWriter::makeGeneratable(ObjectDataBase::SUBINDEX_DATA_T &data, quint1
         data.implementation = CANopen::ManagedConst;
     } else {
         data.implementation = CANopen::Variable;
-        data.varname =
-            QStringLiteral("v_%1%2").arg(QString::number(index), QString::number(subindex));
+        data.varname = EntryRules::variableName(index, subindex);
     }
-    data.size =
-        static_cast<quint32>(std::max<qsizetype>(1, byteCount(data.datatype, data.defaultvalue)));
+    data.size = static_cast<quint32>(
+        std::max<qsizetype>(1, EntryRules::byteCount(data.datatype, data.defaultvalue)));
 }
 
 /// A record that becomes a variable would keep the subindices that it has no more.
