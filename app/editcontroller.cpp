@@ -27,7 +27,7 @@ bool watch(QWidget *text, EditController *receiver, void (EditController::*told)
 } // namespace
 
 EditController::EditController(const QList<Command> &commands, QWidget *window)
-    : QObject(window), m_commands(commands), m_window(window)
+    : m_commands(commands), m_window(window)
 {
     connect(qApp, &QApplication::focusChanged, this, &EditController::followFocus);
     connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, &EditController::update);

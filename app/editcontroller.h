@@ -21,7 +21,7 @@ public:
         BaseMainForm::Action command = BaseMainForm::Copy;
     };
 
-    /// `window` has the actions and the pages.
+    /// `window` has the actions and the pages, and outlives this.
     EditController(const QList<Command> &commands, QWidget *window);
 
     /// The page that is in front; null for none.

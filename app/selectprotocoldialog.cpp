@@ -59,3 +59,10 @@ SelectProtocolDialog::SelectProtocolDialog(const QString &question, QWidget *par
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
     grid->addWidget(buttons, 1 + int(choices.size()) / columns, 0, 1, columns);
 }
+
+int SelectProtocolDialog::ask(const QString &question, QWidget *parent)
+{
+    SelectProtocolDialog dialog(question, parent);
+    return GuiHelper::execDialog(dialog) == QDialog::Accepted ? dialog.lineType()
+                                                              : int(LineType::Unknown);
+}

@@ -12,6 +12,9 @@ class SelectProtocolDialog : public QDialog
 public:
     explicit SelectProtocolDialog(const QString &question, QWidget *parent = nullptr);
 
+    /// Asks; `LineType::Unknown` if the user does not choose one.
+    [[nodiscard]] static int ask(const QString &question, QWidget *parent);
+
     /// The chosen type; `LineType::Unknown` until a button was pressed.
     [[nodiscard]] int lineType() const { return m_lineType; }
 

@@ -1,30 +1,41 @@
 #include "app/vxmmainwindow.h"
 
 #include "app/editcontroller.h"
+#include "app/generationcontroller.h"
 #include "app/generatoroutputform.h"
+#include "app/helpcontroller.h"
+#include "app/importcontroller.h"
 #include "app/linebox.h"
+#include "app/linecontroller.h"
 #include "app/pagetable.h"
+#include "app/projectcontroller.h"
+#include "app/projectmenus.h"
+#include "app/undocontroller.h"
+#include "app/windowgeometry.h"
 #include "canopen/linetype.h"
 #include "gui/editionicon.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
-#include "import/codbimporter.h"
+#include "session/projectlines.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QApplication>
-#include <QCloseEvent>
-#include <QScreen>
+#include <QDir>
 #include <QScrollArea>
+#include <QShortcut>
 #include <QSignalBlocker>
+#include <QStatusBar>
 
 #include <array>
 
 namespace {
 
 constexpr int refreshMilliseconds = 20;
-constexpr QPoint visiblePosition(100, 30);
+constexpr int finishOpenMilliseconds = 10;
+constexpr int pageShortcuts = 9;
+const QString expertModeKey = QStringLiteral("expertmode");
 /// Where a title shows whether something is modified.
 const QString modifiedMark = QStringLiteral("[*]");
 
@@ -62,59 +73,31 @@ constexpr std::array actionIcons{
     ActionIcon{"actionAbout_Qt", "about"},
 };
 
-/// The largest part of `wanted` that fits, moved as far as it has to be. The title bar, whose
-/// height nobody knows before the window is shown, has its place above.
-QRect fitted(const QRect &wanted, QRect available, int titleBar)
-{
-    available.setTop(available.top() + titleBar);
-    QRect result(wanted.topLeft() + QPoint(0, titleBar), wanted.size().boundedTo(available.size()));
-    result.moveRight(qMin(result.right(), available.right()));
-    result.moveBottom(qMin(result.bottom(), available.bottom()));
-    result.moveLeft(qMax(result.left(), available.left()));
-    result.moveTop(qMax(result.top(), available.top()));
-    return result.translated(0, -titleBar);
-}
-
 } // namespace
 
 VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
-    : QMainWindow(parent), ui(std::make_unique<Ui::VxmMainWindow>()), m_options(options),
-      m_networkToolMode(options.networkTool)
+    : QMainWindow(parent), ui(std::make_unique<Ui::VxmMainWindow>()), m_options(options)
 {
     ui->setupUi(this);
     m_lineBox = new LineBox(*ui->mpSelectLine);
     decorate();
-    m_editing = new EditController({{ui->actionCut, BaseMainForm::Cut},
-                                    {ui->actionCopy, BaseMainForm::Copy},
-                                    {ui->actionPaste, BaseMainForm::Paste},
-                                    {ui->actionDelete, BaseMainForm::Delete},
-                                    {ui->actionDuplicate, BaseMainForm::Duplicate}},
-                                   this);
     makePages();
-    makeUndo();
-    makeGenerator();
+    makeControllers();
+    connectControllers();
+    connectMenus();
     connectOutputPage();
-    makeHelp();
-    restoreGeometryOfUser();
+    makeExpertMode();
+    WindowGeometry::restore(*this);
 
     m_refreshTimer.setSingleShot(true);
     m_refreshTimer.setInterval(refreshMilliseconds);
     connect(&m_refreshTimer, &QTimer::timeout, this, &VxmMainWindow::refreshLines);
     connect(ui->mpSelectLine, &QComboBox::activated, this, &VxmMainWindow::handleLineChanged);
     connect(ui->toolBox, &QToolBox::currentChanged, this, &VxmMainWindow::newCurrentTabActivated);
-    connect(ui->menuRecent_Projects, &QMenu::aboutToShow, this, &VxmMainWindow::fillRecentProjects);
-    connect(ui->menuExample_Projects, &QMenu::aboutToShow, this,
-            &VxmMainWindow::fillExampleProjects);
-    connect(ui->menuFile_Viewer, &QMenu::aboutToShow, this, &VxmMainWindow::createFileViewerMenu);
-    leaveProjectPath();
+    showFileOfProject();
 }
 
-VxmMainWindow::~VxmMainWindow()
-{
-    // Their last signals are about actions that are still there now.
-    delete m_undoManager;
-    delete m_editing;
-}
+VxmMainWindow::~VxmMainWindow() = default;
 
 void VxmMainWindow::decorate()
 {
@@ -146,21 +129,127 @@ void VxmMainWindow::makePages()
     }
 }
 
+void VxmMainWindow::makeControllers()
+{
+    m_session = std::make_unique<ProjectSession>();
+    m_editing = std::make_unique<EditController>(
+        QList<EditController::Command>{{ui->actionCut, BaseMainForm::Cut},
+                                       {ui->actionCopy, BaseMainForm::Copy},
+                                       {ui->actionPaste, BaseMainForm::Paste},
+                                       {ui->actionDelete, BaseMainForm::Delete},
+                                       {ui->actionDuplicate, BaseMainForm::Duplicate}},
+        this);
+    m_lines = std::make_unique<LineController>(*this);
+    m_undo = std::make_unique<UndoController>(*this, *m_lines, *ui->actionUndo, *ui->actionRedo);
+    m_projects = std::make_unique<ProjectController>(*this);
+    m_generation = std::make_unique<GenerationController>(*this, *m_outputForm);
+    m_imports = std::make_unique<ImportController>(*this);
+    ui->action_Hel_p->setShortcutContext(Qt::ApplicationShortcut);
+    m_help = std::make_unique<HelpController>(*this, *statusBar());
+}
+
+/// What the controllers tell comes to the slots of the window, whoever calls those besides.
+void VxmMainWindow::connectControllers()
+{
+    connect(&m_session->undo(), &UndoManager::historyLimitReached, this,
+            &VxmMainWindow::handleUndoLimitReached);
+    connect(m_projects.get(), &ProjectController::fileChanged, this,
+            &VxmMainWindow::showFileOfProject);
+    connect(m_projects.get(), &ProjectController::opened, this, [this] {
+        QTimer::singleShot(finishOpenMilliseconds, this, &VxmMainWindow::finishOpenProcedure);
+    });
+
+    const auto *generation = m_generation.get();
+    connect(generation, &GenerationController::progressed, this, &VxmMainWindow::generatorProgress);
+    connect(generation, &GenerationController::finished, this, &VxmMainWindow::generatorFinished);
+    connect(generation, &GenerationController::corrected, this,
+            &VxmMainWindow::projectCorrectionDone);
+    connect(generation, &GenerationController::saveWanted, this,
+            &VxmMainWindow::on_actionSave_Project_triggered);
+    connect(generation, &GenerationController::reloadWanted, this, &VxmMainWindow::reloadPages);
+    connect(generation, &GenerationController::instrumentFunctions, this,
+            &VxmMainWindow::sigInstrumentFunctions);
+
+    connect(m_imports.get(), &ImportController::progress, this, &VxmMainWindow::importPogress);
+    connect(m_imports.get(), &ImportController::messageRead, this,
+            &VxmMainWindow::handleCheckError);
+    connect(m_imports.get(), &ImportController::standardObjectsReady, this,
+            &VxmMainWindow::standardObjectsReady);
+    connect(m_help.get(), &HelpController::answered, this, &VxmMainWindow::newVersion);
+
+    connect(m_outputForm, &GeneratorOutputForm::gotoObject, this, &VxmMainWindow::handleGotoIndex);
+    connect(m_outputForm, &GeneratorOutputForm::goToSubobj, this,
+            &VxmMainWindow::handleGoToSubindex);
+    connect(m_outputForm, &GeneratorOutputForm::searchRequest, this,
+            &VxmMainWindow::searchRequestSlot);
+}
+
+void VxmMainWindow::connectMenus()
+{
+    connect(ui->menuRecent_Projects, &QMenu::aboutToShow, this, [this] {
+        ProjectMenus::fillRecent(*ui->menuRecent_Projects);
+        connectOpeners(*ui->menuRecent_Projects);
+    });
+    connect(ui->menuExample_Projects, &QMenu::aboutToShow, this, [this] {
+        ProjectMenus::fillExamples(*ui->menuExample_Projects, [this](const QString &path) {
+            m_projects->openExampleCopy(path);
+        });
+        connectOpeners(*ui->menuExample_Projects);
+    });
+    connect(ui->menuFile_Viewer, &QMenu::aboutToShow, this, &VxmMainWindow::createFileViewerMenu);
+    for (int page = 0; page < pageShortcuts; ++page) {
+        auto *shortcut = new QShortcut(QKeySequence(Qt::ALT | Qt::Key(Qt::Key_1 + page)), this);
+        connect(shortcut, &QShortcut::activated, this, [this, page] {
+            if (!m_busy && page < ui->toolBox->count())
+                ui->toolBox->setCurrentIndex(page);
+        });
+    }
+}
+
+/// Actions that carry a path open it.
+void VxmMainWindow::connectOpeners(QMenu &menu)
+{
+    for (const QAction *action : menu.actions()) {
+        if (action->data().isValid())
+            connect(action, &QAction::triggered, this, &VxmMainWindow::openRecent);
+    }
+}
+
+/// Pages are made before, so that they hear of it.
+void VxmMainWindow::makeExpertMode()
+{
+    connect(ui->actionEnable_Expert_Mode, &QAction::toggled, this, [this](bool enabled) {
+        UserSettings::setGeneral(expertModeKey, enabled);
+        emit expertModeChanged(enabled);
+    });
+    ui->actionEnable_Expert_Mode->setChecked(UserSettings::general(expertModeKey, false).toBool());
+}
+
 void VxmMainWindow::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
 {
-    if (m_database != nullptr)
-        disconnect(m_database.get(), nullptr, this, nullptr);
-    m_database = database;
+    if (m_session->sharedStore() != nullptr)
+        disconnect(m_session->sharedStore().get(), nullptr, this, nullptr);
     connect(database.get(), &ObjectDataBase::updateNotify, this, &VxmMainWindow::projectModified);
     for (const Page &page : std::as_const(m_pages))
         page.form->setDatabase(database);
+    m_session->setStore(database);
     updateLinesComboBox();
-    attachUndo();
+}
+
+ObjectDataBase &VxmMainWindow::database() const
+{
+    return m_session->store();
 }
 
 void VxmMainWindow::setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &database)
 {
-    m_library = database;
+    m_imports->setLibrary(database);
+    m_lines->setLibrary(database.get());
+}
+
+void VxmMainWindow::loadLibrary(const QString &profile)
+{
+    m_imports->loadLibrary(profile);
 }
 
 // --- Pages and lines ----------------------------------------------------------------------------
@@ -168,10 +257,10 @@ void VxmMainWindow::setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &da
 PageContext VxmMainWindow::pageContext() const
 {
     PageContext context{.line = m_line};
-    if (m_database != nullptr) {
-        context.lineType = m_database->getLineType(m_line);
+    if (const auto &store = m_session->sharedStore(); store != nullptr) {
+        context.lineType = store->getLineType(m_line);
         const QString server = QStringLiteral("cia510serversupport");
-        context.hasSdoServer = m_database->getJ1939Setting(server).toInt() == 1;
+        context.hasSdoServer = store->getJ1939Setting(server).toInt() == 1;
     }
     return context;
 }
@@ -198,8 +287,12 @@ void VxmMainWindow::rebuildToolBox()
         if (page.factory->shown(context))
             shown.append(page);
     }
-    if (showsPages(shown, context))
-        return;
+    if (!showsPages(shown, context))
+        fillToolBox(shown, context);
+}
+
+void VxmMainWindow::fillToolBox(const QList<Page> &pages, const PageContext &context)
+{
     const QSignalBlocker blocker(ui->toolBox);
     QWidget *former = ui->toolBox->currentWidget();
     while (ui->toolBox->count() > 0) {
@@ -208,7 +301,7 @@ void VxmMainWindow::rebuildToolBox()
         form->setParent(this);
         form->hide();
     }
-    for (const Page &page : std::as_const(shown)) {
+    for (const Page &page : pages) {
         ui->toolBox->addItem(page.form, LineIcon::icon(QLatin1String(page.factory->icon)),
                              page.factory->label(context));
     }
@@ -250,8 +343,8 @@ void VxmMainWindow::setCurrentPage(BaseMainForm *page)
 void VxmMainWindow::updateLinesComboBox()
 {
     QList<LineBox::Line> lines;
-    for (const quint8 line : projectLines())
-        lines.append({line, lineLabel(line)});
+    for (const quint8 line : ProjectLines::of(database()))
+        lines.append({line, ProjectLines::label(database(), line)});
     m_lineBox->fill(lines, m_line);
 }
 
@@ -259,29 +352,19 @@ void VxmMainWindow::refreshLines()
 {
     if (m_busy)
         return;
-    const bool gone = !m_database->lineExists(m_line);
+    const bool gone = !database().lineExists(m_line);
     if (gone)
         selectLine(0);
     updateLinesComboBox();
-    if (!gone && m_database->getLineType(m_line) != m_shownLineType)
+    if (!gone && database().getLineType(m_line) != m_shownLineType)
         rebuildToolBox();
-}
-
-void VxmMainWindow::doThingsAfterStartup()
-{
-    setActionEnabled("action_Import_File", true);
-    bringOntoScreen();
-    if (m_line != 0)
-        selectLine(0);
-    if (m_currentPage != nullptr)
-        m_currentPage->setFocus(Qt::OtherFocusReason);
 }
 
 // --- State of the project -----------------------------------------------------------------------
 
 void VxmMainWindow::projectModified(ObjectDataBase::ChangeSet modification)
 {
-    if (m_loading)
+    if (m_session->isLoading())
         return;
     setModified(true);
     switch (modification.kind) {
@@ -332,17 +415,21 @@ void VxmMainWindow::storePendingInput()
         m_currentPage->saveData();
 }
 
+void VxmMainWindow::showFileOfProject()
+{
+    const QString path = m_session->filePath();
+    ui->lblPath->setText(path.isEmpty() ? QStringLiteral("new project")
+                                        : QDir::toNativeSeparators(path));
+    updateTitle();
+}
+
 void VxmMainWindow::updateTitle()
 {
     updateStartPage();
     if (m_hasToolTitle)
         return;
-    if (m_projectBaseName.isEmpty()) {
-        setWindowTitle(GuiHelper::boxTitle());
-        return;
-    }
     // In a name the mark stands for itself when it is doubled.
-    QString name = m_projectBaseName;
+    QString name = m_session->baseName();
     name.replace(modifiedMark, modifiedMark + modifiedMark);
     setWindowTitle(name + modifiedMark + QStringLiteral(" - ") + GuiHelper::boxTitle());
     setWindowModified(isModified());
@@ -371,7 +458,7 @@ void VxmMainWindow::setBusy(bool busy)
     if (!busy)
         m_pausedActions.clear();
     m_editing->setPaused(busy);
-    updateUndoActions(); // a step may have come or gone meanwhile
+    m_undo->updateActions(); // a step may have come or gone meanwhile
     ui->toolBar->setEnabled(!busy);
     ui->mpSelectLine->setEnabled(!busy);
     setAcceptDrops(!busy);
@@ -391,75 +478,46 @@ void VxmMainWindow::setActionVisible(const char *objectName, bool visible)
         action->setVisible(visible);
 }
 
-void VxmMainWindow::handleCheckError(QString errorString)
+void VxmMainWindow::showStatus(const QString &text, int milliseconds)
 {
-    m_outputForm->appendLogging(errorString);
+    statusBar()->showMessage(text, milliseconds);
 }
 
-// --- Geometry and end ---------------------------------------------------------------------------
-
-void VxmMainWindow::restoreGeometryOfUser()
+void VxmMainWindow::appendOutput(const QString &text)
 {
-    UserSettings settings;
-    settings.beginGroup(QStringLiteral("Geometry"));
-    const QSize size = settings.value(QStringLiteral("size")).toSize();
-    if (size.isValid())
-        resize(size.expandedTo(minimumSizeHint()));
-    const QVariant position = settings.value(QStringLiteral("pos"));
-    if (position.isValid()) {
-        move(position.toPoint());
-        bringOntoScreen();
+    m_outputForm->appendLogging(text);
+}
+
+void VxmMainWindow::reloadPages()
+{
+    ObjectDataBase::ChangeSet reload;
+    reload.kind = ObjectDataBase::ProjectReplaced;
+    for (const Page &page : std::as_const(m_pages))
+        page.form->updateDataSlot(reload);
+}
+
+/// Brings the line and its object dictionary to the front.
+void VxmMainWindow::showDictionaryPage(quint8 line, const QString &what)
+{
+    if (m_busy)
+        return;
+    if (!ProjectLines::of(database()).contains(line)) {
+        showStatus(tr("The project has no line %1.").arg(line), 0);
+        return;
     }
-    fitOntoScreen(position.isValid());
-    if (settings.value(QStringLiteral("maximized")).toBool())
-        setWindowState(windowState() | Qt::WindowMaximized);
-}
-
-void VxmMainWindow::saveGeometryOfUser()
-{
-    UserSettings settings;
-    settings.beginGroup(QStringLiteral("Geometry"));
-    settings.setValue(QStringLiteral("size"), isMaximized() ? normalGeometry().size() : size());
-    settings.setValue(QStringLiteral("pos"), isMaximized() ? normalGeometry().topLeft() : pos());
-    settings.setValue(QStringLiteral("maximized"), isMaximized());
+    if (line != m_line) {
+        storePendingInput();
+        selectLine(line);
+    }
+    for (const Page &page : std::as_const(m_pages)) {
+        if (page.factory->title == QLatin1String("CANopen Object Dictionary") &&
+            ui->toolBox->indexOf(page.form) >= 0)
+            ui->toolBox->setCurrentWidget(page.form);
+    }
+    showStatus(tr("%1 of line %2").arg(what).arg(line), 0);
 }
 
 void VxmMainWindow::bringOntoScreen()
 {
-    const QList<QScreen *> screens = QGuiApplication::screens();
-    const bool visible = std::any_of(screens.begin(), screens.end(), [&](const QScreen *screen) {
-        return screen->availableGeometry().contains(pos());
-    });
-    if (!visible)
-        move(visiblePosition);
-}
-
-/// The screen may have become smaller since the geometry was saved. Without a position of its own
-/// the window is placed by the desktop.
-void VxmMainWindow::fitOntoScreen(bool hasPosition)
-{
-    const QScreen *screen = hasPosition ? QGuiApplication::screenAt(pos()) : nullptr;
-    if (screen == nullptr)
-        screen = QGuiApplication::primaryScreen();
-    const int titleBar = style()->pixelMetric(QStyle::PM_TitleBarHeight, nullptr, this);
-    const QRect place = fitted(QRect(pos(), size()), screen->availableGeometry(), titleBar);
-    resize(place.size());
-    if (hasPosition)
-        move(place.topLeft());
-}
-
-void VxmMainWindow::closeEvent(QCloseEvent *event)
-{
-    if (m_busy || !closeCheck()) {
-        event->ignore();
-        return;
-    }
-    saveGeometryOfUser();
-    event->accept();
-    QCoreApplication::exit(0);
-}
-
-void VxmMainWindow::on_actionQuit_triggered()
-{
-    close();
+    WindowGeometry::bringOntoScreen(*this);
 }

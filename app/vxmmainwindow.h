@@ -1,49 +1,40 @@
 #pragma once
 
 #include "app/startoptions.h"
+#include "app/windowcontext.h"
 #include "generation/generatormainhandler.h"
 #include "store/objectdatabase.h"
 
-#include <QFont>
 #include <QList>
 #include <QMainWindow>
-#include <QMessageBox>
 #include <QPointer>
 #include <QTimer>
 
 #include <memory>
 
 class BaseMainForm;
-class CODBImporter;
 class EditController;
-class GUIOutputHandler;
-class GUIPostGenProgressHandler;
+class GenerationController;
 class GeneratorOutputForm;
+class HelpController;
+class ImportController;
 class LineBox;
-class ManualHandler;
-class OutputHandlerBase;
-class ProjectDiffDialog;
-class QProgressDialog;
-class QPushButton;
-class UndoManager;
-class newUpdateChecker;
+class LineController;
+class ProjectController;
+class UndoController;
 struct PageContext;
 struct PageFactory;
-
-namespace DocumentExport {
-enum class Kind : quint8;
-}
 
 namespace Ui {
 class VxmMainWindow;
 }
 
-/// The main window: owns the pages, the generator driver and the flows for new, open, save,
-/// close, the CAN lines and generation.
+/// The main window: owns the pages of the current line and what is common to all flows. The flows
+/// themselves are those of its controllers, to which its slots forward.
 ///
 /// Whether the project is modified is kept nowhere but in the font of the path label: italic
 /// means modified. Project and library store are shared with the caller.
-class VxmMainWindow : public QMainWindow
+class VxmMainWindow : public QMainWindow, public WindowContext
 {
     Q_OBJECT
 
@@ -58,12 +49,22 @@ public:
     /// Fills the staging line of the library with a profile database, on a thread beside the
     /// window. `importPogress` hears how far it is.
     void loadLibrary(const QString &profile);
-    [[nodiscard]] ObjectDataBase &database() const { return *m_database; }
-    [[nodiscard]] const StartOptions &options() const { return m_options; }
+    [[nodiscard]] ObjectDataBase &database() const;
 
-    /// Rebuilds the pages for a line and tells them of it, unless the signal is blocked.
-    void selectLine(quint8 line, bool blockSignal = false);
-    [[nodiscard]] quint8 currentLine() const { return m_line; }
+    // Also what the controllers know of the window.
+    [[nodiscard]] QWidget *widget() override { return this; }
+    [[nodiscard]] ProjectSession &session() const override { return *m_session; }
+    [[nodiscard]] const StartOptions &options() const override { return m_options; }
+    [[nodiscard]] quint8 currentLine() const override { return m_line; }
+    void selectLine(quint8 line, bool blockSignal = false) override;
+    void storePendingInput() override;
+    [[nodiscard]] bool isBusy() const override { return m_busy; }
+    void setBusy(bool busy) override;
+    [[nodiscard]] bool isModified() const override;
+    void setModified(bool modified) override;
+    void showStatus(const QString &text, int milliseconds = messageMilliseconds) override;
+    void appendOutput(const QString &text) override;
+
     /// Opens a project file; on false a box has told why and the former project is still there.
     /// A project that is open is replaced without a question.
     bool openProject(const QString &path);
@@ -74,14 +75,13 @@ public:
     /// Whether a project may be replaced now: asks about unsaved modifications, and saves them if
     /// the user wants that.
     [[nodiscard]] bool closeCheck();
-    [[nodiscard]] bool isModified() const;
     /// Folder of the project's file; empty for a project that was never saved.
-    [[nodiscard]] QString projectDirectory() const { return m_projectDirectory; }
-    [[nodiscard]] QString projectBaseName() const { return m_projectBaseName; }
+    [[nodiscard]] QString projectDirectory() const;
+    [[nodiscard]] QString projectBaseName() const;
 
     // What the start sequence does to the window.
-    void setNetworkToolMode() { m_networkToolMode = true; }
-    void setAutoGeneration() { m_autoGeneration = true; }
+    void setNetworkToolMode();
+    void setAutoGeneration();
     /// Does nothing for an action that this window doesn't have.
     void setActionEnabled(const char *objectName, bool enabled);
     void setActionVisible(const char *objectName, bool visible);
@@ -142,7 +142,7 @@ public slots:
     void projectModified(ObjectDataBase::ChangeSet modification);
     /// An entry of the line box was chosen: a line, or a flow on the lines.
     void handleLineChanged(int value);
-    void updateLinesComboBox();
+    void updateLinesComboBox() override;
     void importPogress(quint8 percent);
     void handleCheckError(QString errorString);
     /// How much of a generation is done.
@@ -170,128 +170,46 @@ private:
         BaseMainForm *form = nullptr;
     };
 
-    // vxmmainwindow.cpp
     void decorate();
     void makePages();
-    void restoreGeometryOfUser();
-    void saveGeometryOfUser();
-    void fitOntoScreen(bool hasPosition);
+    void makeControllers();
+    void connectControllers();
+    void connectMenus();
+    void makeExpertMode();
     [[nodiscard]] PageContext pageContext() const;
     void rebuildToolBox();
-    void setCurrentPage(BaseMainForm *page);
+    void fillToolBox(const QList<Page> &pages, const PageContext &context);
     [[nodiscard]] bool showsPages(const QList<Page> &pages, const PageContext &context) const;
+    void setCurrentPage(BaseMainForm *page);
+    void reloadPages();
+    void showDictionaryPage(quint8 line, const QString &what);
     void refreshLines();
-    void updateTitle();
-    void setModified(bool modified);
-    void storePendingInput();
-    void setBusy(bool busy);
-
-    // vxmmainwindow_output.cpp
+    void showFileOfProject();
     void connectOutputPage();
     void updateStartPage();
-
-    // vxmmainwindow_project.cpp
-    enum class ProtocolQuestion { Ask, Skip };
-    void newProject(ProtocolQuestion question);
-    bool openStore(const QString &path);
-    bool acceptsForeignChanges();
-    void showVersionNotes(const QString &path);
-    void keepVersion3Copy(const QString &path);
-    bool saveStore(const QString &path);
-    void leaveProjectPath();
-    void takeProjectPath(const QString &path);
-    void fillRecentProjects();
-    /// Where file dialogs start.
-    [[nodiscard]] static QString folderOfDialogs();
-    void warnOfUnappliedEnergyBus();
-    [[nodiscard]] bool openSavedProject(ObjectDataBase &saved, QString &error) const;
-    [[nodiscard]] int countModifications(QString &readError);
-    bool saveTo(const QString &path);
-    bool saveLastGoodState(const QString &path);
-    bool wantsLastGoodState(const QString &reason);
-    [[nodiscard]] bool askToSave(int count, const QString &readError);
-    void showError(const QString &text, const QString &informativeText = QString());
-
-    // vxmmainwindow_lines.cpp
-    void addLine();
-    void duplicateLine();
-    void deleteLine();
-    void changeLineType();
-    [[nodiscard]] quint8 highestLine() const;
-    [[nodiscard]] QList<quint8> projectLines() const;
-    bool makeLine(quint8 line, int type);
-    void copyStandardObjects(quint8 line);
-    /// 0 if the user does not choose one.
-    [[nodiscard]] int askLineType(const QString &question);
-    [[nodiscard]] QString lineLabel(quint8 line) const;
-    [[nodiscard]] bool askYesNo(const QString &question, const QString &explanation = {},
-                                QMessageBox::StandardButton defaultButton = QMessageBox::Yes);
-    [[nodiscard]] bool mayAddLine();
-
-    // vxmmainwindow_undo.cpp
-    void makeUndo();
-    void attachUndo();
-    void noteSavedState();
-    void updateUndoActions();
-    void takeUndoStep(void (UndoManager::*step)(), bool (UndoManager::*isPossible)() const,
-                      const QString &doneText, const QString &failedText);
-    void showLineBeside(const QList<quint8> &formerLines);
-    void projectRestored();
-
-    // vxmmainwindow_generation.cpp
-    void makeGenerator();
-    void runGenerator();
-    void showProgress();
-    void showDictionaryPage(quint8 line, const QString &what);
-
-    // vxmmainwindow_import.cpp
-    [[nodiscard]] bool hasDictionary();
-    void offerProfile(const QString &profile, const QString &label);
-    void exportDocument(DocumentExport::Kind kind);
-
-    // vxmmainwindow_help.cpp
-    void makeHelp();
-
-    // vxmmainwindow_viewer.cpp
-    void showFile(const QString &path);
-    void fillExampleProjects();
-    void openExampleCopy(const QString &examplePath);
+    void updateTitle();
+    void connectOpeners(QMenu &menu);
 
     std::unique_ptr<Ui::VxmMainWindow> ui;
     StartOptions m_options;
-    std::shared_ptr<ObjectDataBase> m_database;
-    std::shared_ptr<ObjectDataBase> m_library;
-    std::unique_ptr<CODBImporter> m_libraryImporter; ///< ends before the library does
-    UndoManager *m_undoManager = nullptr;            ///< child of the window
     QList<Page> m_pages;
     QPointer<BaseMainForm> m_currentPage;
     GeneratorOutputForm *m_outputForm = nullptr;
-    OutputHandlerBase *m_outputHandler = nullptr; ///< child of the generator
-    GeneratorMainHandler *m_generator = nullptr;  ///< child of the window
-    std::shared_ptr<GUIPostGenProgressHandler> m_postGenProgress;
-    QPointer<QProgressDialog> m_progress;
-    ManualHandler *m_manual = nullptr;           ///< child of the window
-    newUpdateChecker *m_updateChecker = nullptr; ///< child of the window
-    QPointer<QPushButton> m_updateButton;        ///< as long as an update is on offer
-    ProjectDiffDialog *m_projectDiff = nullptr;  ///< child of the window; made when first needed
-    QList<QAction *> m_pausedActions;            ///< actions that a run has disabled
+    LineBox *m_lineBox = nullptr;     ///< child of the box
+    QList<QAction *> m_pausedActions; ///< actions that a run has disabled
     QTimer m_refreshTimer;
-    LineBox *m_lineBox = nullptr;        ///< child of the box
-    EditController *m_editing = nullptr; ///< child of the window
-
-    QString m_projectDirectory;
-    QString m_projectBaseName;
-    QString m_projectFilePath;
-    QString m_savedState;     ///< undo state that needs no saving; empty if there is none
-    QString m_correctedState; ///< undo state beside which a run has corrected the project
-    int m_newProjectType = 0; ///< line type that a new project has begun with
     quint8 m_line = 0;
     int m_shownLineType = 0;
-
-    bool m_savedHere = false; ///< the file was written by this window, not just opened
-    bool m_networkToolMode = false;
     bool m_hasToolTitle = false;
-    bool m_autoGeneration = false;
-    bool m_busy = false;    ///< a run is going on
-    bool m_loading = false; ///< a project is taking the place of another
+    bool m_busy = false; ///< a run is going on
+
+    // They end before the pages and actions that they speak of, and the session behind them.
+    std::unique_ptr<ProjectSession> m_session;
+    std::unique_ptr<EditController> m_editing;
+    std::unique_ptr<LineController> m_lines;
+    std::unique_ptr<UndoController> m_undo;
+    std::unique_ptr<ProjectController> m_projects;
+    std::unique_ptr<GenerationController> m_generation;
+    std::unique_ptr<ImportController> m_imports;
+    std::unique_ptr<HelpController> m_help;
 };

@@ -1,7 +1,11 @@
 #include "app/vxmmainwindow.h"
 
+#include "app/exampleprojects.h"
 #include "app/generatoroutputform.h"
+#include "app/projectcontroller.h"
+#include "app/recentprojects.h"
 #include "app/startpage.h"
+#include "session/projectsession.h"
 #include "ui_vxmmainwindow.h"
 
 #include <QStatusBar>
@@ -27,17 +31,15 @@ void VxmMainWindow::connectOutputPage()
     const StartPage *page = &m_outputForm->startPage();
     connect(page, &StartPage::newRequested, this, &VxmMainWindow::on_actionNew_Project_triggered);
     connect(page, &StartPage::openRequested, this, &VxmMainWindow::on_actionOpen_Project_triggered);
-    connect(page, &StartPage::exampleRequested, this, &VxmMainWindow::openExampleCopy);
-    connect(page, &StartPage::recentRequested, this, [this](const QString &path) {
-        if (closeCheck())
-            openProject(path);
-    });
+    connect(page, &StartPage::exampleRequested, m_projects.get(),
+            &ProjectController::openExampleCopy);
+    connect(page, &StartPage::recentRequested, m_projects.get(), &ProjectController::replaceBy);
 }
 
 /// Offered as long as there is nothing to lose: a new project that nobody has changed.
 void VxmMainWindow::updateStartPage()
 {
-    const bool isUntouched = m_projectFilePath.isEmpty() && !isModified();
+    const bool isUntouched = m_session->filePath().isEmpty() && !isModified();
     if (isUntouched) {
         m_outputForm->startPage().setExamples(ExampleProjects::shipped());
         m_outputForm->startPage().setRecent(RecentProjects::entries());

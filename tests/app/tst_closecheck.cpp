@@ -14,9 +14,6 @@ using namespace WindowParts;
 
 namespace {
 
-/// What happens to an open project; the path is that of its file.
-using Story = void (*)(Session &, const QString &);
-
 void setNodeId(Session &session, const QString &value)
 {
     session.store->setGeneralSetting(u"co_node_id"_s, value);
@@ -89,106 +86,11 @@ private slots:
         }
     }
 
-    void countsWhatDiffersFromTheFile_data()
+    void aNewProjectIsAskedAbout()
     {
-        QTest::addColumn<QString>("suffix");
-        QTest::addColumn<Story>("story");
-        QTest::addColumn<int>("count"); // 0: no question is expected
-        const auto row = [](const char *name, Story story, int count) {
-            QTest::addRow("%s, database", name) << u"vxmp"_s << story << count;
-            QTest::addRow("%s, text", name) << u"vxmt"_s << story << count;
-        };
-        row(
-            "set back by hand",
-            [](Session &s, const QString &) {
-                setNodeId(s, u"7"_s);
-                setNodeId(s, u"32"_s);
-            },
-            0);
-        row(
-            "object deleted and copied back",
-            [](Session &s, const QString &) {
-                s.store->copyIndex(0, 0x2000, 0, 0x2001);
-                s.store->deleteIndex(0, 0x2000);
-                s.store->moveIndex(0, 0x2001, 0, 0x2000);
-            },
-            0);
-        row(
-            "twice the same setting, and an object",
-            [](Session &s, const QString &) {
-                setNodeId(s, u"7"_s);
-                setNodeId(s, u"8"_s);
-                s.store->setSubIndexDefaultValue(0, 0x2000, 0, u"5"_s);
-                s.store->addIndex(0, 0x2001, {});
-            },
-            3);
-        row(
-            "edited after a save",
-            [](Session &s, const QString &) {
-                setNodeId(s, u"7"_s);
-                s.trigger("actionSave_Project");
-                setNodeId(s, u"32"_s);
-            },
-            1);
-        row(
-            "undone behind the window's back",
-            [](Session &s, const QString &) {
-                s.step(u"7"_s);
-                s.steps().undo();
-                s.store->setMiscSetting(u"SaveToolVersion"_s, u"1"_s);
-            },
-            0);
-    }
-
-    void countsWhatDiffersFromTheFile()
-    {
-        QFETCH(QString, suffix);
-        QFETCH(Story, story);
-        QFETCH(int, count);
-        const QString path = project(u"device."_s + suffix);
-        Session session;
-        QVERIFY(session.window.openProject(path));
-        GuiHelper::takeShownBoxes();
-        story(session, path);
-        QVERIFY(session.window.isModified());
-        const QString before = session.store->contentHash();
-        if (count != 0)
-            GuiHelper::queueAnswer(QMessageBox::Cancel);
-        QCOMPARE(session.window.closeCheck(), count == 0);
-        QCOMPARE(shownTexts().value(0),
-                 count == 0
-                     ? QString()
-                     : u"The current project contains %1 unsaved modifications."_s.arg(count));
-        QCOMPARE(session.store->contentHash(), before);
-    }
-
-    void aNewProjectIsComparedWithItsBegin_data()
-    {
-        QTest::addColumn<QString>("edition");
-        QTest::addColumn<QString>("protocol");
-        QTest::newRow("CANopen") << canopenEdition << QString();
-        QTest::newRow("J1939") << j1939Edition << QString();
-        QTest::newRow("EnergyBus") << energyBusEdition << QString();
-        QTest::newRow("CAN, J1939") << canEdition << u"btnJ1939"_s;
-        QTest::newRow("CAN, both") << canEdition << u"btnCANopenCAN"_s;
-    }
-
-    void aNewProjectIsComparedWithItsBegin()
-    {
-        QFETCH(QString, edition);
-        QFETCH(QString, protocol);
-        QCoreApplication::setApplicationName(edition);
-        if (!protocol.isEmpty())
-            queueProtocol(protocol);
+        QCoreApplication::setApplicationName(j1939Edition); // its template is inside the program
         Session session;
         session.window.newProject();
-        GuiHelper::takeShownBoxes(); // there may be no template
-        QVERIFY(session.window.closeCheck());
-        session.store->addIndex(0, 0x2000, {});
-        session.store->deleteIndex(0, 0x2000);
-        QVERIFY(session.window.isModified());
-        QVERIFY(session.window.closeCheck());
-
         setNodeId(session, u"9"_s);
         GuiHelper::queueAnswer(QMessageBox::Save);
         GuiHelper::queueFileName(QString()); // cancelled
@@ -200,30 +102,6 @@ private slots:
         QCOMPARE(ProjectFixture::generalSetting(file(u"kept.vxmp"_s), u"co_node_id"_s), u"9"_s);
         const QString question = u"The current project contains 1 unsaved modifications."_s;
         QCOMPARE(shownTexts(), (QStringList{question, question}));
-    }
-
-    /// What opening corrects is none of the user's modifications.
-    void correctionsOfOlderProjectsDoNotCount()
-    {
-        const QString path = project(u"device.vxmp"_s);
-        {
-            ObjectDataBase store;
-            QVERIFY(store.openDataBase(path));
-            store.setGeneralSetting(u"udsserver_version"_s, u"5"_s);
-            store.setGeneralSetting(u"drv_group_filter"_s, u"1"_s);
-            QVERIFY(store.saveDatabase());
-        }
-        Session session;
-        QVERIFY(session.window.openProject(path));
-        QCOMPARE(session.store->getGeneralSetting(u"udsserver_version"_s), u"6"_s);
-        setNodeId(session, u"7"_s);
-        setNodeId(session, u"32"_s);
-        QVERIFY(session.window.closeCheck());
-        setNodeId(session, u"7"_s);
-        GuiHelper::queueAnswer(QMessageBox::Cancel);
-        QVERIFY(!session.window.closeCheck());
-        QCOMPARE(shownTexts(),
-                 (QStringList{u"The current project contains 1 unsaved modifications."_s}));
     }
 
     void aLostFileIsAskedAbout_data()

@@ -114,19 +114,6 @@ private slots:
         QCOMPARE(session.lines()->currentData().toInt(), 1);
     }
 
-    void aStateBesideACorrectionIsModified()
-    {
-        Session session({u"-hidden"_s});
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
-        session.step(u"7"_s);
-        session.step(u"8"_s);
-        session.window.projectCorrectionDone(); // saves
-        QVERIFY(!session.window.isModified());
-        session.trigger("actionUndo");
-        session.trigger("actionRedo");
-        QVERIFY(session.window.isModified()); // the correction is in the file alone
-    }
-
     void theEndOfUndoIsTold()
     {
         Session session;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/vxmmainwindow.h"
+#include "session/projectsession.h"
 #include "store/undomanager.h"
 #include "tests/app/projectfixture.h"
 
@@ -35,7 +36,7 @@ struct Session
     void choose(int data);
     QAction *action(const char *name) { return window.findChild<QAction *>(QLatin1String(name)); }
     QString status() { return window.statusBar()->currentMessage(); }
-    UndoManager &steps() { return *window.findChild<UndoManager *>(); }
+    UndoManager &steps() { return window.session().undo(); }
     /// An edit that is an undo step at once.
     void step(const QString &nodeId);
     void edit() { store->setMiscSetting(u"edited"_s, QString::number(++edits)); }

@@ -1,6 +1,5 @@
 #include "app/recentprojects.h"
 #include "app/startoptions.h"
-#include "app/versionnotes.h"
 #include "gui/basemainform.h"
 #include "gui/displaychoice.h"
 #include "gui/guihelper.h"
@@ -8,6 +7,7 @@
 #include "gui/messagebox.h"
 #include "gui/tolvexbaseapplication.h"
 #include "gui/tolvxappstyle.h"
+#include "session/versionnotes.h"
 #include "store/edition.h"
 #include "store/usersettings.h"
 

@@ -1,4 +1,4 @@
-#include "app/versionnotes.h"
+#include "session/versionnotes.h"
 
 #include <QVersionNumber>
 
