@@ -152,7 +152,7 @@ void TestFileImportDialog::offersProfilesAndFiles()
 {
     const Session session;
     auto *files = session.get<QComboBox>("cbFile");
-    const int profile = files->findText(u"v401.codb"_s);
+    const int profile = files->findText(u"CiA 401 - I/O modules"_s);
     QVERIFY(profile >= 0);
     files->setCurrentIndex(profile);
     QVERIFY(session.get<QCheckBox>("chkObjectCopies")->isEnabled());
