@@ -1,4 +1,5 @@
 #include "canopen/canopentypes.h"
+#include "canopen/cobid.h"
 #include "canopen/cohelper.h"
 #include "canopen/indextext.h"
 #include "canopen/numbertext.h"
@@ -114,8 +115,8 @@ void correctEmptyTransmitPdo(LineCheck &check, const ObjectModel &mapping)
     const auto communication =
         static_cast<quint16>(mapping.index - ObjectRanges::pdoMappingDistance);
     const QString before = check.model.value(communication, 1);
-    const QString after = disabledCobId(before);
-    if (!isCobIdDisabled(before) && after != before &&
+    const QString after = CobId::disabled(before);
+    if (!CobId::isDisabled(before) && after != before &&
         check.correctDefaultValue(communication, 1, after)) {
         check.report(CheckId::PdoDisabledCorrected, {IndexText::digits(communication), after},
                      communication, 1);

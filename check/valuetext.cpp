@@ -3,7 +3,6 @@
 #include "canopen/canopentypes.h"
 #include "canopen/numbertext.h"
 
-#include <QRegularExpression>
 #include <QStringList>
 
 namespace {
@@ -40,16 +39,6 @@ Reading readingOf(quint16 dataType)
     default:
         return Reading::None;
     }
-}
-
-constexpr quint64 cobIdInvalid = 0x80000000U;
-
-/// Group 1: the node-ID in front, group 2: the number.
-QRegularExpressionMatch matchCobId(const QString &text)
-{
-    static const QRegularExpression pattern(QStringLiteral("(\\$nodeid\\+)*(0x[0-9A-Fa-f]+)"),
-                                            QRegularExpression::CaseInsensitiveOption);
-    return pattern.match(text);
 }
 
 } // namespace
@@ -104,24 +93,4 @@ QString itemOrLast(const QString &list, quint8 line)
 QString itemOrEmpty(const QString &list, quint8 line)
 {
     return list.split(u',').value(line);
-}
-
-QString disabledCobId(const QString &text)
-{
-    const QRegularExpressionMatch match = matchCobId(text);
-    bool ok = false;
-    const quint64 number = match.captured(2).toULongLong(&ok, 16);
-    if (!ok) {
-        return text;
-    }
-    const QString digits =
-        (number & cobIdInvalid) != 0
-            ? match.captured(2)
-            : QStringLiteral("0x%1").arg(number | cobIdInvalid, 8, 16, QChar(u'0'));
-    return match.captured(0) == match.captured(2) ? digits : match.captured(1) + digits;
-}
-
-bool isCobIdDisabled(const QString &text)
-{
-    return (matchCobId(text).captured(2).toULongLong(nullptr, 16) & cobIdInvalid) != 0;
 }

@@ -1,5 +1,6 @@
 #include "checkcases.h"
 
+#include "canopen/cobid.h"
 #include "check/valuetext.h"
 #include "check/warninggroups.h"
 
@@ -330,7 +331,7 @@ void TestModelChecker::disabledCobIds()
 {
     QFETCH(QString, before);
     QFETCH(QString, after);
-    QCOMPARE(disabledCobId(before), after);
+    QCOMPARE(CobId::disabled(before), after);
 }
 
 QTEST_GUILESS_MAIN(TestModelChecker)
