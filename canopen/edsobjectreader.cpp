@@ -143,15 +143,32 @@ QString EdsObjectReader::descriptionOf(const Fields &fields, bool isVariable) co
     return text;
 }
 
-quint32 EdsObjectReader::numberOf(const Field &field, quint32 fallback, const char *key)
+std::optional<quint32> EdsObjectReader::numberOf(const Field &field, const char *key)
 {
-    if (field.text.isEmpty())
-        return fallback;
     const auto number = EdsValue::number(field.text);
-    if (!number)
+    if (!number && !field.text.isEmpty())
         m_messages.add(field.line, tr("%1: '%2' is no number and is passed over.")
                                        .arg(QLatin1String(key), m_text.excerpt(field.text)));
-    return number.value_or(fallback);
+    return number;
+}
+
+quint32 EdsObjectReader::numberOf(const Field &field, quint32 fallback, const char *key)
+{
+    return numberOf(field, key).value_or(fallback);
+}
+
+/// A variable's value shares the variable's name, whose lack is told of the object.
+QString EdsObjectReader::nameOf(const Fields &fields, const Owner &owner, const Where &where,
+                                Telling telling)
+{
+    const QString name = textOf(fields.keys[ParameterName]);
+    if (!name.isEmpty())
+        return name;
+    if (where.subindex < 0)
+        return owner.name;
+    if (telling == Telling::All)
+        m_messages.add(fields.line, tr("%1 has no name.").arg(where.text()));
+    return QStringLiteral("unnamed subindex");
 }
 
 bool EdsObjectReader::flagOf(const Field &field, const char *key)
@@ -165,6 +182,16 @@ bool EdsObjectReader::flagOf(const Field &field, const char *key)
             return false;
     }
     return numberOf(field, 0, key) != 0;
+}
+
+/// Entries of PDO mappings are of one type, while many files state the structure of the whole.
+quint16 EdsObjectReader::compactTypeOf(const Field &field, const Where &where)
+{
+    constexpr quint32 mappingStructure = 0x21;
+    if (ObjectRanges::isPdoMapping(where.index) &&
+        (field.text.isEmpty() || EdsValue::number(field.text) == mappingStructure))
+        return CAN::UNSIGNED32;
+    return dataTypeOf(field, 0, where);
 }
 
 quint16 EdsObjectReader::dataTypeOf(const Field &field, quint16 fallback, const Where &where)
@@ -184,8 +211,10 @@ quint16 EdsObjectReader::dataTypeOf(const Field &field, quint16 fallback, const 
     const bool known = *number < firstSignalType &&
                        !COHelper::index2DataTypeString(static_cast<quint16>(*number)).isEmpty();
     if (!known)
-        m_messages.add(field.line, tr("%1: the data type '%2' is not supported.")
-                                       .arg(where.text(), m_text.excerpt(field.text)));
+        m_messages.add(field.line,
+                       tr("%1: the data type '%2' is not supported; it becomes 0, which "
+                          "is no data type.")
+                           .arg(where.text(), m_text.excerpt(field.text)));
     return known ? static_cast<quint16>(*number) : quint16(0);
 }
 
@@ -252,8 +281,7 @@ EdsObjectReader::Object EdsObjectReader::readObject(const EdsText::Section &sect
     object.hasDataType = !keys[DataType].text.isEmpty();
     object.looksLikeObject = object.hasObjectType || object.hasDataType ||
                              keys[ParameterName].line != 0 || keys[SubNumber].line != 0;
-    if (!keys[SubNumber].text.isEmpty())
-        object.subNumber = numberOf(keys[SubNumber], 0, "SubNumber");
+    object.subNumber = numberOf(keys[SubNumber], "SubNumber");
     const bool isComplex =
         record.objectCode == CANopen::ARRAY || record.objectCode == CANopen::RECORD;
     record.description = descriptionOf(fields, !isComplex);
@@ -273,7 +301,7 @@ EdsObjectReader::Object EdsObjectReader::readObject(const EdsText::Section &sect
     record.compactSubObj = static_cast<quint16>(compact);
     if (compact == 0)
         return object;
-    record.dataType = dataTypeOf(keys[DataType], 0, where);
+    record.dataType = compactTypeOf(keys[DataType], where);
     record.accessType = accessOf(keys[AccessType], {}, fields.line, where);
     record.pdoMapping = flagOf(keys[PDOMappingKey], "PDOMapping");
     record.defaultValue = valueOf(keys[DefaultValue], record.dataType, where);
@@ -298,7 +326,7 @@ CANopenSubindex EdsObjectReader::readSubindex(const EdsText::Section &section, c
     CANopenSubindex record;
     record.index = owner.index;
     record.subindex = subindex;
-    record.name = textOf(keys[ParameterName]);
+    record.name = nameOf(fields, owner, where, telling);
     const quint16 usualType = isDomain                             ? quint16(CAN::DOMAIN_TYPE)
                               : isCount                            ? quint16(CAN::UNSIGNED8)
                               : owner.objectCode == CANopen::ARRAY ? owner.dataType
@@ -354,6 +382,7 @@ CANopenSubindex EdsObjectReader::countEntry(const Owner &owner)
 {
     CANopenSubindex record;
     record.index = owner.index;
+    record.isMade = true;
     record.name = QStringLiteral("Highest subindex supported");
     record.dataType = CAN::UNSIGNED8;
     record.accessType = QStringLiteral("ro");

@@ -37,6 +37,7 @@ public:
         quint16 index = 0;
         quint8 objectCode = 7;
         quint16 dataType = 0;
+        QString name;
         QString description;
         quint8 highestSubindex = 0;
     };
@@ -103,7 +104,12 @@ private:
     void noteUnknown(const EdsText::Entry &entry);
     [[nodiscard]] QString textOf(const Field &field) const { return m_text.decoded(field.text); }
     [[nodiscard]] QString descriptionOf(const Fields &fields, bool isVariable) const;
+    /// Nothing, with a message, for what is no number.
+    [[nodiscard]] std::optional<quint32> numberOf(const Field &field, const char *key);
     [[nodiscard]] quint32 numberOf(const Field &field, quint32 fallback, const char *key);
+    [[nodiscard]] QString nameOf(const Fields &fields, const Owner &owner, const Where &where,
+                                 Telling telling);
+    [[nodiscard]] quint16 compactTypeOf(const Field &field, const Where &where);
     [[nodiscard]] bool flagOf(const Field &field, const char *key);
     [[nodiscard]] quint16 dataTypeOf(const Field &field, quint16 fallback, const Where &where);
     [[nodiscard]] QString accessOf(const Field &field, const QString &fallback, int line,

@@ -47,7 +47,11 @@ struct EdsParser::State
         [[nodiscard]] EdsObjectReader::Owner owner() const
         {
             const CANopen::CANopenIndex &record = object.record;
-            return {record.index, record.objectCode, record.dataType, record.description,
+            return {record.index,
+                    record.objectCode,
+                    record.dataType,
+                    record.name,
+                    record.description,
                     static_cast<quint8>(std::max<int>({highest, int(record.compactSubObj), 0}))};
         }
     };
@@ -311,12 +315,14 @@ void EdsParser::State::tellWhatIsPassedOver()
     for (const int line : text.longLines())
         messages.add(line, tr("The line is longer than %1 characters and is passed over.")
                                .arg(EdsText::longestLine));
-    for (const auto &[again, first] : sections->duplicates())
-        messages.add(all.at(again).line,
-                     tr("The section [%1] stands a second time and is passed over; that in line %2 "
-                        "counts.")
-                         .arg(nameOf(all.at(again)))
-                         .arg(all.at(first).line));
+    for (const auto &[again, first] : sections->duplicates()) {
+        const QString text =
+            EdsSections::isJoined(all.at(again).name)
+                ? tr("The section [%1] stands a second time and is joined with that in line %2.")
+                : tr("The section [%1] stands a second time and is passed over; that in line %2 "
+                     "counts.");
+        messages.add(all.at(again).line, text.arg(nameOf(all.at(again))).arg(all.at(first).line));
+    }
     for (const EdsSections::Place &place : sections->passedOver()) {
         const EdsText::Section &section = all.at(place.section);
         if (place.kind == Kind::Module)
@@ -412,7 +418,8 @@ const QHash<QByteArray, QString> &EdsParser::State::deviceSection(const QByteArr
     if (known != deviceSections.constEnd())
         return *known;
     QHash<QByteArray, QString> values;
-    if (const EdsText::Section *section = sections ? sections->common(name) : nullptr) {
+    const auto parts = sections ? sections->joined(name) : QList<const EdsText::Section *>();
+    for (const EdsText::Section *section : parts) {
         text.forEachEntry(*section, [&](const EdsText::Entry &entry) {
             const QByteArray key =
                 entry.key.first(qMin<qsizetype>(entry.key.size(), 60)).toByteArray().toLower();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/basedataimporter.h"
+#include "import/pdomappingcounts.h"
 
 #include <memory>
 
@@ -34,8 +35,12 @@ private:
     void addCompactEntries(const CANopen::CANopenIndex &record);
     bool importDeviceData();
     bool completePdos();
+    bool permitDynamicMapping();
+    void tell(const QString &text);
 
     std::shared_ptr<EdsParser> m_parser;
     std::unique_ptr<ObjectWriter> m_writer;
+    PdoMappingCounts m_madeCounts;
+    bool m_hasDynamicMapping = false;
     bool m_isDcf = false;
 };
