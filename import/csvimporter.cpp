@@ -82,12 +82,13 @@ void readDefault(Entry &entry, const CsvRecord &row, bool isNew)
         entry.writedefaulttoeds = entry.defaultineds ? 1 : 0;
 }
 
-void readLimits(Entry &entry, const CsvRecord &row, bool isNew)
+/// Limits of another type would mean nothing.
+void readLimits(Entry &entry, const CsvRecord &row, bool isOfNewType)
 {
     if (row.has(CsvColumn::LowLimit) || row.has(CsvColumn::UpLimit)) {
         take(entry.lowlimit, row, CsvColumn::LowLimit);
         take(entry.uplimit, row, CsvColumn::UpLimit);
-    } else if (isNew) {
+    } else if (isOfNewType) {
         COHelper::getDefaultLimits(entry.datatype, entry.lowlimit, entry.uplimit);
     }
     takeFlag(entry.limitineds, row, CsvColumn::HasLimit);
@@ -115,6 +116,7 @@ void CsvImporter::doImport()
         m_objects.clear();
         m_entryCount = 0;
         m_told = 0;
+        m_droppedCount = 0;
         if (store())
             read();
         m_objects.clear();
@@ -133,6 +135,9 @@ void CsvImporter::read()
     if (isRead && !isCancelled()) {
         complete();
         done = write();
+        if (m_droppedCount > 0)
+            reportMessage(QStringLiteral("%1: %2").arg(fileName(),
+                                                       ObjectWriter::droppedText(m_droppedCount)));
         if (m_runsCommands && !isCancelled())
             runCommands(*store(), line(), m_copies, m_deletes);
     }
@@ -337,10 +342,8 @@ void CsvImporter::readObject(Object &object, const CsvRecord &row)
     if (!name.isEmpty())
         object.data.name = name;
     take(object.data.description, row, CsvColumn::Description);
-    if (object.isCompound()) {
-        if (const auto type = dataTypeOf(row))
-            object.data.datatype = *type;
-    }
+    if (object.isCompound())
+        object.data.datatype = dataTypeOf(row, object.data.datatype);
     object.isChanged = true;
 }
 
@@ -366,9 +369,10 @@ void CsvImporter::readEntry(Object &object, const Key &key, quint8 subindex, con
     const QString mapping = row.text(CsvColumn::Mapable);
     if (!mapping.isEmpty())
         entry.pdomapping = PDOMapping::fromCSVString(mapping);
+    const quint16 formerType = entry.datatype;
     readType(entry, object, row, isNew);
     readDefault(entry, row, isNew);
-    readLimits(entry, row, isNew);
+    readLimits(entry, row, isNew || entry.datatype != formerType);
     take(entry.description, row, CsvColumn::Description);
     takeFlag(entry.nvstorage, row, CsvColumn::NvStorage);
     takeFlag(entry.refuseread, row, CsvColumn::RefuseRead);
@@ -378,11 +382,11 @@ void CsvImporter::readEntry(Object &object, const Key &key, quint8 subindex, con
     object.entries.insert_or_assign(subindex, std::move(entry));
 }
 
-std::optional<quint16> CsvImporter::dataTypeOf(const CsvRecord &row)
+quint16 CsvImporter::dataTypeOf(const CsvRecord &row, quint16 fallback)
 {
     const QString text = row.text(CsvColumn::DataType);
     if (text.isEmpty())
-        return std::nullopt;
+        return fallback;
     const quint16 type = COHelper::mapDataTypeString(text);
     if (type != CAN::UNKNOWN_TYPE)
         return type;
@@ -390,18 +394,20 @@ std::optional<quint16> CsvImporter::dataTypeOf(const CsvRecord &row)
     const auto number = readFileNumber(text);
     if (number && *number > 0 && *number <= 0xFFFF)
         return static_cast<quint16>(*number);
-    tell(row.lineNumber(), tr("The data type '%1' is unknown.").arg(text.left(60)));
-    return std::nullopt;
+    const QString name = COHelper::index2DataTypeString(fallback);
+    tell(row.lineNumber(),
+         tr("The data type '%1' is unknown; it becomes %2.")
+             .arg(text.left(60), name.isEmpty() ? QString::number(fallback) : name));
+    return fallback;
 }
 
 void CsvImporter::readType(Entry &entry, const Object &object, const CsvRecord &row, bool isNew)
 {
-    if (const auto type = dataTypeOf(row))
-        entry.datatype = *type;
-    else if (isNew)
+    if (isNew)
         entry.datatype = object.data.objecttype == CANopen::ARRAY && object.data.datatype != 0
                              ? object.data.datatype
                              : quint16(CAN::UNSIGNED8);
+    entry.datatype = dataTypeOf(row, entry.datatype);
 }
 
 void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subindex,
@@ -494,8 +500,10 @@ bool CsvImporter::write()
             // A record that becomes a variable would keep the subindices that it has no more.
             const QList<quint8> subindices = store()->getSubIndices(line, index);
             for (const quint8 subindex : subindices) {
-                if (!object.entries.contains(subindex))
-                    done &= store()->deleteSubIndex(line, index, subindex);
+                if (object.entries.contains(subindex))
+                    continue;
+                done &= store()->deleteSubIndex(line, index, subindex);
+                ++m_droppedCount;
             }
         }
         if (object.isChanged)

@@ -78,7 +78,7 @@ private:
                   const CsvRecord &row, bool isNew);
     void readImplementation(ObjectDataBase::SUBINDEX_DATA_T &entry, const Key &key, quint8 subindex,
                             const CsvRecord &row, bool isNew);
-    [[nodiscard]] std::optional<quint16> dataTypeOf(const CsvRecord &row);
+    [[nodiscard]] quint16 dataTypeOf(const CsvRecord &row, quint16 fallback);
     void complete();
     void completeObject(const Key &key, Object &object);
     bool write();
@@ -90,4 +90,5 @@ private:
     std::map<Key, Object> m_objects;
     qsizetype m_entryCount = 0;
     int m_told = 0;
+    int m_droppedCount = 0; ///< subindices of records that have become variables
 };
