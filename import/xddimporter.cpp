@@ -102,6 +102,8 @@ bool XDDImporter::write()
 {
     emit progress(50);
     bool done = m_writer->write();
+    if (const int dropped = m_writer->droppedCount(); dropped > 0)
+        reportMessage(QStringLiteral("%1: %2").arg(fileName(), ObjectWriter::droppedText(dropped)));
     if (m_productName) {
         store()->setDescriptionLine(line());
         done &= store()->setDescriptionSetting(QStringLiteral("ProductName"), *m_productName);
@@ -205,7 +207,11 @@ void XDDImporter::readObject(const QXmlStreamReader &xml)
         return;
     m_index = static_cast<quint16>(*index);
     ObjectDataBase::INDEX_DATA_T data;
-    data.name = attribute(xml, "name", IndexText::unnamedObject);
+    data.name = attribute(xml, "name");
+    if (data.name.isEmpty()) {
+        data.name = IndexText::unnamedObject;
+        tell(xml, tr("%1 has no name.").arg(IndexText::hex(m_index)));
+    }
     data.objecttype = attribute(xml, "objectType").toUInt();
     if (data.objecttype == 0) {
         data.objecttype = CANopen::VAR;
@@ -228,8 +234,17 @@ void XDDImporter::readEntry(const QXmlStreamReader &xml)
     }
     Entry entry;
     entry.name = attribute(xml, "name");
-    entry.datatype =
-        static_cast<quint16>(hexNumber(attribute(xml, "dataType"), 0xFFFF).value_or(0));
+    if (entry.name.isEmpty()) {
+        entry.name = QStringLiteral("unnamed subindex");
+        tell(xml, tr("0x%1sub%2 has no name.").arg(*m_index, 4, 16, QLatin1Char('0')).arg(number));
+    }
+    const QString type = attribute(xml, "dataType");
+    entry.datatype = static_cast<quint16>(hexNumber(type, 0xFFFF).value_or(0));
+    if (COHelper::index2DataTypeString(entry.datatype).isEmpty())
+        tell(xml, tr("0x%1sub%2: the data type '%3' is not supported; it is kept as number %4.")
+                      .arg(*m_index, 4, 16, QLatin1Char('0'))
+                      .arg(number, type.left(60))
+                      .arg(entry.datatype));
     entry.defaultvalue = attribute(xml, "defaultValue");
     entry.defaultineds = !entry.defaultvalue.isEmpty();
     entry.writedefaulttoeds = entry.defaultineds ? 1 : 0;
