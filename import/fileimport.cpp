@@ -70,6 +70,18 @@ void FileImport::runBeside(const std::function<void()> &work, const std::functio
     m_worker->start(QThread::InheritPriority);
 }
 
+void FileImport::clear()
+{
+    if (m_isRunning)
+        return;
+    m_objects.clear();
+    m_messages.clear();
+    m_sourceLines.clear();
+    m_copies.clear();
+    m_deletes.clear();
+    m_resultText.clear();
+}
+
 // --- Reading ------------------------------------------------------------------------------------
 
 QString FileImport::read(const FileImportOptions &options)
@@ -83,12 +95,9 @@ QString FileImport::read(const FileImportOptions &options)
     if (format == nullptr)
         return QStringLiteral("Format of  %1 is not supported.").arg(options.path);
 
-    m_objects.clear();
-    m_messages.clear();
-    m_sourceLines.clear();
-    m_copies.clear();
-    m_deletes.clear();
-    m_resultText.clear();
+    clear();
+    m_low = options.low;
+    m_high = options.high;
     m_cancelled = false;
     m_scratch.setBlockUpdates(false);
     if (m_scratch.lineExists(staging))
@@ -167,6 +176,11 @@ QString FileImport::summary() const
 {
     const auto existing = std::count_if(m_objects.begin(), m_objects.end(),
                                         [](const Object &object) { return object.exists; });
+    if (m_objects.isEmpty())
+        return QStringLiteral("%1 objects read.").arg(0) + u' ' +
+               tr("The file has none from %1 to %2.")
+                   .arg(hexText(static_cast<quint16>(m_low)),
+                        hexText(static_cast<quint16>(m_high)));
     if (existing == 0)
         return QStringLiteral("%1 objects read.").arg(m_objects.size());
     return QStringLiteral("%1 objects read. (%2 red objects already exist in project. Import "

@@ -52,6 +52,8 @@ public:
     [[nodiscard]] QString take(const QList<ImportedItem> &items, ImportedImplementation kind,
                                bool deviceData);
     void cancel();
+    /// Forgets what was read; not while something is going on.
+    void clear();
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
 
     /// What the file has, ascending; empty until one was read.
@@ -99,6 +101,8 @@ private:
     std::unique_ptr<QThread> m_worker;
     std::unique_ptr<QTemporaryDir> m_safety; ///< the project as it was before a take-over
     std::atomic<bool> m_cancelled{false};
+    quint32 m_low = 0;  ///< of the range that was asked for
+    quint32 m_high = 0; ///< likewise
     bool m_isRunning = false;
     bool m_isTakeDone = false; ///< written by the worker, read after its end
     QString m_takeError;       ///< likewise
