@@ -168,7 +168,7 @@ QString EdsObjectReader::nameOf(const Fields &fields, const Owner &owner, const 
         return owner.name;
     if (telling == Telling::All)
         m_messages.add(fields.line, tr("%1 has no name.").arg(where.text()));
-    return QStringLiteral("unnamed subindex");
+    return IndexText::unnamedSubIndex;
 }
 
 bool EdsObjectReader::flagOf(const Field &field, const char *key)

@@ -179,8 +179,8 @@ QString FileImport::summary() const
     if (m_objects.isEmpty())
         return QStringLiteral("%1 objects read.").arg(0) + u' ' +
                tr("The file has none from %1 to %2.")
-                   .arg(hexText(static_cast<quint16>(m_low)),
-                        hexText(static_cast<quint16>(m_high)));
+                   .arg(IndexText::hex(static_cast<quint16>(m_low)),
+                        IndexText::hex(static_cast<quint16>(m_high)));
     if (existing == 0)
         return QStringLiteral("%1 objects read.").arg(m_objects.size());
     return QStringLiteral("%1 objects read. (%2 red objects already exist in project. Import "

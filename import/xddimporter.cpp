@@ -210,7 +210,7 @@ void XDDImporter::readObject(const QXmlStreamReader &xml)
     data.name = attribute(xml, "name");
     if (data.name.isEmpty()) {
         data.name = IndexText::unnamedObject;
-        tell(xml, tr("%1 has no name.").arg(IndexText::hex(m_index)));
+        tell(xml, tr("%1 has no name.").arg(IndexText::hex(*m_index)));
     }
     data.objecttype = attribute(xml, "objectType").toUInt();
     if (data.objecttype == 0) {
@@ -235,7 +235,7 @@ void XDDImporter::readEntry(const QXmlStreamReader &xml)
     Entry entry;
     entry.name = attribute(xml, "name");
     if (entry.name.isEmpty()) {
-        entry.name = QStringLiteral("unnamed subindex");
+        entry.name = IndexText::unnamedSubIndex;
         tell(xml, tr("0x%1sub%2 has no name.").arg(*m_index, 4, 16, QLatin1Char('0')).arg(number));
     }
     const QString type = attribute(xml, "dataType");
