@@ -3,8 +3,6 @@
 #include "canopen/canopentypes.h"
 #include "canopen/numbertext.h"
 
-#include <QStringList>
-
 namespace {
 
 enum class Reading { Unsigned, Signed, Float, None };
@@ -41,19 +39,18 @@ Reading readingOf(quint16 dataType)
     }
 }
 
+/// Group 1: the node-ID in front, group 2: the number.
 } // namespace
 
 bool isValueConvertible(quint16 dataType, const QString &text)
 {
-    if (text.isEmpty()) {
+    if (text.isEmpty())
         return true;
-    }
     bool ok = true;
     switch (readingOf(dataType)) {
     case Reading::Unsigned:
-        if (!text.contains(QLatin1String("$NODEID"))) {
+        if (!text.contains(QLatin1String("$NODEID")))
             ok = NumberText::toUnsigned(text).has_value();
-        }
         break;
     case Reading::Signed: {
         const auto number = NumberText::toSigned(text);
@@ -77,20 +74,4 @@ quint64 toNumber(const QString &text)
 quint8 toByte(const QString &text)
 {
     return static_cast<quint8>(toNumber(text));
-}
-
-int toDecimal(const QString &text)
-{
-    return text.toInt();
-}
-
-QString itemOrLast(const QString &list, quint8 line)
-{
-    const QStringList items = list.split(u',');
-    return line < items.size() ? items.at(line) : items.last();
-}
-
-QString itemOrEmpty(const QString &list, quint8 line)
-{
-    return list.split(u',').value(line);
 }

@@ -12,10 +12,3 @@
 [[nodiscard]] quint64 toNumber(const QString &text);
 /// `toNumber` cut to 8 bits, as the device holds a subindex 0.
 [[nodiscard]] quint8 toByte(const QString &text);
-/// Decimal; 0 for a text that is no number.
-[[nodiscard]] int toDecimal(const QString &text);
-
-/// The item of a comma list that belongs to a line; for a line beyond the end the last item.
-[[nodiscard]] QString itemOrLast(const QString &list, quint8 line);
-/// The same; for a line beyond the end an empty text.
-[[nodiscard]] QString itemOrEmpty(const QString &list, quint8 line);

@@ -152,14 +152,7 @@ int GeneratorMainHandler::checkLine(quint8 line)
         m_output.outputHtml(
             QStringLiteral("<strong>%1 Checking line %2 %1</strong>").arg(rule).arg(line));
     }
-    const Protocols protocols = m_facts.lineProtocols(line);
-    int errors = 0;
-    if (protocols.testFlag(Protocol::CANopen))
-        errors += m_checker->checkCANopenLine(line, m_facts.store.get(), &m_corrected);
-    if (!protocols)
-        errors +=
-            m_checker->report(CheckId::ProjectLineType, {QString::number(line)}, {.line = line});
-    return errors;
+    return m_checker->checkLine(line, m_facts.store.get(), &m_corrected);
 }
 
 GeneratorMainHandler::GeneratorResult GeneratorMainHandler::generate(bool ignoreCheckErrors)

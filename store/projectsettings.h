@@ -17,20 +17,26 @@ enum class SettingTable : quint8 {
 /// Names a setting by where it is stored; a name alone is that of a general setting.
 struct SettingKey
 {
+    using Table = SettingTable;
+
     // NOLINTBEGIN(google-explicit-constructor)
     SettingKey(const char *latin1) : name(QLatin1String(latin1)) {}
-    SettingKey(QLatin1String name, SettingTable table = SettingTable::General)
-        : name(name), table(table)
-    {
-    }
-    SettingKey(QString name, SettingTable table = SettingTable::General)
-        : name(std::move(name)), table(table)
-    {
-    }
+    SettingKey(QLatin1String name) : name(name) {}
+    SettingKey(QString name, Table table = Table::General) : name(std::move(name)), table(table) {}
     // NOLINTEND(google-explicit-constructor)
+    [[nodiscard]] static SettingKey j1939(const QString &name) { return {name, Table::J1939}; }
+    [[nodiscard]] static SettingKey energyBus(const QString &name)
+    {
+        return {name, Table::EnergyBus};
+    }
+    [[nodiscard]] static SettingKey misc(const QString &name) { return {name, Table::Misc}; }
+    [[nodiscard]] static SettingKey description(const QString &name)
+    {
+        return {name, Table::Description};
+    }
 
     QString name;
-    SettingTable table = SettingTable::General;
+    Table table = Table::General;
 };
 
 /// Reads the settings of a project as what they mean. Owns nothing and caches nothing: each call
@@ -57,6 +63,8 @@ public:
     [[nodiscard]] QString lineText(const SettingKey &key, quint8 line,
                                    Beyond beyond = Beyond::LastItem) const;
 
+    /// A count above 0.
+    [[nodiscard]] bool isOn(const SettingKey &key) const { return count(key) > 0; }
     /// The word "true".
     [[nodiscard]] bool isTrue(const SettingKey &key) const;
     [[nodiscard]] int decimal(const SettingKey &key) const;
