@@ -9,6 +9,7 @@
 #include "importgui/fileimportdialog.h"
 #include "session/projectlines.h"
 #include "session/projectsession.h"
+#include "store/projectsettings.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 
@@ -37,8 +38,8 @@ bool ImportController::hasDictionary()
 {
     ObjectDataBase &store = m_context.session().store();
     const LineType &type = LineType::of(store.getLineType(m_context.currentLine()));
-    const QString server = QStringLiteral("cia510serversupport");
-    if (type.hasCANopen || (type.hasJ1939 && store.getJ1939Setting(server).toInt() == 1))
+    const SettingKey server = SettingKey::j1939(QStringLiteral("cia510serversupport"));
+    if (type.hasCANopen || (type.hasJ1939 && ProjectSettings(store).decimal(server) == 1))
         return true;
     m_context.showError(
         tr("Line %1 has no CANopen object dictionary.").arg(m_context.currentLine()));

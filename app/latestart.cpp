@@ -6,6 +6,7 @@
 #include "import/importhandler.h"
 #include "store/databasemodifier.h"
 #include "store/edition.h"
+#include "store/projectsettings.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -118,14 +119,14 @@ void enterNetworkToolMode(VxmMainWindow &window)
     if (!window.options().generate)
         window.setActionEnabled("actionGenerate_Output", false);
 
-    const auto lowByte = [&](const QString &key) {
-        return window.database().getGeneralLineSetting(key, 0).toUInt(nullptr, 0) & 0xFFU;
+    const auto lowByte = [&](const char *key) {
+        return static_cast<uint>(ProjectSettings(window.database()).lineNumber(key, 0) & 0xFFU);
     };
     QString title = QStringLiteral("tolvex device systems - CANopen Quillforge %1 invoked by "
                                    "CANopen Tessmark for Node %2")
                         .arg(QCoreApplication::applicationVersion())
-                        .arg(lowByte(QStringLiteral("co_node_id")));
-    if (const uint network = lowByte(QStringLiteral("co_network_id")); network != 0)
+                        .arg(lowByte("co_node_id"));
+    if (const uint network = lowByte("co_network_id"); network != 0)
         title += QStringLiteral(" (network %1)").arg(network);
     window.setToolTitle(title);
 }

@@ -17,6 +17,7 @@
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
 #include "session/projectlines.h"
+#include "store/projectsettings.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
@@ -259,8 +260,8 @@ PageContext VxmMainWindow::pageContext() const
     PageContext context{.line = m_line};
     if (const auto &store = m_session->sharedStore(); store != nullptr) {
         context.lineType = store->getLineType(m_line);
-        const QString server = QStringLiteral("cia510serversupport");
-        context.hasSdoServer = store->getJ1939Setting(server).toInt() == 1;
+        const SettingKey server = SettingKey::j1939(QStringLiteral("cia510serversupport"));
+        context.hasSdoServer = ProjectSettings(*store).decimal(server) == 1;
     }
     return context;
 }

@@ -2,6 +2,7 @@
 
 #include "generators/base/outputfile.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -120,7 +121,7 @@ void AbstractGenerator::doJob()
     if (m_store)
         m_store->setGenerating(true);
     m_generateML =
-        m_store && m_store->getMiscSetting(QStringLiteral("generateML")) == QLatin1String("true");
+        m_store && ProjectSettings(*m_store).isTrue(SettingKey::misc(QStringLiteral("generateML")));
 
     if (m_errorCode == 0)
         writeOutput();

@@ -1,6 +1,6 @@
 #include "generators/base/commongeneratorhelper.h"
 
-#include "canopen/numbertext.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 
@@ -45,13 +45,13 @@ CommonGeneratorHelper::CommonGeneratorHelper(ObjectDataBase *store, bool isV4)
 
 int CommonGeneratorHelper::number(const char *key) const
 {
-    return m_store ? m_store->getGeneralSetting(QLatin1String(key)).toInt(nullptr, 0) : 0;
+    return m_store ? static_cast<int>(ProjectSettings(*m_store).number(key)) : 0;
 }
 
 quint32 CommonGeneratorHelper::j1939Number(const char *key) const
 {
-    const QString text = m_store ? m_store->getJ1939Setting(QLatin1String(key)) : QString();
-    return NumberText::toUnsigned32(text, NumberText::Base::Decimal).value_or(0);
+    const SettingKey j1939 = SettingKey::j1939(QLatin1String(key));
+    return m_store ? ProjectSettings(*m_store).count(j1939) : 0;
 }
 
 int CommonGeneratorHelper::initStructureVersion(InitStructure structure) const
@@ -85,10 +85,9 @@ bool CommonGeneratorHelper::hasUds(quint8 line) const
 {
     if (!m_store)
         return false;
-    const auto isOn = [&](const char *key) {
-        return m_store->getGeneralLineSetting(QLatin1String(key), line).toInt(nullptr, 0) > 0;
-    };
-    return isOn("udsserver_supported") || isOn("udsclient_supported");
+    const ProjectSettings settings(*m_store);
+    return settings.lineNumber("udsserver_supported", line) > 0 ||
+           settings.lineNumber("udsclient_supported", line) > 0;
 }
 
 bool CommonGeneratorHelper::hasUds() const

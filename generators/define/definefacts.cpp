@@ -63,7 +63,7 @@ private:
 
     ObjectDataBase &m_store;
     CommonGeneratorHelper m_helper;
-    DefineSettings m_settings;
+    ProjectSettings m_settings;
     bool m_isV4;
     DefineFacts m_facts;
 };
@@ -77,7 +77,7 @@ DefineFacts Collector::run(const std::function<bool()> &stop)
     m_facts.hasIsoTp = m_helper.hasIsoTp();
     selectLines();
     m_facts.isMaster = std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [&](const Line &l) {
-        return m_settings.lineNumber(QStringLiteral("nmtmaster"), l.line) > 0;
+        return m_settings.lineCount(QStringLiteral("nmtmaster"), l.line) > 0;
     });
     m_facts.hasFlyingMaster = hasFlyingMaster();
     for (Line &line : m_facts.lines) {
@@ -134,7 +134,7 @@ quint64 Collector::value(quint8 line, quint16 index, quint8 sub) const
 
 quint32 Collector::bufferSize(const QString &key, quint8 line, quint32 offered) const
 {
-    const quint32 size = m_settings.lineNumber(key, line);
+    const quint32 size = m_settings.lineCount(key, line);
     return size > 0 ? size : offered;
 }
 
@@ -145,10 +145,10 @@ void Collector::collectLine(Line &line)
     line.profile = quint32(value(number, deviceType, m_facts.fdMode ? 1 : 0) & 0xFFFF);
     line.activeErrorHistory = entries(number, activeErrorHistory);
     line.storeEntries = std::max(entries(number, storeObject), entries(number, restoreObject));
-    line.routings = m_settings.lineNumber(QStringLiteral("routing_counts"), number);
+    line.routings = m_settings.lineCount(QStringLiteral("routing_counts"), number);
     if (m_isV4)
         line.routings = std::max(line.routings, entries(number, routingObject));
-    const quint32 chosen = m_settings.lineNumber(QStringLiteral("max_slave_assignment"), number);
+    const quint32 chosen = m_settings.lineCount(QStringLiteral("max_slave_assignment"), number);
     const auto possible = quint32(line.counts.slaveAssignments);
     line.maximumAssignments = chosen > 0 ? std::min(chosen, possible) : possible;
     if (line.hasJ1939)
@@ -164,7 +164,7 @@ void Collector::collectSettings(Line &line)
 {
     const quint8 number = line.line;
     const auto setting = [&](const char *key) {
-        return m_settings.lineNumber(QLatin1String(key), number);
+        return m_settings.lineCount(QLatin1String(key), number);
     };
     constexpr quint32 offeredReceiveSize = 10;
     constexpr quint32 offeredTransmitSize = 5;
@@ -258,48 +258,6 @@ bool Collector::hasFlyingMaster() const
 }
 
 } // namespace
-
-// --- Settings ------------------------------------------------------------------------------------
-
-QString DefineSettings::text(const QString &key) const
-{
-    return m_store.getGeneralSetting(key);
-}
-
-quint32 DefineSettings::number(const QString &key) const
-{
-    return toNumber(text(key));
-}
-
-QString DefineSettings::lineText(const QString &key, quint8 line) const
-{
-    return m_store.getGeneralLineSetting(key, line);
-}
-
-quint32 DefineSettings::lineNumber(const QString &key, quint8 line) const
-{
-    return toNumber(lineText(key, line));
-}
-
-quint32 DefineSettings::j1939Number(const QString &key) const
-{
-    return toNumber(m_store.getJ1939Setting(key));
-}
-
-quint32 DefineSettings::toNumber(const QString &text)
-{
-    QString digits = text.trimmed();
-    // "1,0" of a value that has one item a line, asked for the project: on if the first one is.
-    if (const qsizetype comma = digits.indexOf(QLatin1Char(',')); comma >= 0)
-        digits = digits.first(comma).trimmed();
-    bool ok = false;
-    quint32 value = digits.toUInt(&ok, 0);
-    // A leading zero is no octal mark for who types "08" into a field of numbers.
-    if (!ok || (digits.startsWith(QLatin1Char('0')) &&
-                !digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)))
-        value = digits.toUInt(&ok, 10);
-    return ok ? value : 0;
-}
 
 // --- Sums ----------------------------------------------------------------------------------------
 

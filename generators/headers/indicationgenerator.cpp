@@ -5,6 +5,7 @@
 #include "generators/base/dictionaryfacts.h"
 #include "generators/base/indicationtable.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 
@@ -76,8 +77,8 @@ QString indicationgenerator::prototypes(bool hasLines) const
 
 QString indicationgenerator::udsPrototypes() const
 {
-    const QString isBound = store()->getGeneralSetting(QStringLiteral("uds_static_indication"));
-    if (!m_dialect.isV4 || isBound.trimmed().toInt() != 1)
+    const bool isBound = ProjectSettings(*store()).decimal("uds_static_indication") == 1;
+    if (!m_dialect.isV4 || !isBound)
         return {};
     QString text;
     for (const IndicationTable::UdsBinding &binding : IndicationTable::udsBindings()) {
@@ -95,7 +96,7 @@ QString indicationgenerator::udsPrototypes() const
 /// nothing in it ends the comment.
 QString indicationgenerator::note(const char *key) const
 {
-    QString text = store()->getGeneralSetting(QLatin1String("note_") + QLatin1String(key));
+    QString text = ProjectSettings(*store()).text(QLatin1String("note_") + QLatin1String(key));
     if (text.isEmpty())
         return {};
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
