@@ -98,7 +98,11 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     showFileOfProject();
 }
 
-VxmMainWindow::~VxmMainWindow() = default;
+VxmMainWindow::~VxmMainWindow()
+{
+    // The pages go one by one, and nobody is there any more to whom the next one could be shown.
+    disconnect(ui->toolBox, nullptr, this, nullptr);
+}
 
 void VxmMainWindow::decorate()
 {
