@@ -1,9 +1,8 @@
 #include "import/edsimporter.h"
 
 #include "canopen/cohelper.h"
-#include "canopen/edsobjectreader.h"
 #include "canopen/edsparser.h"
-#include "canopen/edsvalue.h"
+#include "canopen/numbertext.h"
 #include "canopen/objectranges.h"
 #include "import/objectwriter.h"
 #include "import/pdocompletion.h"
@@ -101,7 +100,7 @@ void takeMappingValue(Entry &data, const QString &value)
 
 quint32 numberOf(const QString &setting)
 {
-    return setting.trimmed().toUInt(nullptr, 0);
+    return NumberText::toUnsigned32(setting).value_or(0);
 }
 
 } // namespace
