@@ -1,7 +1,7 @@
 #include "app/latestart.h"
 
 #include "app/vxmmainwindow.h"
-#include "import/basedataimporter.h"
+#include "import/dictionaryimporter.h"
 #include "import/fileimportformat.h"
 #include "import/importhandler.h"
 #include "store/databasemodifier.h"
@@ -47,7 +47,7 @@ void importIntoLineZero(VxmMainWindow &window)
     const FileImportFormat *format = FileImportFormat::of(*path);
     if (format == nullptr || !format->is(FileImportFormat::Batch))
         return;
-    const std::unique_ptr<BaseDataImporter> importer = format->make();
+    const std::unique_ptr<BaseDataImporter> importer = format->make(nullptr);
     importer->setLine(0);
     importer->setDatabase(&window.database());
     importer->setRange(firstImported, lastImported);

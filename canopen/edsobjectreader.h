@@ -2,8 +2,8 @@
 
 #include "canopen/canopenindex.h"
 #include "canopen/canopensubindex.h"
-#include "canopen/edsmessages.h"
 #include "canopen/edstext.h"
+#include "canopen/importresult.h"
 
 #include <QHash>
 
@@ -18,9 +18,7 @@ public:
     /// Subindices that an object can have behind subindex 0 (CiA 301; 255 is the structure).
     static constexpr quint32 mostCompactEntries = 254;
 
-    EdsObjectReader(const EdsText &text, EdsMessages &messages) : m_text(text), m_messages(messages)
-    {
-    }
+    EdsObjectReader(const EdsText &text, ImportResult &result) : m_text(text), m_result(result) {}
 
     struct Object
     {
@@ -120,6 +118,6 @@ private:
     void completeCount(CANopenSubindex &record, const Owner &owner, int line, const Where &where);
 
     const EdsText &m_text;
-    EdsMessages &m_messages;
+    ImportResult &m_result;
     QHash<QByteArray, UnknownKey> m_unknownKeys;
 };

@@ -12,10 +12,9 @@
 namespace {
 
 using Entry = ObjectDataBase::SUBINDEX_DATA_T;
+using Note = ImportResult::Kind;
 
-constexpr qsizetype mostEntries = 500000;
 constexpr qsizetype batchSize = 5000;
-constexpr int mostMessages = 500;
 
 bool isOn(const QString &text)
 {
@@ -108,43 +107,35 @@ bool CsvImporter::Object::isCompound() const
     return data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD;
 }
 
-void CsvImporter::doImport()
+bool CsvImporter::import()
 {
-    run([this] {
-        m_copies.clear();
-        m_deletes.clear();
-        m_objects.clear();
-        m_entryCount = 0;
-        m_told = 0;
-        m_droppedCount = 0;
-        if (store())
-            read();
-        m_objects.clear();
-    });
-}
-
-void CsvImporter::read()
-{
+    m_commands = {};
     CsvReader reader;
     if (!reader.load(fileName())) {
         reportError(reader.errorText());
-        return;
+        return true;
     }
     const bool isRead = readRows(reader);
     bool done = true;
     if (isRead && !isCancelled()) {
         complete();
+        setReadCount(static_cast<qsizetype>(m_objects.size()));
         done = write();
-        if (m_droppedCount > 0)
-            reportMessage(QStringLiteral("%1: %2").arg(fileName(),
-                                                       ObjectWriter::droppedText(m_droppedCount)));
+        noteDropped(m_droppedCount);
         if (m_runsCommands && !isCancelled())
-            runCommands(*store(), line(), m_copies, m_deletes);
+            m_commands.run(*store(), line());
     }
     // Batches and reads have filled and passed the caches.
     store()->clearSubCaches();
-    if (!done)
-        reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+    return done;
+}
+
+/// The commands are asked for afterwards.
+void CsvImporter::reset()
+{
+    m_objects.clear();
+    m_entryCount = 0;
+    m_droppedCount = 0;
 }
 
 bool CsvImporter::readRows(CsvReader &reader)
@@ -154,9 +145,9 @@ bool CsvImporter::readRows(CsvReader &reader)
     int percent = 0;
     for (;;) {
         const CsvReader::Kind kind = reader.next(row, command);
-        const QList<CsvReader::Problem> problems = reader.takeProblems();
-        for (const CsvReader::Problem &problem : problems)
-            tell(problem.lineNumber, problem.text);
+        const QList<ImportResult::Note> problems = reader.takeProblems();
+        for (const ImportResult::Note &problem : problems)
+            note(problem.kind, problem.line, problem.text);
         if (kind == CsvReader::Kind::End || isCancelled())
             break;
         if (kind == CsvReader::Kind::Command) {
@@ -177,7 +168,7 @@ bool CsvImporter::readRows(CsvReader &reader)
             emit progress(static_cast<quint8>(percent = reached));
     }
     // A file of commands alone needs no table.
-    if (reader.hasIndexColumn() || !m_copies.isEmpty() || !m_deletes.isEmpty())
+    if (reader.hasIndexColumn() || !m_commands.isEmpty())
         return true;
     reportError(tr("%1: The file is not a table of objects; its head line has no column \"index\".")
                     .arg(fileName()));
@@ -186,10 +177,10 @@ bool CsvImporter::readRows(CsvReader &reader)
 
 // --- Commands -------------------------------------------------------------------------------
 
-std::optional<CsvImporter::Address> CsvImporter::addressOf(const QString &index,
-                                                           const QString &subindex) const
+std::optional<DictionaryCommands::Address> CsvImporter::addressOf(const QString &index,
+                                                                  const QString &subindex) const
 {
-    Address address;
+    DictionaryCommands::Address address;
     const int number = CsvReader::number(index, 0xFFFF);
     if (number < 0)
         return std::nullopt;
@@ -213,41 +204,20 @@ void CsvImporter::handleCopyLine(const QStringList &fields, int lineNumber)
     const auto target = addressOf(first, isSubindex ? second : QString());
     const auto source = isSubindex ? addressOf(first, third) : addressOf(second, QString());
     if (target && source)
-        m_copies.append({*target, *source});
+        m_commands.copies.append({*target, *source});
     else
-        tell(lineNumber, tr("The copy command can't be read; it is passed over."));
+        note(Note::PassedOver, lineNumber,
+             tr("The copy command can't be read; it is passed over."));
 }
 
 /// d,index or d,index,subindex
 void CsvImporter::handleDeleteLine(const QStringList &fields, int lineNumber)
 {
     if (const auto address = addressOf(fields.value(1), fields.value(2)))
-        m_deletes.append(*address);
+        m_commands.deletions.append(*address);
     else
-        tell(lineNumber, tr("The delete command can't be read; it is passed over."));
-}
-
-void CsvImporter::runCommands(ObjectDataBase &store, quint8 line, const QList<CopyCommand> &copies,
-                              const QList<Address> &deletes)
-{
-    for (const auto &[target, source] : copies) {
-        if (!target.subindex) {
-            if (store.indexExists(line, source.index) && source.index != target.index)
-                store.copyIndex(line, source.index, line, target.index);
-            continue;
-        }
-        Entry entry;
-        if (store.getSubIndexData(line, source.index, *source.subindex, entry))
-            store.addSubIndex(line, target.index, *target.subindex, entry);
-    }
-    for (const Address &address : deletes) {
-        if (!address.subindex) {
-            if (store.indexExists(line, address.index))
-                store.deleteIndex(line, address.index);
-        } else if (store.subIndexExists(line, address.index, *address.subindex)) {
-            store.deleteSubIndex(line, address.index, *address.subindex);
-        }
-    }
+        note(Note::PassedOver, lineNumber,
+             tr("The delete command can't be read; it is passed over."));
 }
 
 // --- Rows -----------------------------------------------------------------------------------
@@ -257,7 +227,7 @@ void CsvImporter::readRow(const CsvRecord &row)
     const QString indexText = row.text(CsvColumn::Index);
     const int index = CsvReader::number(indexText, 0xFFFF);
     if (index < 0) {
-        tell(row.lineNumber(),
+        note(Note::PassedOver, row.lineNumber(),
              tr("The index '%1' can't be read; the row is passed over.").arg(indexText.left(60)));
         return;
     }
@@ -266,7 +236,7 @@ void CsvImporter::readRow(const CsvRecord &row)
     const QString subText = row.text(CsvColumn::Sub);
     const int subindex = subText.isEmpty() ? 0 : CsvReader::number(subText, 0xFF);
     if (subindex < 0) {
-        tell(row.lineNumber(),
+        note(Note::PassedOver, row.lineNumber(),
              tr("The sub-index '%1' can't be read; the row is passed over.").arg(subText.left(60)));
         return;
     }
@@ -293,7 +263,8 @@ std::optional<quint8> CsvImporter::lineOf(const CsvRecord &row)
     const int number = CsvReader::number(text, ObjectDataBase::comparisonLine - 1);
     if (number >= 0 && (number == line() || store()->lineExists(static_cast<quint8>(number))))
         return static_cast<quint8>(number);
-    tell(row.lineNumber(), tr("The project has no line '%1'; the row is passed over.").arg(text));
+    note(Note::PassedOver, row.lineNumber(),
+         tr("The project has no line '%1'; the row is passed over.").arg(text));
     return std::nullopt;
 }
 
@@ -327,7 +298,8 @@ void CsvImporter::readCode(Object &object, const CsvRecord &row)
         return;
     const CANopen::ObjectCode code = COHelper::string2objectCode(word);
     if (code == CANopen::UNKNOWN_OBJECT) {
-        tell(row.lineNumber(), tr("The object code '%1' is unknown.").arg(word.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The object code '%1' is unknown.").arg(word.left(60)));
         return;
     }
     object.isChanged |= object.data.objecttype != code;
@@ -395,7 +367,7 @@ quint16 CsvImporter::dataTypeOf(const CsvRecord &row, quint16 fallback)
     if (number && *number > 0 && *number <= 0xFFFF)
         return static_cast<quint16>(*number);
     const QString name = COHelper::index2DataTypeString(fallback);
-    tell(row.lineNumber(),
+    note(Note::Mended, row.lineNumber(),
          tr("The data type '%1' is unknown; it becomes %2.")
              .arg(text.left(60), name.isEmpty() ? QString::number(fallback) : name));
     return fallback;
@@ -416,7 +388,8 @@ void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subind
     const QString word = row.text(CsvColumn::Implementation);
     const auto stated = implementationOf(word);
     if (!stated && !word.isEmpty())
-        tell(row.lineNumber(), tr("The implementation '%1' is unknown.").arg(word.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The implementation '%1' is unknown.").arg(word.left(60)));
     if (stated)
         entry.implementation = *stated;
     else if (isNew)
@@ -428,7 +401,8 @@ void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subind
     if (isSize)
         entry.size = size;
     else if (!sizeText.isEmpty())
-        tell(row.lineNumber(), tr("The size '%1' can't be read.").arg(sizeText.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The size '%1' can't be read.").arg(sizeText.left(60)));
 
     const QString name = row.text(CsvColumn::VarName);
     if (!name.isEmpty() || (row.has(CsvColumn::VarName) && stated))
@@ -453,9 +427,9 @@ void CsvImporter::completeObject(const Key &key, Object &object)
     const bool hasElements = !object.entries.empty() && object.entries.rbegin()->first > 0;
     if (object.isCodeAssumed && hasElements) {
         object.data.objecttype = CANopen::RECORD;
-        reportMessage(
-            tr("%1: 0x%2 has no object code but several sub-indices; it becomes a record.")
-                .arg(fileName(), IndexText::digits(key.second)));
+        note(Note::Mended, 0,
+             tr("0x%1 has no object code but several sub-indices; it becomes a record.")
+                 .arg(IndexText::digits(key.second)));
     }
     if (object.isNew && object.data.objecttype == CANopen::ARRAY && !object.entries.contains(0)) {
         Entry count;
@@ -517,11 +491,4 @@ bool CsvImporter::write()
     }
     flush();
     return done;
-}
-
-void CsvImporter::tell(int lineNumber, const QString &text)
-{
-    if (++m_told <= mostMessages)
-        reportMessage(
-            QStringLiteral("%1:%2: %3").arg(fileName(), QString::number(lineNumber), text));
 }

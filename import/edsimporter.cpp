@@ -112,33 +112,31 @@ EDSImporter::~EDSImporter()
     wait();
 }
 
-void EDSImporter::doImport()
+bool EDSImporter::import()
 {
-    run([this] {
-        if (!store())
-            return;
-        m_writer = std::make_unique<ObjectWriter>(*store(), line());
-        m_madeCounts.clear();
-        if (read()) {
-            emit progress(50);
-            const QStringList mended = m_madeCounts.mend(*m_writer);
-            for (const QString &text : mended)
-                tell(text);
-            m_hasDynamicMapping = hasDynamicMapping(m_writer->entries());
-            bool done = m_writer->write();
-            if (const int dropped = m_writer->droppedCount(); dropped > 0)
-                tell(ObjectWriter::droppedText(dropped));
-            emit progress(85);
-            store()->setDescriptionLine(line());
-            done &= importDeviceData();
-            done &= completePdos();
-            done &= permitDynamicMapping();
-            if (!done)
-                reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
-        }
-        m_parser.reset();
-        m_writer.reset();
-    });
+    m_writer = std::make_unique<ObjectWriter>(*store(), line());
+    if (!read())
+        return true;
+    emit progress(50);
+    const QStringList mended = m_madeCounts.mend(*m_writer);
+    for (const QString &text : mended)
+        note(ImportResult::Kind::Mended, 0, text);
+    m_hasDynamicMapping = hasDynamicMapping(m_writer->entries());
+    setReadCount(m_writer->objectCount());
+    bool done = m_writer->write();
+    noteDropped(m_writer->droppedCount());
+    emit progress(85);
+    store()->setDescriptionLine(line());
+    done &= importDeviceData();
+    done &= completePdos();
+    return permitDynamicMapping() && done;
+}
+
+void EDSImporter::reset()
+{
+    m_parser.reset();
+    m_writer.reset();
+    m_madeCounts.clear();
 }
 
 bool EDSImporter::read()
@@ -147,11 +145,7 @@ bool EDSImporter::read()
     connect(m_parser.get(), &EdsParser::newIndex, this, &EDSImporter::newIndex);
     connect(m_parser.get(), &EdsParser::newSubIndex, this, &EDSImporter::newSubIndex);
     const bool loaded = m_parser->LoadEds(fileName());
-    const QStringList messages = m_parser->messages();
-    for (const QString &message : messages)
-        reportMessage(message);
-    if (!loaded)
-        reportError(m_parser->errorString());
+    adopt(m_parser->result());
     return loaded;
 }
 
@@ -170,7 +164,7 @@ void EDSImporter::newIndex(const CANopen::CANopenIndex &record)
     m_writer->addObject(record.index, data);
     if (record.compactSubObj > 0)
         addCompactEntries(record);
-    emit BaseDataImporter::newIndex(record);
+    emit DictionaryImporter::newIndex(record);
 }
 
 void EDSImporter::addCompactEntries(const CANopen::CANopenIndex &record)
@@ -230,7 +224,7 @@ void EDSImporter::newSubIndex(const CANopenSubindex &record)
         else
             m_madeCounts.remove(record.index);
     }
-    emit BaseDataImporter::newSubIndex(record);
+    emit DictionaryImporter::newSubIndex(record);
 }
 
 bool EDSImporter::importDeviceData()
@@ -246,7 +240,7 @@ bool EDSImporter::importDeviceData()
         m_parser->deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("Granularity"));
     if (!granularity.isEmpty()) {
         // The setting is a decimal number, which a file need not write.
-        const auto number = EdsValue::number(granularity.toLatin1());
+        const auto number = NumberText::toUnsigned32(granularity);
         done &= store()->setDescriptionSetting(QStringLiteral("Granularity"),
                                                number ? QString::number(*number) : granularity);
     }
@@ -272,11 +266,7 @@ bool EDSImporter::permitDynamicMapping()
     const QString key = QStringLiteral("Granularity");
     if (!m_hasDynamicMapping || numberOf(store()->getDescriptionSetting(key)) != 0)
         return true;
-    tell(tr("PDO mappings can be changed, which a granularity of 0 denies; it becomes 8."));
+    note(ImportResult::Kind::Mended, 0,
+         tr("PDO mappings can be changed, which a granularity of 0 denies; it becomes 8."));
     return store()->setDescriptionSetting(key, QStringLiteral("8"));
-}
-
-void EDSImporter::tell(const QString &text)
-{
-    reportMessage(QStringLiteral("%1: %2").arg(fileName(), text));
 }

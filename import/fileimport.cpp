@@ -1,6 +1,7 @@
 #include "import/fileimport.h"
 
 #include "canopen/indextext.h"
+#include "import/dictionaryimporter.h"
 #include "import/vxmpimporter.h"
 
 #include <QFileInfo>
@@ -75,10 +76,9 @@ void FileImport::clear()
     if (m_isRunning)
         return;
     m_objects.clear();
-    m_messages.clear();
+    m_result = {};
     m_sourceLines.clear();
-    m_copies.clear();
-    m_deletes.clear();
+    m_commands = {};
     m_resultText.clear();
 }
 
@@ -106,12 +106,11 @@ QString FileImport::read(const FileImportOptions &options)
         return tr("There is no room for the objects of the file: %1")
             .arg(m_scratch.lastErrorText());
 
-    m_importer = format->make();
+    m_importer = format->make(&options);
     m_importer->setLine(staging);
     m_importer->setDatabase(&m_scratch);
     m_importer->setRange(options.low, options.high);
     m_importer->setFile(options.path);
-    format->setUp(*m_importer, options);
     connect(m_importer.get(), &BaseDataImporter::progress, this, [this](quint8 percent) {
         if (percent >= complete)
             listObjects();
@@ -146,14 +145,10 @@ void FileImport::listObjects()
 void FileImport::finishRead()
 {
     m_worker->wait();
-    const QString error = m_importer->errorString();
-    m_messages = m_importer->messages();
-    if (auto *projects = qobject_cast<VXMPImporter *>(m_importer.get()))
-        m_sourceLines = projects->sourceLines();
-    if (auto *csv = qobject_cast<CsvImporter *>(m_importer.get())) {
-        m_copies = csv->copyCommands();
-        m_deletes = csv->deleteCommands();
-    }
+    m_result = m_importer->result();
+    const QString error = m_result.error();
+    m_sourceLines = m_importer->sourceLines();
+    m_commands = m_importer->commands();
     m_importer.reset();
     m_isRunning = false;
     Outcome outcome = Outcome::Done;
@@ -163,8 +158,7 @@ void FileImport::finishRead()
         outcome = Outcome::Failed;
     if (outcome != Outcome::Done) {
         m_objects.clear();
-        m_copies.clear();
-        m_deletes.clear();
+        m_commands = {};
     }
     emit progress(complete);
     if (outcome == Outcome::Failed)
@@ -248,7 +242,7 @@ QString FileImport::take(const QList<ImportedItem> &items, ImportedImplementatio
     transfer->setItems(items);
     transfer->setImplementation(kind);
     transfer->setDeviceData(deviceData);
-    transfer->setCommands(m_copies, m_deletes);
+    transfer->setCommands(m_commands);
     runBeside(
         [this, transfer] {
             m_isTakeDone =

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/importresult.h"
 #include "import/fileimportformat.h"
 #include "import/fileimporttransfer.h"
 
@@ -13,7 +14,7 @@
 #include <functional>
 #include <memory>
 
-class BaseDataImporter;
+class DictionaryImporter;
 class ObjectDataBase;
 class QThread;
 class QTemporaryDir;
@@ -65,11 +66,11 @@ public:
     /// The outcome of the last take-over, in words.
     [[nodiscard]] QString resultText() const { return m_resultText; }
     /// What the importer mended or passed over, each as "file:line: text".
-    [[nodiscard]] QStringList messages() const { return m_messages; }
+    [[nodiscard]] QStringList messages() const { return m_result.texts(); }
     /// Of a project; empty for any other file.
     [[nodiscard]] QList<quint8> sourceLines() const { return m_sourceLines; }
     /// The file copies or deletes objects of the project besides.
-    [[nodiscard]] bool hasCommands() const { return !m_copies.isEmpty() || !m_deletes.isEmpty(); }
+    [[nodiscard]] bool hasCommands() const { return !m_commands.isEmpty(); }
     /// Subindices of an object of the file with their names, ascending.
     [[nodiscard]] QList<std::pair<quint8, QString>> subindices(quint16 index) const;
     [[nodiscard]] static QString implementationText(ImportedImplementation kind);
@@ -97,7 +98,7 @@ private:
     ObjectDataBase &m_project;
     ObjectDataBase &m_scratch;
     quint8 m_line;
-    std::unique_ptr<BaseDataImporter> m_importer;
+    std::unique_ptr<DictionaryImporter> m_importer;
     std::unique_ptr<QThread> m_worker;
     std::unique_ptr<QTemporaryDir> m_safety; ///< the project as it was before a take-over
     std::atomic<bool> m_cancelled{false};
@@ -109,9 +110,8 @@ private:
 
     QList<Object> m_objects;
     QSet<quint16> m_existing;
-    QStringList m_messages;
+    ImportResult m_result;
     QList<quint8> m_sourceLines;
-    QList<CsvImporter::CopyCommand> m_copies;
-    QList<CsvImporter::Address> m_deletes;
+    DictionaryCommands m_commands;
     QString m_resultText;
 };

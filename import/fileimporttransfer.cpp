@@ -63,13 +63,6 @@ FileImportTransfer::FileImportTransfer(ObjectDataBase &target, quint8 line, Obje
 {
 }
 
-void FileImportTransfer::setCommands(const QList<CsvImporter::CopyCommand> &copies,
-                                     const QList<CsvImporter::Address> &deletes)
-{
-    m_copies = copies;
-    m_deletes = deletes;
-}
-
 bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
                              const std::function<void(int)> &progress)
 {
@@ -86,7 +79,7 @@ bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
         return false;
     if (m_deviceData)
         done = takeDeviceData();
-    CsvImporter::runCommands(m_target, m_line, m_copies, m_deletes);
+    m_commands.run(m_target, m_line);
     return done && !cancelled;
 }
 

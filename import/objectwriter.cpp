@@ -2,7 +2,6 @@
 
 #include "dictionary/entryrules.h"
 #include <QCoreApplication>
-
 #include <algorithm>
 
 void ObjectWriter::addObject(quint16 index, const ObjectDataBase::INDEX_DATA_T &data)
@@ -72,14 +71,6 @@ void ObjectWriter::flagDomains()
             entry.data.writedefaulttoeds = 1;
         }
     }
-}
-
-QString ObjectWriter::droppedText(int count)
-{
-    return QCoreApplication::translate("ObjectWriter",
-                                       "Arrays or records have become variables; subindices that "
-                                       "went with that: %1.")
-        .arg(count);
 }
 
 bool ObjectWriter::write()

@@ -30,8 +30,6 @@ public:
     bool write();
     /// Subindices that the last `write` took away, since their records have become variables.
     [[nodiscard]] int droppedCount() const { return m_droppedCount; }
-    /// The sentence that tells of them.
-    [[nodiscard]] static QString droppedText(int count);
 
     /// What an entry needs beyond its file, so that the generators can place it: strings and
     /// domains get a kind of implementation that they may have, a variable's name and a size.

@@ -2,6 +2,7 @@
 
 #include "canopen/cobid.h"
 #include "canopen/edsobjectreader.h"
+#include "canopen/indextext.h"
 #include "canopen/objectranges.h"
 #include "import/objectwriter.h"
 
@@ -18,11 +19,6 @@ constexpr quint16 mappingDistance = 0x200; ///< from communication parameters to
 QString tr(const char *text)
 {
     return QCoreApplication::translate("PdoMappingCounts", text);
-}
-
-QString hexText(quint16 index)
-{
-    return QStringLiteral("0x%1").arg(index, 4, 16, QLatin1Char('0'));
 }
 
 bool isEmpty(const Entry *entry)
@@ -61,7 +57,7 @@ QString disablePdo(const Object &communication, quint16 index)
     if (cobId->defaultvalue == before)
         return {};
     return tr("%1 maps nothing; its PDO is disabled by the COB-ID %2.")
-        .arg(hexText(index), cobId->defaultvalue);
+        .arg(IndexText::hex(index), cobId->defaultvalue);
 }
 
 } // namespace
@@ -97,7 +93,7 @@ QStringList PdoMappingCounts::mend(ObjectWriter &writer) const
         sentences.append(
             (isDynamic ? tr("%1 maps %2 of %3 entries; its subindex 0 says so.")
                        : tr("%1 maps %2 of %3 entries and is fixed; the others are left out."))
-                .arg(hexText(index))
+                .arg(IndexText::hex(index))
                 .arg(used)
                 .arg(last));
         if (!isDynamic)

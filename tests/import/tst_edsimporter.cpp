@@ -526,7 +526,7 @@ private slots:
         const Store store = ImportSupport::newStore();
         const QString before = store->contentHash();
         EDSImporter importer;
-        QObject::connect(&importer, &BaseDataImporter::newIndex, [&] { importer.cancel(); });
+        QObject::connect(&importer, &DictionaryImporter::newIndex, [&] { importer.cancel(); });
         ImportSupport::run(importer, *store,
                            QStringLiteral(QUILLFORGE_SOURCE_DIR "/tests/import/device.eds"));
         QVERIFY(importer.errorString().contains(u"stopped"_s));

@@ -439,12 +439,12 @@ private slots:
         const QTemporaryDir folder;
         EdsParser parser;
         QVERIFY(!parser.LoadEds(folder.filePath(u"none.eds"_s)));
-        QVERIFY(parser.errorString().contains(u"can't be opened"_s));
+        QVERIFY(parser.result().error().contains(u"can't be opened"_s));
         QVERIFY(!parser.LoadEds(folder.path()));
         QFile large(folder.filePath(u"large.eds"_s));
         QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(200 * 1024 * 1024));
         QVERIFY(!parser.LoadEds(large.fileName()));
-        QVERIFY(parser.errorString().contains(u"larger than 64 MB"_s));
+        QVERIFY(parser.result().error().contains(u"larger than 64 MB"_s));
         QVERIFY(!parser.LoadEds(u"/dev/zero"_s));
     }
 
