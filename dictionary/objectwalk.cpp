@@ -72,9 +72,13 @@ quint8 DictionaryObject::highest() const
 
 bool DictionaryObject::isShared() const
 {
-    return index >= ObjectRanges::manufacturer.low &&
-           std::ranges::any_of(entries,
-                               [](const DictionaryEntry &entry) { return entry.data.sharedlines; });
+    return std::ranges::any_of(entries,
+                               [this](const DictionaryEntry &entry) { return isShared(entry); });
+}
+
+bool DictionaryObject::isShared(const DictionaryEntry &entry) const
+{
+    return index >= ObjectRanges::manufacturer.low && entry.data.sharedlines;
 }
 
 DictionaryObject readDictionaryObject(ObjectDataBase &store, quint8 line, quint16 index)

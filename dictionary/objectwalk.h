@@ -38,6 +38,8 @@ struct DictionaryObject
     /// At least one subindex is shared over the lines, and the object is one that may be: the
     /// communication objects are each line's own.
     [[nodiscard]] bool isShared() const;
+    /// The same of one of its subindices.
+    [[nodiscard]] bool isShared(const DictionaryEntry &entry) const;
 };
 
 /// Reads one object; an object that the line doesn't have gives one without a name and subindices.
