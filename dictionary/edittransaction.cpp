@@ -57,6 +57,7 @@ EditTransaction::Change &EditTransaction::load(quint8 line, quint16 index)
     if (isNew && m_store.indexExists(line, index)) {
         place->second.before = readDictionaryObject(m_store, line, index);
         place->second.after = place->second.before;
+        m_isWhole &= place->second.before->isWhole();
     }
     return place->second;
 }
@@ -91,6 +92,7 @@ DictionaryObject &EditTransaction::put(quint8 line, const DictionaryObject &obje
 {
     Change &change = load(line, object.index);
     change.isReplaced = change.before.has_value();
+    m_isWhole &= object.isWhole();
     change.after = object;
     present(line)[object.index] = true;
     return *change.after;
@@ -269,6 +271,9 @@ EditResult EditTransaction::commit()
     const Writes writes = collect(false);
     if (writes.size() == 0)
         return EditResult::done();
+    if (!m_isWhole)
+        return EditResult::refused(QCoreApplication::translate(
+            "DictionaryEdit", "Not all objects could be read; nothing was changed."));
     if (m_store.writesBlocked() || m_store.isGenerating())
         return EditResult::refused(QCoreApplication::translate(
             "DictionaryEdit", "The project can't be changed while something else works on it."));

@@ -67,6 +67,7 @@ private:
 
     ObjectDataBase &m_store;
     std::map<Key, Change> m_changes;
+    bool m_isWhole = true; ///< every object could be read; what could not must not be written
     QHash<quint8, std::vector<bool>> m_present; ///< line to which indices it has
 };
 

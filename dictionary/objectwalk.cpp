@@ -26,6 +26,11 @@ void read(ObjectDataBase &store, quint8 line, quint16 index, DictionaryObject &o
 
 } // namespace
 
+bool DictionaryObject::isWhole() const
+{
+    return isReadable && std::ranges::all_of(entries, &DictionaryEntry::isReadable);
+}
+
 bool DictionaryObject::isCompound() const
 {
     return data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD;

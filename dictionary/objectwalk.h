@@ -23,6 +23,8 @@ struct DictionaryObject
     ObjectDataBase::INDEX_DATA_T data;
     std::vector<DictionaryEntry> entries;
 
+    /// The store could give all of it.
+    [[nodiscard]] bool isWhole() const;
     /// An array or a record, whose entries have names of their own.
     [[nodiscard]] bool isCompound() const;
     /// The type of the object; that of its value for a variable that has none itself.
