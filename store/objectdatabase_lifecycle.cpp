@@ -87,11 +87,13 @@ void ObjectDataBase::State::clearCaches()
         const std::scoped_lock lock(orderMutex);
         intoClauses.clear();
     }
-    signalCache.clear();
+    pgns.clear();
+    canIds.clear();
 }
 
 ObjectDataBase::ObjectDataBase(QObject *parent)
-    : QObject(parent), d(std::make_unique<State>(QStringLiteral("db%1").arg(++instanceCount)))
+    : QObject(parent),
+      d(std::make_unique<State>(*this, QStringLiteral("db%1").arg(++instanceCount)))
 {
     const QSqlError error = d->runner.database().lastError();
     if (!d->runner.database().isValid() || error.isValid()) {
@@ -99,7 +101,7 @@ ObjectDataBase::ObjectDataBase(QObject *parent)
         qDebug() << "Db drivers: " << QSqlDatabase::drivers();
         qDebug() << "Db last error: " << error.text();
     }
-    d->runner.setWriteHandler([this] { emit databaseWriteExecuted(); });
+    d->runner.setWriteHandler([this] { d->tellWrite(); });
 }
 
 ObjectDataBase::~ObjectDataBase()
@@ -141,18 +143,17 @@ bool ObjectDataBase::makeEmptyProject()
 }
 
 /// A generator reads the project to its end; one that is blocked can't be filled.
-bool ObjectDataBase::mayBeReplaced()
+bool ObjectDataBase::State::mayBeReplaced()
 {
-    if (!d->refusesWrites())
+    if (!refusesWrites() && bulk.thread.load() == nullptr)
         return true;
-    d->lastError =
-        QStringLiteral("The project is in use; another one can't be opened or made now.");
+    lastError = QStringLiteral("The project is in use; another one can't be opened or made now.");
     return false;
 }
 
 bool ObjectDataBase::createNewDataBase()
 {
-    if (!mayBeReplaced())
+    if (!d->mayBeReplaced())
         return false;
     d->lastError.clear();
     const State::Former former = d->present();
@@ -175,7 +176,7 @@ void ObjectDataBase::noteCreator()
 
 bool ObjectDataBase::openDataBase(const QString &path, bool)
 {
-    if (!mayBeReplaced())
+    if (!d->mayBeReplaced())
         return false;
     d->lastError.clear();
     if (path.isEmpty())
@@ -225,7 +226,7 @@ ObjectDataBase::Opened ObjectDataBase::openText(const QString &path)
     }
     d->projectPath = path;
     if (checkExternalModification()) {
-        adaptSignals(getLines());
+        d->adaptSignals(getLines());
         if (!isDamaged())
             return Opened::Yes;
     }
@@ -282,12 +283,12 @@ ObjectDataBase::Opened ObjectDataBase::openSql(const QString &path)
         return Opened::No;
     }
     d->runPragmas(State::cachePagesOpen);
-    runSchemaSteps();
-    if (!editionAllowed()) {
+    d->runSchemaSteps();
+    if (!d->editionAllowed()) {
         d->lastError = QStringLiteral("File was not created with this tool.");
         return Opened::WrongTool;
     }
-    runContentSteps();
+    d->runContentSteps();
     if (!isDamaged())
         return Opened::Yes;
     d->lastError = QStringLiteral("%1: the working copy can't be brought up to date: %2")
@@ -336,7 +337,21 @@ bool ObjectDataBase::executeSql(const QString &statement)
     });
     if (!done)
         d->statementResults.append(d->runner.lastError());
+    d->pgns.dropUnpinned();
+    d->canIds.dropUnpinned();
     return done;
+}
+
+int ObjectDataBase::rowCount(const QString &table)
+{
+    QString name = table;
+    name.replace(u'"', QLatin1String("\"\""));
+    return d->runner.value(QLatin1String("select count(*) from \"") + name + u'"').toInt();
+}
+
+void ObjectDataBase::notify(const ChangeSet &change)
+{
+    d->notify(change);
 }
 
 QStringList ObjectDataBase::statementResults() const
@@ -356,6 +371,11 @@ void ObjectDataBase::setThreadBlock(bool block)
     emit blockStateChanged(block);
 }
 
+void ObjectDataBase::endSilence()
+{
+    blockSignals(false);
+}
+
 bool ObjectDataBase::writesBlocked() const
 {
     return d->refusesWrites();
@@ -366,7 +386,7 @@ void ObjectDataBase::setGenerating(bool generating)
     d->generating = generating;
     // A generator that was stopped leaves behind what it had read.
     if (!generating)
-        d->signalCache.clear();
+        d->pgns.clear();
 }
 
 bool ObjectDataBase::isGenerating() const
