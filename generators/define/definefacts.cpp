@@ -1,6 +1,7 @@
 #include "generators/define/definefacts.h"
 
 #include "canopen/cohelper.h"
+#include "canopen/j1939numbers.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/define/definecobs.h"
@@ -24,7 +25,6 @@ constexpr quint16 nmtStartup = 0x1F80;
 constexpr quint64 flyingMasterBit = 1u << 5; // CiA 302-2
 constexpr quint16 carProfile = 447;
 constexpr quint16 virtualFunctionObject = 0x6000;
-constexpr quint32 addressClaim = 60928;
 
 /// A function or a pointer to one, as "&getNodeId"; what is no plain expression becomes a name.
 QString functionText(const QString &text)
@@ -99,14 +99,15 @@ void Collector::selectLines()
     for (const quint8 number : all) {
         Line line;
         line.line = number;
-        const int type = m_store.getLineType(number);
+        const LineType &type = m_store.lineType(number);
         const DictionaryFacts::LineCounts *counts = m_facts.dictionary.countsOf(number);
         if (counts)
             line.counts = *counts;
         // A line whose type was never set is what its objects make it.
-        line.hasCANopen = type == 1 || type == 5 || type == 6 || (type == 0 && line.counts.objects);
-        line.hasJ1939 = type == 2 || type == 5 || type == 7;
-        line.hasRawCAN = type == 4 || type == 6 || type == 7;
+        line.hasCANopen =
+            type.hasCANopen || (type.number == LineType::Unknown && line.counts.objects);
+        line.hasJ1939 = type.hasJ1939;
+        line.hasRawCAN = type.hasRawCan;
         m_facts.lines.append(line);
     }
     m_facts.hasCANopen = m_facts.any(&Line::hasCANopen);
@@ -209,7 +210,7 @@ void Collector::collectPgns(Line &line)
         for (const quint32 number : m_store.getPGNList(line.line, direction)) {
             ObjectDataBase::PGN pgn;
             if (!m_store.getPGN(line.line, number, direction, pgn) ||
-                (!isReceive && number == addressClaim))
+                (!isReceive && number == J1939::addressClaimed))
                 continue;
             if (m_helper.isSafetyMessage(pgn))
                 countSafePgn(line, pgn);

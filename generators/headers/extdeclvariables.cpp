@@ -3,6 +3,7 @@
 #include "canopen/canopentypes.h"
 #include "canopen/cohelper.h"
 #include "canopen/helper.h"
+#include "canopen/j1939numbers.h"
 #include "dictionary/objectwalk.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
@@ -18,7 +19,6 @@ namespace {
 
 using Row = ExtDeclVariables::Row;
 
-constexpr quint32 addressClaim = 60928;
 constexpr quint32 extendedBit = 0x20000000;
 constexpr quint32 identifierMask = 0x1FFFFFFF;
 
@@ -129,12 +129,12 @@ void Collector::add(const QString &variable, const CType &type, quint32 elements
 
 void Collector::collectLine(quint8 line)
 {
-    const int type = m_store.getLineType(line);
-    if (type == 1 || type == 5 || type == 6)
+    const LineType &type = m_store.lineType(line);
+    if (type.hasCANopen)
         collectObjects(line);
-    if (type == 2 || type == 5 || type == 7)
+    if (type.hasJ1939)
         collectPgns(line);
-    if (type == 4 || type == 6 || type == 7)
+    if (type.hasRawCan)
         collectCanIds(line);
 }
 
@@ -162,7 +162,8 @@ void Collector::collectPgns(quint8 line)
     for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
         for (const quint32 number : m_store.getPGNList(line, direction)) {
             ObjectDataBase::PGN pgn;
-            if (m_stop() || number == addressClaim || !m_store.getPGN(line, number, direction, pgn))
+            if (m_stop() || number == J1939::addressClaimed ||
+                !m_store.getPGN(line, number, direction, pgn))
                 continue;
             comment(QStringLiteral("PGN 0x%1").arg(number, 0, 16));
             const quint32 sources = m_helper.sourceAddresses(pgn);

@@ -3,6 +3,7 @@
 #include "canopen/canopentypes.h"
 #include "canopen/helper.h"
 #include "canopen/indextext.h"
+#include "canopen/j1939numbers.h"
 #include "canopen/objectranges.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr quint32 addressClaim = 60928;
 constexpr quint32 controllerName = 2848; // NAME of controller application (SAE J1939-81)
 constexpr quint32 extendedBit = 0x20000000;
 constexpr const char *entriesName = "S_NUMBER_OF_ENTRIES";
@@ -169,7 +169,7 @@ void Writer::writePgns(quint8 line)
                 qDebug() << "Generation aborted";
                 return;
             }
-            if (number != addressClaim)
+            if (number != J1939::addressClaimed)
                 writePgn(line, number, direction);
         }
     }
@@ -198,8 +198,8 @@ void Writer::writeAddressClaim()
 {
     const QByteArray pgn = prefixed("PGN_ADDRESS_CLAIM");
     if (m_names.take(pgn)) {
-        m_out << "#define " << pgn.constData() << '\t' << addressClaim << "u /* 0x";
-        m_out.hex(addressClaim) << " */\n";
+        m_out << "#define " << pgn.constData() << '\t' << J1939::addressClaimed << "u /* 0x";
+        m_out.hex(J1939::addressClaimed) << " */\n";
     }
     const QByteArray spn = prefixed("SPN_NAME_OF_CONTROLLER_APPLICATION");
     if (m_names.take(spn))
@@ -221,18 +221,6 @@ void Writer::writeCanIds(quint8 line)
             define(m_names.unique(prefixed(text)), "0x" + QByteArray::number(id, 16) + 'u');
         }
     }
-}
-
-struct Protocols
-{
-    bool hasJ1939;
-    bool hasRawCAN;
-};
-
-Protocols protocolsOf(int lineType)
-{
-    return {.hasJ1939 = lineType == 2 || lineType == 5 || lineType == 7,
-            .hasRawCAN = lineType == 4 || lineType == 6 || lineType == 7};
 }
 
 } // namespace
@@ -258,10 +246,10 @@ void IndicesGenerator::writeContent(QIODevice &device)
     for (const quint8 line : lines)
         writer.writeObjects(line);
     for (const quint8 line : lines) {
-        const Protocols protocols = protocolsOf(store()->getLineType(line));
-        if (protocols.hasJ1939)
+        const LineType &type = store()->lineType(line);
+        if (type.hasJ1939)
             writer.writePgns(line);
-        if (protocols.hasRawCAN)
+        if (type.hasRawCan)
             writer.writeCanIds(line);
     }
     out << "#endif /* " << guard << " */\n";
