@@ -22,7 +22,6 @@
 
 namespace {
 
-constexpr quint8 lastCopiedLine = 31;
 constexpr quint32 firstImported = 0x1000;
 constexpr quint32 lastImported = 0xBFFF;
 
@@ -76,7 +75,7 @@ void copyForeignPgns(VxmMainWindow &window)
     }
     ObjectDataBase &target = window.database();
     for (const quint8 line : target.getLines()) {
-        if (line <= lastCopiedLine && source.lineExists(line) &&
+        if (line < LineType::maximumLines && source.lineExists(line) &&
             !ObjectDataBase::copyPGNs(target, source, line, line, J1939::highestPgn))
             std::fprintf(stderr, "The PGNs of line %d of %s could not be copied.\n", line,
                          qUtf8Printable(*path));

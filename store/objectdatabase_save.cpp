@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
+#include <QThread>
 
 namespace {
 
@@ -208,7 +209,8 @@ bool ObjectDataBase::refuseSave(const QString &target, const QString &reason)
 
 bool ObjectDataBase::mayBeSaved(const QString &target)
 {
-    if (d->refusesWrites())
+    // A bulk change of this thread would be saved half done; one of another thread is waited for.
+    if (d->refusesWrites() || d->bulk.thread.load() == QThread::currentThreadId())
         return refuseSave(target, QStringLiteral("a running job uses the project"));
     if (isDamaged())
         return refuseSave(
