@@ -3,6 +3,7 @@
 #include "canopen/objectranges.h"
 #include "compare/recordproperties.h"
 #include "compare/settingscomparison.h"
+#include "compare/settingstables.h"
 
 #include <algorithm>
 #include <array>
@@ -308,8 +309,8 @@ void ProjectComparison::refresh()
 
 QList<quint8> ProjectComparison::lines()
 {
-    const QList<quint8> here = SettingsComparison::lines(m_current);
-    const QList<quint8> there = SettingsComparison::lines(m_other);
+    const QList<quint8> here = SettingsTables::lines(m_current);
+    const QList<quint8> there = SettingsTables::lines(m_other);
     QList<quint8> all;
     std::set_union(here.begin(), here.end(), there.begin(), there.end(), std::back_inserter(all));
     return all;

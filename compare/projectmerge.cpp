@@ -1,14 +1,18 @@
 #include "compare/projectmerge.h"
 
-#include "compare/settingscomparison.h"
+#include "compare/recordproperties.h"
+#include "compare/settingstables.h"
 
 #include <QMap>
 
 namespace ProjectMerge {
 
+using namespace SettingsTables;
+
 namespace {
 
 using SubIndex = ObjectDataBase::SUBINDEX_DATA_T;
+using Table = SettingDifference::Table;
 
 void keepIgnored(SubIndex &data, const SubIndex &here, const IgnoredProperties &ignored)
 {
@@ -123,6 +127,56 @@ bool importElement(ObjectDataBase &current, ObjectDataBase &other, const DiffIte
     return true;
 }
 
+// --- settings -----------------------------------------------------------------------------------
+
+bool takeOverNode(ObjectDataBase &current, ObjectDataBase &other,
+                  const SettingDifference &difference)
+{
+    const ObjectDataBase::NODE_DATA_T there = nodeOf(other, difference.line);
+    for (const auto &property : RecordProperties::properties<ObjectDataBase::NODE_DATA_T>()) {
+        if (difference.key != QLatin1String(property.name))
+            continue;
+        current.setNodeSqlValue(QString::number(difference.line), difference.key,
+                                property.text(there));
+        return true;
+    }
+    return false;
+}
+
+bool addLine(ObjectDataBase &current, ObjectDataBase &other, quint8 line)
+{
+    if (!current.addNode(line, nodeOf(other, line)))
+        return false;
+    for (const KeyTable &table : keyTables()) {
+        const QStringList keys = table.keys(other);
+        const QSet<QString> known(keys.begin(), keys.end());
+        for (const QString &key : keys) {
+            if (belongsToLine(table, key, known, line))
+                table.write(current, key, table.value(other, key));
+        }
+    }
+    return ObjectDataBase::copyLine(current, other, line, line);
+}
+
+bool takeOverLine(ObjectDataBase &current, ObjectDataBase &other, quint8 line)
+{
+    if (other.lineExists(line))
+        return addLine(current, other, line);
+    const QList<quint8> present = lines(current);
+    return line != 0 && !present.isEmpty() && present.last() == line && current.deleteNode(line);
+}
+
+bool takeOverUds(ObjectDataBase &current, const SettingDifference &difference)
+{
+    for (const UdsColumn &column : udsColumns()) {
+        if (difference.key != QLatin1String(column.name))
+            continue;
+        column.write(current, difference.line, UDS::SID(difference.sid), difference.other);
+        return true;
+    }
+    return false;
+}
+
 } // namespace
 
 bool importItem(ObjectDataBase &current, ObjectDataBase &other, const DiffItem &item,
@@ -184,7 +238,24 @@ bool deleteItem(ObjectDataBase &current, const DiffItem &item)
 bool takeOverSetting(ObjectDataBase &current, ObjectDataBase &other,
                      const SettingDifference &difference)
 {
-    return SettingsComparison::takeOver(current, other, difference);
+    if (current.writesBlocked())
+        return false;
+    switch (difference.table) {
+    case Table::Node:
+        return takeOverNode(current, other, difference);
+    case Table::Uds:
+        return takeOverUds(current, difference);
+    case Table::Line:
+        return takeOverLine(current, other, difference.line);
+    default:
+        break;
+    }
+    const auto tables = keyTables();
+    const auto table = std::find_if(tables.begin(), tables.end(), [&](const KeyTable &row) {
+        return row.table == difference.table;
+    });
+    return table != tables.end() &&
+           table->write(current, difference.key, table->value(other, difference.key));
 }
 
 } // namespace ProjectMerge
