@@ -53,6 +53,7 @@ void ManufacturerSegmentForm::makeNewObject()
     form->addRow(tr("&Index:"), m_number);
     form->addRow(tr("&Object type:"), m_objectType);
     form->addRow(QString(), m_hint);
+    button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     form->addRow(QString(), button);
     connect(button, &QPushButton::clicked, this, &ManufacturerSegmentForm::add);
     connect(m_number, &QLineEdit::returnPressed, this, &ManufacturerSegmentForm::add);
@@ -72,6 +73,7 @@ void ManufacturerSegmentForm::makeImported()
     auto *form = new QFormLayout(m_imported);
     form->addRow(tr("Last file:"), m_file);
     form->addRow(tr("O&bject:"), m_objects);
+    m_addImported->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     form->addRow(QString(), m_addImported);
     connect(m_addImported, &QPushButton::clicked, this, &ManufacturerSegmentForm::addSelected);
     layout()->addWidget(m_imported);

@@ -335,7 +335,7 @@ void ObjectDictionaryForm::updateAllTree()
     } else {
         m_tree->show(database(), line());
         if (m_view->currentItem() == nullptr)
-            m_tree->select({TreeRow::ofSegment(ObjectRanges::manufacturer.low)});
+            m_tree->select({TreeRow::ofSegment(ObjectRanges::communication.low)});
         showRow(m_tree->current());
     }
     emit actionsChanged();

@@ -263,6 +263,7 @@ private slots:
         QTest::keyClick(editor, Qt::Key_Return);
         QTRY_COMPARE(session.store->getSubIndexName(0, 0x2000, 2), u"Torque"_s);
         QTRY_COMPARE(session.tree->currentItem()->text(0), u"2 - Torque"_s);
+        session.show(); // the menu took the focus
         session.key(Qt::Key_Delete);
         QCOMPARE(session.store->getSubIndices(0, 0x2000), (QList<quint8>{0, 1, 3}));
         GuiHelper::queueDialog([](QDialog &dialog) {
