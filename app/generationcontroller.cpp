@@ -10,12 +10,13 @@
 #include "session/projectsession.h"
 #include "store/edition.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
+#include "store/storeguards.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 
 #include <QApplication>
 #include <QProgressDialog>
-#include <QSignalBlocker>
 
 namespace {
 
@@ -75,17 +76,15 @@ void GenerationController::generate()
         m_outputForm.clearLogging();
     const bool ignoreErrors = UserSettings::general(QStringLiteral("disablecheck"), false).toBool();
     ProjectSession &session = m_context.session();
-    const auto isOn = [&](const QString &key) {
-        return session.store().getGeneralSetting(key).toInt() != 0;
-    };
-    m_generator->setVirtualObjects(isOn(QStringLiteral("special_virtual_objects")));
+    const ProjectSettings settings(session.store());
+    m_generator->setVirtualObjects(settings.decimal("special_virtual_objects") != 0);
     m_generator->setGenerateSrdo(
-        !isOn(QStringLiteral("ask_gen_srdo")) ||
+        settings.decimal("ask_gen_srdo") == 0 ||
         m_context.askYesNo(QStringLiteral("Do you want to generate gen_srdo.c?")));
     m_generator->setProject(session.sharedStore(), session.folder(), session.baseName());
 
     const UndoManager::Suspension suspension(session.undo());
-    const QSignalBlocker blocker(session.store());
+    const StoreSilence silence(session.store());
     m_generator->generate(ignoreErrors);
 }
 

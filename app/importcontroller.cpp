@@ -9,12 +9,13 @@
 #include "importgui/fileimportdialog.h"
 #include "session/projectlines.h"
 #include "session/projectsession.h"
+#include "store/projectsettings.h"
+#include "store/storeguards.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 
 #include <QDir>
 #include <QPointer>
-#include <QSignalBlocker>
 
 namespace {
 
@@ -37,8 +38,8 @@ bool ImportController::hasDictionary()
 {
     ObjectDataBase &store = m_context.session().store();
     const LineType &type = LineType::of(store.getLineType(m_context.currentLine()));
-    const QString server = QStringLiteral("cia510serversupport");
-    if (type.hasCANopen || (type.hasJ1939 && store.getJ1939Setting(server).toInt() == 1))
+    const SettingKey server = SettingKey::j1939(QStringLiteral("cia510serversupport"));
+    if (type.hasCANopen || (type.hasJ1939 && ProjectSettings(store).decimal(server) == 1))
         return true;
     m_context.showError(
         tr("Line %1 has no CANopen object dictionary.").arg(m_context.currentLine()));
@@ -149,7 +150,7 @@ void ImportController::exportDocument(DocumentExport::Kind kind)
     {
         const WaitCursor cursor;
         const UndoManager::Suspension suspension(session.undo());
-        const QSignalBlocker blocker(session.store());
+        const StoreSilence silence(session.store());
         error = DocumentExport::write(
             kind, {&session.store(), m_context.currentLine(), session.baseName(), path});
     }

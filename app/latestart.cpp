@@ -1,11 +1,14 @@
 #include "app/latestart.h"
 
 #include "app/vxmmainwindow.h"
+#include "canopen/j1939numbers.h"
 #include "import/basedataimporter.h"
+#include "import/dictionaryimporter.h"
 #include "import/fileimportformat.h"
 #include "import/importhandler.h"
 #include "store/databasemodifier.h"
 #include "store/edition.h"
+#include "store/projectsettings.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -19,8 +22,6 @@
 
 namespace {
 
-constexpr quint8 lastCopiedLine = 31;
-constexpr quint32 highestPgn = 0x3FFFF;
 constexpr quint32 firstImported = 0x1000;
 constexpr quint32 lastImported = 0xBFFF;
 
@@ -46,7 +47,7 @@ void importIntoLineZero(VxmMainWindow &window)
     const FileImportFormat *format = FileImportFormat::of(*path);
     if (format == nullptr || !format->is(FileImportFormat::Batch))
         return;
-    const std::unique_ptr<BaseDataImporter> importer = format->make();
+    const std::unique_ptr<BaseDataImporter> importer = format->make(nullptr);
     importer->setLine(0);
     importer->setDatabase(&window.database());
     importer->setRange(firstImported, lastImported);
@@ -74,8 +75,10 @@ void copyForeignPgns(VxmMainWindow &window)
     }
     ObjectDataBase &target = window.database();
     for (const quint8 line : target.getLines()) {
-        if (line <= lastCopiedLine && source.lineExists(line))
-            ObjectDataBase::copyPGNs(target, source, line, line, highestPgn);
+        if (line < LineType::maximumLines && source.lineExists(line) &&
+            !ObjectDataBase::copyPGNs(target, source, line, line, J1939::highestPgn))
+            std::fprintf(stderr, "The PGNs of line %d of %s could not be copied.\n", line,
+                         qUtf8Printable(*path));
     }
     runEventsFor(200);
 }
@@ -118,14 +121,14 @@ void enterNetworkToolMode(VxmMainWindow &window)
     if (!window.options().generate)
         window.setActionEnabled("actionGenerate_Output", false);
 
-    const auto lowByte = [&](const QString &key) {
-        return window.database().getGeneralLineSetting(key, 0).toUInt(nullptr, 0) & 0xFFU;
+    const auto lowByte = [&](const char *key) {
+        return static_cast<uint>(ProjectSettings(window.database()).lineNumber(key, 0) & 0xFFU);
     };
     QString title = QStringLiteral("tolvex device systems - CANopen Quillforge %1 invoked by "
                                    "CANopen Tessmark for Node %2")
                         .arg(QCoreApplication::applicationVersion())
-                        .arg(lowByte(QStringLiteral("co_node_id")));
-    if (const uint network = lowByte(QStringLiteral("co_network_id")); network != 0)
+                        .arg(lowByte("co_node_id"));
+    if (const uint network = lowByte("co_network_id"); network != 0)
         title += QStringLiteral(" (network %1)").arg(network);
     window.setToolTitle(title);
 }

@@ -18,6 +18,7 @@
 #include "gui/lineicon.h"
 #include "odeditor/objectdictionaryform.h"
 #include "session/projectlines.h"
+#include "store/projectsettings.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 #include "ui_vxmmainwindow.h"
@@ -99,7 +100,11 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     showFileOfProject();
 }
 
-VxmMainWindow::~VxmMainWindow() = default;
+VxmMainWindow::~VxmMainWindow()
+{
+    // The pages go one by one, and nobody is there any more to whom the next one could be shown.
+    disconnect(ui->toolBox, nullptr, this, nullptr);
+}
 
 void VxmMainWindow::decorate()
 {
@@ -277,8 +282,8 @@ PageContext VxmMainWindow::pageContext() const
     PageContext context{.line = m_line};
     if (const auto &store = m_session->sharedStore(); store != nullptr) {
         context.lineType = store->getLineType(m_line);
-        const QString server = QStringLiteral("cia510serversupport");
-        context.hasSdoServer = store->getJ1939Setting(server).toInt() == 1;
+        const SettingKey server = SettingKey::j1939(QStringLiteral("cia510serversupport"));
+        context.hasSdoServer = ProjectSettings(*store).decimal(server) == 1;
     }
     return context;
 }

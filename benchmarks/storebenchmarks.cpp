@@ -1,6 +1,7 @@
 #include "benchmarks/benchmarksupport.h"
 #include "benchmarks/syntheticproject.h"
 #include "store/objectdatabase.h"
+#include "store/storeguards.h"
 
 #include <benchmark/benchmark.h>
 
@@ -77,7 +78,7 @@ void walkCachedLine(State &state)
     const auto store = openedStore(objectCount(state));
     store->cacheAllSubs(0);
     store->cacheSubIndexNames(0);
-    store->setGenerating(true);
+    const StoreGeneration generation(*store);
     for (auto _ : state) {
         qsizetype length = 0;
         ObjectDataBase::SUBINDEX_DATA_T data;

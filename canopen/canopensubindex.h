@@ -11,6 +11,7 @@ class CANopenSubindex
 public:
     quint16 index = 0;
     quint8 subindex = 0;
+    bool isMade = false; ///< subindex 0 of an object whose file has none
     QString name;
     quint16 dataType = 0; ///< CAN::CANopenDataType; 0 if the file's is none that can be used
     QString accessType;   ///< "const", "ro", "wo", "rw", "rwr", "rww"; else what the file has

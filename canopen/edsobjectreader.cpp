@@ -12,6 +12,8 @@
 
 namespace {
 
+using Note = ImportResult::Kind;
+
 constexpr qsizetype mostUnknownKeys = 200;
 constexpr qsizetype longestKey = 60;
 constexpr int firstSignalType = 100;
@@ -83,10 +85,10 @@ EdsObjectReader::Fields EdsObjectReader::readFields(const EdsText::Section &sect
                     noteUnknown(entry);
             } else if (fields.keys[key].line != 0) {
                 if (telling == Telling::All)
-                    m_messages.add(entry.line,
-                                   tr("The key %1 stands twice in its section; the first "
-                                      "one counts.")
-                                       .arg(m_text.excerpt(entry.key)));
+                    m_result.add(Note::PassedOver, entry.line,
+                                 tr("The key %1 stands twice in its section; the first "
+                                    "one counts.")
+                                     .arg(m_text.excerpt(entry.key)));
             } else {
                 fields.keys[key] = {entry.value, entry.line};
             }
@@ -98,11 +100,12 @@ EdsObjectReader::Fields EdsObjectReader::readFields(const EdsText::Section &sect
 void EdsObjectReader::noteUnknown(const EdsText::Entry &entry)
 {
     if (entry.key.isEmpty()) {
-        if (!m_messages.isFull())
-            m_messages.add(entry.line, tr("The line '%1' is no entry and is passed over.")
-                                           .arg(m_text.excerpt(entry.value)));
+        if (!m_result.isFull())
+            m_result.add(Note::PassedOver, entry.line,
+                         tr("The line '%1' is no entry and is passed over.")
+                             .arg(m_text.excerpt(entry.value)));
         else
-            m_messages.add(entry.line, {});
+            m_result.add(Note::PassedOver, entry.line, {});
         return;
     }
     const QByteArray name = entry.key.first(qMin(entry.key.size(), longestKey)).toByteArray();
@@ -121,10 +124,10 @@ void EdsObjectReader::reportUnknownKeys()
     std::sort(keys.begin(), keys.end(),
               [](const auto &a, const auto &b) { return a.second.firstLine < b.second.firstLine; });
     for (const auto &[name, found] : std::as_const(keys))
-        m_messages.add(found.firstLine,
-                       tr("The key %1 is unknown and is passed over; it stands in %2 places.")
-                           .arg(m_text.excerpt(name))
-                           .arg(found.count));
+        m_result.add(Note::PassedOver, found.firstLine,
+                     tr("The key %1 is unknown and is passed over; it stands in %2 places.")
+                         .arg(m_text.excerpt(name))
+                         .arg(found.count));
     m_unknownKeys.clear();
 }
 
@@ -143,15 +146,33 @@ QString EdsObjectReader::descriptionOf(const Fields &fields, bool isVariable) co
     return text;
 }
 
+std::optional<quint32> EdsObjectReader::numberOf(const Field &field, const char *key)
+{
+    const auto number = EdsValue::number(field.text);
+    if (!number && !field.text.isEmpty())
+        m_result.add(Note::PassedOver, field.line,
+                     tr("%1: '%2' is no number and is passed over.")
+                         .arg(QLatin1String(key), m_text.excerpt(field.text)));
+    return number;
+}
+
 quint32 EdsObjectReader::numberOf(const Field &field, quint32 fallback, const char *key)
 {
-    if (field.text.isEmpty())
-        return fallback;
-    const auto number = EdsValue::number(field.text);
-    if (!number)
-        m_messages.add(field.line, tr("%1: '%2' is no number and is passed over.")
-                                       .arg(QLatin1String(key), m_text.excerpt(field.text)));
-    return number.value_or(fallback);
+    return numberOf(field, key).value_or(fallback);
+}
+
+/// A variable's value shares the variable's name, whose lack is told of the object.
+QString EdsObjectReader::nameOf(const Fields &fields, const Owner &owner, const Where &where,
+                                Telling telling)
+{
+    const QString name = textOf(fields.keys[ParameterName]);
+    if (!name.isEmpty())
+        return name;
+    if (where.subindex < 0)
+        return owner.name;
+    if (telling == Telling::All)
+        m_result.add(Note::Made, fields.line, tr("%1 has no name.").arg(where.text()));
+    return IndexText::unnamedSubIndex;
 }
 
 bool EdsObjectReader::flagOf(const Field &field, const char *key)
@@ -167,11 +188,21 @@ bool EdsObjectReader::flagOf(const Field &field, const char *key)
     return numberOf(field, 0, key) != 0;
 }
 
+/// Entries of PDO mappings are of one type, while many files state the structure of the whole.
+quint16 EdsObjectReader::compactTypeOf(const Field &field, const Where &where)
+{
+    constexpr quint32 mappingStructure = 0x21;
+    if (ObjectRanges::isPdoMapping(where.index) &&
+        (field.text.isEmpty() || EdsValue::number(field.text) == mappingStructure))
+        return CAN::UNSIGNED32;
+    return dataTypeOf(field, 0, where);
+}
+
 quint16 EdsObjectReader::dataTypeOf(const Field &field, quint16 fallback, const Where &where)
 {
     if (field.text.isEmpty()) {
         if (fallback == 0)
-            m_messages.add(field.line, tr("%1 has no data type.").arg(where.text()));
+            m_result.add(Note::Read, field.line, tr("%1 has no data type.").arg(where.text()));
         return fallback;
     }
     auto number = EdsValue::number(field.text);
@@ -184,8 +215,10 @@ quint16 EdsObjectReader::dataTypeOf(const Field &field, quint16 fallback, const 
     const bool known = *number < firstSignalType &&
                        !COHelper::index2DataTypeString(static_cast<quint16>(*number)).isEmpty();
     if (!known)
-        m_messages.add(field.line, tr("%1: the data type '%2' is not supported.")
-                                       .arg(where.text(), m_text.excerpt(field.text)));
+        m_result.add(Note::Lost, field.line,
+                     tr("%1: the data type '%2' is not supported; it becomes 0, which "
+                        "is no data type.")
+                         .arg(where.text(), m_text.excerpt(field.text)));
     return known ? static_cast<quint16>(*number) : quint16(0);
 }
 
@@ -198,13 +231,14 @@ QString EdsObjectReader::accessOf(const Field &field, const QString &fallback, i
     if (field.text.isEmpty()) {
         if (!fallback.isEmpty())
             return fallback;
-        m_messages.add(line, tr("%1 has no access type; it is taken as \"ro\".").arg(where.text()));
+        m_result.add(Note::Made, line,
+                     tr("%1 has no access type; it is taken as \"ro\".").arg(where.text()));
         return QStringLiteral("ro");
     }
     const QString access = COHelper::normalizeAccessType(m_text.excerpt(field.text));
     if (!accessTypes.contains(access))
-        m_messages.add(field.line,
-                       tr("%1: the access type '%2' is unknown.").arg(where.text(), access));
+        m_result.add(Note::Read, field.line,
+                     tr("%1: the access type '%2' is unknown.").arg(where.text(), access));
     return access;
 }
 
@@ -216,9 +250,11 @@ QString EdsObjectReader::valueOf(const Field &field, quint16 dataType, const Whe
         return value.text;
     const QString sentence = findingText(value.finding);
     const QString written = text.left(60);
-    m_messages.add(field.line, sentence.contains(QLatin1String("%3"))
-                                   ? sentence.arg(where.text(), written, value.text.left(60))
-                                   : sentence.arg(where.text(), written));
+    const Note kind = value.text == text ? Note::Read : Note::Mended;
+    m_result.add(kind, field.line,
+                 sentence.contains(QLatin1String("%3"))
+                     ? sentence.arg(where.text(), written, value.text.left(60))
+                     : sentence.arg(where.text(), written));
     return value.text;
 }
 
@@ -252,8 +288,7 @@ EdsObjectReader::Object EdsObjectReader::readObject(const EdsText::Section &sect
     object.hasDataType = !keys[DataType].text.isEmpty();
     object.looksLikeObject = object.hasObjectType || object.hasDataType ||
                              keys[ParameterName].line != 0 || keys[SubNumber].line != 0;
-    if (!keys[SubNumber].text.isEmpty())
-        object.subNumber = numberOf(keys[SubNumber], 0, "SubNumber");
+    object.subNumber = numberOf(keys[SubNumber], "SubNumber");
     const bool isComplex =
         record.objectCode == CANopen::ARRAY || record.objectCode == CANopen::RECORD;
     record.description = descriptionOf(fields, !isComplex);
@@ -263,17 +298,17 @@ EdsObjectReader::Object EdsObjectReader::readObject(const EdsText::Section &sect
     const Where where{index};
     quint32 compact = numberOf(keys[CompactSubObj], 0, "CompactSubObj");
     if (compact > mostCompactEntries) {
-        m_messages.add(keys[CompactSubObj].line,
-                       tr("%1: CompactSubObj is %2; an object has at most %3 entries.")
-                           .arg(where.text())
-                           .arg(compact)
-                           .arg(mostCompactEntries));
+        m_result.add(Note::Mended, keys[CompactSubObj].line,
+                     tr("%1: CompactSubObj is %2; an object has at most %3 entries.")
+                         .arg(where.text())
+                         .arg(compact)
+                         .arg(mostCompactEntries));
         compact = mostCompactEntries;
     }
     record.compactSubObj = static_cast<quint16>(compact);
     if (compact == 0)
         return object;
-    record.dataType = dataTypeOf(keys[DataType], 0, where);
+    record.dataType = compactTypeOf(keys[DataType], where);
     record.accessType = accessOf(keys[AccessType], {}, fields.line, where);
     record.pdoMapping = flagOf(keys[PDOMappingKey], "PDOMapping");
     record.defaultValue = valueOf(keys[DefaultValue], record.dataType, where);
@@ -298,7 +333,7 @@ CANopenSubindex EdsObjectReader::readSubindex(const EdsText::Section &section, c
     CANopenSubindex record;
     record.index = owner.index;
     record.subindex = subindex;
-    record.name = textOf(keys[ParameterName]);
+    record.name = nameOf(fields, owner, where, telling);
     const quint16 usualType = isDomain                             ? quint16(CAN::DOMAIN_TYPE)
                               : isCount                            ? quint16(CAN::UNSIGNED8)
                               : owner.objectCode == CANopen::ARRAY ? owner.dataType
@@ -324,8 +359,9 @@ CANopenSubindex EdsObjectReader::readSubindex(const EdsText::Section &section, c
     record.downloadFile = textOf(keys[DownloadFile]);
     for (const Key key : {UploadFile, DownloadFile}) {
         if (!keys[key].text.isEmpty())
-            m_messages.add(keys[key].line, tr("%1: the file of a domain is not kept: '%2'.")
-                                               .arg(where.text(), m_text.excerpt(keys[key].text)));
+            m_result.add(Note::Lost, keys[key].line,
+                         tr("%1: the file of a domain is not kept: '%2'.")
+                             .arg(where.text(), m_text.excerpt(keys[key].text)));
     }
     record.description = descriptionOf(fields, !isComplex);
     if (isCount)
@@ -346,14 +382,16 @@ void EdsObjectReader::completeCount(CANopenSubindex &record, const Owner &owner,
         return;
     record.defaultValue = QString::number(owner.highestSubindex);
     record.hasDefaultValue = true;
-    m_messages.add(line, tr("%1 has no default value; it gets the highest sub-index, %2.")
-                             .arg(where.text(), record.defaultValue));
+    m_result.add(Note::Made, line,
+                 tr("%1 has no default value; it gets the highest sub-index, %2.")
+                     .arg(where.text(), record.defaultValue));
 }
 
 CANopenSubindex EdsObjectReader::countEntry(const Owner &owner)
 {
     CANopenSubindex record;
     record.index = owner.index;
+    record.isMade = true;
     record.name = QStringLiteral("Highest subindex supported");
     record.dataType = CAN::UNSIGNED8;
     record.accessType = QStringLiteral("ro");

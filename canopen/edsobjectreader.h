@@ -2,8 +2,8 @@
 
 #include "canopen/canopenindex.h"
 #include "canopen/canopensubindex.h"
-#include "canopen/edsmessages.h"
 #include "canopen/edstext.h"
+#include "canopen/importresult.h"
 
 #include <QHash>
 
@@ -18,9 +18,7 @@ public:
     /// Subindices that an object can have behind subindex 0 (CiA 301; 255 is the structure).
     static constexpr quint32 mostCompactEntries = 254;
 
-    EdsObjectReader(const EdsText &text, EdsMessages &messages) : m_text(text), m_messages(messages)
-    {
-    }
+    EdsObjectReader(const EdsText &text, ImportResult &result) : m_text(text), m_result(result) {}
 
     struct Object
     {
@@ -37,6 +35,7 @@ public:
         quint16 index = 0;
         quint8 objectCode = 7;
         quint16 dataType = 0;
+        QString name;
         QString description;
         quint8 highestSubindex = 0;
     };
@@ -103,7 +102,12 @@ private:
     void noteUnknown(const EdsText::Entry &entry);
     [[nodiscard]] QString textOf(const Field &field) const { return m_text.decoded(field.text); }
     [[nodiscard]] QString descriptionOf(const Fields &fields, bool isVariable) const;
+    /// Nothing, with a message, for what is no number.
+    [[nodiscard]] std::optional<quint32> numberOf(const Field &field, const char *key);
     [[nodiscard]] quint32 numberOf(const Field &field, quint32 fallback, const char *key);
+    [[nodiscard]] QString nameOf(const Fields &fields, const Owner &owner, const Where &where,
+                                 Telling telling);
+    [[nodiscard]] quint16 compactTypeOf(const Field &field, const Where &where);
     [[nodiscard]] bool flagOf(const Field &field, const char *key);
     [[nodiscard]] quint16 dataTypeOf(const Field &field, quint16 fallback, const Where &where);
     [[nodiscard]] QString accessOf(const Field &field, const QString &fallback, int line,
@@ -114,6 +118,6 @@ private:
     void completeCount(CANopenSubindex &record, const Owner &owner, int line, const Where &where);
 
     const EdsText &m_text;
-    EdsMessages &m_messages;
+    ImportResult &m_result;
     QHash<QByteArray, UnknownKey> m_unknownKeys;
 };

@@ -18,6 +18,7 @@
 namespace {
 
 using Kind = EdsSections::Kind;
+using Note = ImportResult::Kind;
 
 constexpr int mostCommentLines = 10000;
 constexpr qsizetype mostDeviceValues = 20000;
@@ -47,14 +48,17 @@ struct EdsParser::State
         [[nodiscard]] EdsObjectReader::Owner owner() const
         {
             const CANopen::CANopenIndex &record = object.record;
-            return {record.index, record.objectCode, record.dataType, record.description,
+            return {record.index,
+                    record.objectCode,
+                    record.dataType,
+                    record.name,
+                    record.description,
                     static_cast<quint8>(std::max<int>({highest, int(record.compactSubObj), 0}))};
         }
     };
 
     EdsText text;
-    EdsMessages messages;
-    QString error;
+    ImportResult result;
     std::optional<EdsSections> sections;
     std::optional<EdsObjectReader> reader;
     QHash<quint16, Facts> objects;
@@ -91,35 +95,27 @@ bool EdsParser::LoadEdsContent(const QByteArray &content, const QString &name)
     return parse(name, d->text.setContent(content));
 }
 
-QString EdsParser::errorString() const
+const ImportResult &EdsParser::result() const
 {
-    return d->error;
-}
-
-QStringList EdsParser::messages() const
-{
-    QStringList texts = d->messages.texts();
-    if (d->messages.more() > 0)
-        texts.append(d->messages.located(0, tr("%1 further messages.").arg(d->messages.more())));
-    return texts;
+    return d->result;
 }
 
 bool EdsParser::refuse(const QString &text)
 {
-    d->error = d->messages.located(0, text);
+    d->result.addError(d->result.located(0, text));
     return false;
 }
 
 bool EdsParser::parse(const QString &name, bool readable)
 {
     m_stop = false;
-    d->messages = EdsMessages(name);
+    d->result = ImportResult(name);
     if (!readable)
         return refuse(d->text.error());
     if (const QString foreign = EdsForeign::byStart(d->text.head()); !foreign.isEmpty())
         return refuse(foreign);
     d->sections.emplace(d->text);
-    d->reader.emplace(d->text, d->messages);
+    d->reader.emplace(d->text, d->result);
     d->collectObjects();
     if (!d->describesObjects()) {
         if (const QString foreign = EdsForeign::bySections(d->text); !foreign.isEmpty())
@@ -203,21 +199,22 @@ void EdsParser::State::chooseObjectCode(Facts &facts)
     case CANopen::DEFTYPE:
         if (hasEntries) {
             record.objectCode = CANopen::RECORD;
-            messages.add(facts.firstLine,
-                         facts.object.hasObjectType
-                             ? tr("%1 is stated as no record or array but has sub-indices; it is "
-                                  "read as a record.")
-                                   .arg(where)
-                             : tr("%1 has sub-indices but no object type; it is read as a record.")
-                                   .arg(where));
+            result.add(Note::Mended, facts.firstLine,
+                       facts.object.hasObjectType
+                           ? tr("%1 is stated as no record or array but has sub-indices; it is "
+                                "read as a record.")
+                                 .arg(where)
+                           : tr("%1 has sub-indices but no object type; it is read as a record.")
+                                 .arg(where));
         }
         return;
     default:
         record.objectCode = hasEntries ? CANopen::RECORD : CANopen::VAR;
-        messages.add(facts.firstLine, tr("%1: the object type %2 is unknown; it is read as %3.")
-                                          .arg(where)
-                                          .arg(stated)
-                                          .arg(record.objectCode));
+        result.add(Note::Mended, facts.firstLine,
+                   tr("%1: the object type %2 is unknown; it is read as %3.")
+                       .arg(where)
+                       .arg(stated)
+                       .arg(record.objectCode));
     }
 }
 
@@ -229,28 +226,29 @@ void EdsParser::State::mendObject(Facts &facts)
     CANopen::CANopenIndex &record = facts.object.record;
     const QString where = IndexText::hex(record.index);
     if (!facts.section)
-        messages.add(facts.firstLine, tr("%1 has no section of its own.").arg(where));
+        result.add(Note::Made, facts.firstLine, tr("%1 has no section of its own.").arg(where));
     chooseObjectCode(facts);
     if (record.name.isEmpty()) {
         record.name = IndexText::unnamedObject;
         if (facts.section)
-            messages.add(facts.firstLine, tr("%1 has no name.").arg(where));
+            result.add(Note::Made, facts.firstLine, tr("%1 has no name.").arg(where));
     }
     if (hasLists && !facts.isListed && record.index >= ObjectRanges::device.low)
-        messages.add(facts.firstLine, tr("%1 stands in no list of objects.").arg(where));
+        result.add(Note::Read, facts.firstLine, tr("%1 stands in no list of objects.").arg(where));
     if (!facts.isComplex())
         return;
     if (facts.subCount == 0 && record.compactSubObj == 0)
-        messages.add(facts.firstLine, tr("%1 has no sub-indices.").arg(where));
+        result.add(Note::Read, facts.firstLine, tr("%1 has no sub-indices.").arg(where));
     const quint32 stated = facts.object.subNumber.value_or(quint32(facts.subCount));
     if (record.compactSubObj == 0 && stated != quint32(facts.subCount))
-        messages.add(facts.firstLine,
-                     tr("%1: SubNumber is %2, but the file has %3 sub-indices of it.")
-                         .arg(where)
-                         .arg(stated)
-                         .arg(facts.subCount));
+        result.add(Note::Mended, facts.firstLine,
+                   tr("%1: SubNumber is %2, but the file has %3 sub-indices of it.")
+                       .arg(where)
+                       .arg(stated)
+                       .arg(facts.subCount));
     if (facts.subCount > 0 && !facts.hasCount && record.compactSubObj == 0)
-        messages.add(facts.firstLine, tr("%1 has no sub-index 0; it is made.").arg(where));
+        result.add(Note::Made, facts.firstLine,
+                   tr("%1 has no sub-index 0; it is made.").arg(where));
 }
 
 void EdsParser::State::checkList(const char *name, bool mandatory)
@@ -268,17 +266,18 @@ void EdsParser::State::checkList(const char *name, bool mandatory)
         const auto index = EdsValue::number(entry.value);
         if (!EdsValue::number(entry.key) || !index || *index > 0xFFFF) {
             if (!entry.value.isEmpty())
-                messages.add(entry.line, tr("[%1]: the line is no entry of the list and is passed "
-                                            "over.")
-                                             .arg(QLatin1String(name)));
+                result.add(Note::PassedOver, entry.line,
+                           tr("[%1]: the line is no entry of the list and is passed "
+                              "over.")
+                               .arg(QLatin1String(name)));
             return;
         }
         ++found;
         const auto object = objects.find(static_cast<quint16>(*index));
         if (object == objects.end()) {
-            messages.add(entry.line, tr("[%1] lists %2, which the file does not describe.")
-                                         .arg(QLatin1String(name),
-                                              IndexText::hex(static_cast<quint16>(*index))));
+            result.add(Note::Lost, entry.line,
+                       tr("[%1] lists %2, which the file does not describe.")
+                           .arg(QLatin1String(name), IndexText::hex(static_cast<quint16>(*index))));
             return;
         }
         object->isListed = true;
@@ -286,17 +285,18 @@ void EdsParser::State::checkList(const char *name, bool mandatory)
             object->object.record.category = CANopen::Mandatory;
     });
     if (stated.value_or(found) != found)
-        messages.add(section->line, tr("[%1]: SupportedObjects is %2, but %3 objects are listed.")
-                                        .arg(QLatin1String(name))
-                                        .arg(*stated)
-                                        .arg(found));
+        result.add(Note::Read, section->line,
+                   tr("[%1]: SupportedObjects is %2, but %3 objects are listed.")
+                       .arg(QLatin1String(name))
+                       .arg(*stated)
+                       .arg(found));
 }
 
 void EdsParser::State::checkLists()
 {
     hasLists = hasOneOf({"mandatoryobjects", "optionalobjects", "manufacturerobjects"});
     if (!hasLists && !objects.isEmpty())
-        messages.add(0, tr("The file has no lists of its objects."));
+        result.add(Note::Read, 0, tr("The file has no lists of its objects."));
     checkList("MandatoryObjects", true);
     checkList("OptionalObjects", false);
     checkList("ManufacturerObjects", false);
@@ -307,25 +307,29 @@ void EdsParser::State::tellWhatIsPassedOver()
     const QList<EdsText::Section> &all = text.sections();
     const auto nameOf = [&](const EdsText::Section &section) { return text.excerpt(section.name); };
     if (text.strayLine() > 0)
-        messages.add(text.strayLine(), tr("What stands before the first section is passed over."));
+        result.add(Note::PassedOver, text.strayLine(),
+                   tr("What stands before the first section is passed over."));
     for (const int line : text.longLines())
-        messages.add(line, tr("The line is longer than %1 characters and is passed over.")
-                               .arg(EdsText::longestLine));
-    for (const auto &[again, first] : sections->duplicates())
-        messages.add(all.at(again).line,
-                     tr("The section [%1] stands a second time and is passed over; that in line %2 "
-                        "counts.")
-                         .arg(nameOf(all.at(again)))
-                         .arg(all.at(first).line));
+        result.add(Note::Lost, line,
+                   tr("The line is longer than %1 characters and is passed over.")
+                       .arg(EdsText::longestLine));
+    for (const auto &[again, first] : sections->duplicates()) {
+        const QString text =
+            EdsSections::isJoined(all.at(again).name)
+                ? tr("The section [%1] stands a second time and is joined with that in line %2.")
+                : tr("The section [%1] stands a second time and is passed over; that in line %2 "
+                     "counts.");
+        result.add(EdsSections::isJoined(all.at(again).name) ? Note::Mended : Note::PassedOver,
+                   all.at(again).line, text.arg(nameOf(all.at(again))).arg(all.at(first).line));
+    }
     for (const EdsSections::Place &place : sections->passedOver()) {
         const EdsText::Section &section = all.at(place.section);
         if (place.kind == Kind::Module)
-            messages.add(section.line,
-                         tr("The section [%1] of a module is passed over.").arg(nameOf(section)));
+            result.add(Note::Lost, section.line,
+                       tr("The section [%1] of a module is passed over.").arg(nameOf(section)));
         else if (place.kind == Kind::Unknown)
-            messages.add(
-                section.line,
-                tr("The section [%1] is unknown and is passed over.").arg(nameOf(section)));
+            result.add(Note::PassedOver, section.line,
+                       tr("The section [%1] is unknown and is passed over.").arg(nameOf(section)));
     }
 }
 
@@ -412,7 +416,8 @@ const QHash<QByteArray, QString> &EdsParser::State::deviceSection(const QByteArr
     if (known != deviceSections.constEnd())
         return *known;
     QHash<QByteArray, QString> values;
-    if (const EdsText::Section *section = sections ? sections->common(name) : nullptr) {
+    const auto parts = sections ? sections->joined(name) : QList<const EdsText::Section *>();
+    for (const EdsText::Section *section : parts) {
         text.forEachEntry(*section, [&](const EdsText::Entry &entry) {
             const QByteArray key =
                 entry.key.first(qMin<qsizetype>(entry.key.size(), 60)).toByteArray().toLower();

@@ -2,18 +2,18 @@
 
 #include "canopen/canopenindex.h"
 #include "canopen/canopensubindex.h"
+#include "canopen/importresult.h"
 
 #include <QMap>
 #include <QObject>
 #include <QString>
-#include <QStringList>
 
 #include <atomic>
 #include <memory>
 
 /// Reads Electronic Data Sheets and Device Configuration Files (CiA 306) as they are found on the
 /// market: in any case and order, with missing, double and contradicting parts. What it mends or
-/// passes over, it tells in `messages`, with file and line.
+/// passes over, it tells in `result`, with file and line.
 ///
 /// A file that isn't such a file is refused as a whole, before anything is sent. So are files
 /// beyond any device: 64 MB, 500000 sections or subindices.
@@ -31,17 +31,15 @@ public:
 
     /// Reads a file and sends its objects and subindices in file order. A subindex may come before
     /// its object; a variable's value is its subindex 0. False if the file is refused
-    /// (`errorString` says why) or the reading was stopped.
+    /// (`result` says why) or the reading was stopped.
     bool LoadEds(const QString &path);
     /// The same for bytes in memory; `name` is what messages call them.
     bool LoadEdsContent(const QByteArray &content, const QString &name);
     /// Ends a reading before the next object is sent.
     void stop() { m_stop = true; }
 
-    /// Why the file was refused, with its name.
-    [[nodiscard]] QString errorString() const;
-    /// What was mended or passed over, each as "file:line: text".
-    [[nodiscard]] QStringList messages() const;
+    /// What came of the last reading, with the file's name; valid until the next.
+    [[nodiscard]] const ImportResult &result() const;
 
     /// What the sections [xxxxName], [xxxxValue] and [xxxxDenotation] hold for an object in compact
     /// form: from the subindex in decimal to a text.

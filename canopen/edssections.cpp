@@ -13,6 +13,7 @@ constexpr qsizetype longestName = 40;
 constexpr std::array commonNames = {"fileinfo",           "deviceinfo",       "dummyusage",
                                     "comments",           "mandatoryobjects", "optionalobjects",
                                     "manufacturerobjects"};
+constexpr std::array joinedNames = {"fileinfo", "deviceinfo", "dummyusage", "comments"};
 // "DeviceComissioning" is how CiA 306 spells it.
 constexpr std::array unusedNames = {"devicecomissioning", "devicecommissioning", "tools",
                                     "dynamicchannels", "objectlinks"};
@@ -125,9 +126,9 @@ EdsSections::EdsSections(const EdsText &text) : m_text(text)
         qsizetype first = i;
         switch (place.kind) {
         case Kind::Common: {
-            const QByteArray name = folded(sections.at(i).name);
-            first = m_common.value(name, i);
-            m_common.insert(name, first);
+            QList<qsizetype> &places = m_common[folded(sections.at(i).name)];
+            places.append(i);
+            first = places.first();
             break;
         }
         case Kind::Unused:
@@ -151,7 +152,21 @@ EdsSections::EdsSections(const EdsText &text) : m_text(text)
 const EdsText::Section *EdsSections::common(const QByteArray &name) const
 {
     const auto found = m_common.constFind(name);
-    return found == m_common.constEnd() ? nullptr : &m_text.sections().at(*found);
+    return found == m_common.constEnd() ? nullptr : &m_text.sections().at(found->first());
+}
+
+QList<const EdsText::Section *> EdsSections::joined(const QByteArray &name) const
+{
+    QList<const EdsText::Section *> result;
+    const QList<qsizetype> places = m_common.value(name);
+    for (const qsizetype place : places)
+        result.append(&m_text.sections().at(place));
+    return result;
+}
+
+bool EdsSections::isJoined(QByteArrayView name)
+{
+    return isIn(joinedNames, folded(name));
 }
 
 const EdsText::Section *EdsSections::ofObject(Kind kind, quint16 index) const

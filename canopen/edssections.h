@@ -6,7 +6,8 @@
 #include <QList>
 
 /// The sections of a device description by what they are for (CiA 306). Of sections with the same
-/// purpose the first counts, as with the profile functions that most tools read these files with.
+/// purpose the first counts, as with the profile functions that most tools read these files with;
+/// those that describe the device by keys are joined, and of a key the first counts.
 class EdsSections
 {
 public:
@@ -44,6 +45,9 @@ public:
     }
     /// The section with a fixed name, written in lower case; null if there is none.
     [[nodiscard]] const EdsText::Section *common(const QByteArray &name) const;
+    /// All sections with a name of those that are joined, in file order.
+    [[nodiscard]] QList<const EdsText::Section *> joined(const QByteArray &name) const;
+    [[nodiscard]] static bool isJoined(QByteArrayView name);
     /// `Names`, `Values` or `Denotation` of an object; null if there is none.
     [[nodiscard]] const EdsText::Section *ofObject(Kind kind, quint16 index) const;
     [[nodiscard]] const EdsText::Section &section(const Place &place) const
@@ -58,6 +62,6 @@ private:
     QList<Place> m_objects;
     QList<Place> m_passedOver;
     QList<std::pair<qsizetype, qsizetype>> m_duplicates;
-    QHash<QByteArray, qsizetype> m_common;
+    QHash<QByteArray, QList<qsizetype>> m_common;
     QHash<quint32, qsizetype> m_byNumber; ///< (kind, index, subindex) in one number
 };

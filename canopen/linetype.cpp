@@ -29,3 +29,8 @@ const LineType &LineType::of(int number)
     }
     return unknownType;
 }
+
+QString LineType::settingKey(quint8 line)
+{
+    return QStringLiteral("line%1type").arg(line);
+}

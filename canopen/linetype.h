@@ -17,6 +17,9 @@ struct LineType
         J1939RawCan = 7
     };
 
+    /// Lines that a project may have, numbered from 0; scratch lines lie behind them.
+    static constexpr int maximumLines = 32;
+
     int number = Unknown;
     bool hasCANopen = false;
     bool hasJ1939 = false;
@@ -27,4 +30,6 @@ struct LineType
     [[nodiscard]] static std::span<const LineType> all();
     /// The type of that number; for any other number one without protocols.
     [[nodiscard]] static const LineType &of(int number);
+    /// The general setting that holds the number of a line's type, as decimal text.
+    [[nodiscard]] static QString settingKey(quint8 line);
 };

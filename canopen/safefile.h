@@ -24,7 +24,7 @@ namespace SafeFile {
 [[nodiscard]] QString reason(int systemError);
 
 /// Opens an ordinary file for reading, without waiting for anybody. On false the reason is in
-/// `fault`.
+/// `fault`. An open file may have no name any more.
 [[nodiscard]] bool open(QFile &file, QString &fault);
 /// The content of an ordinary file of at most `most` bytes; nothing, with the reason in `fault`,
 /// where it can't be read completely.

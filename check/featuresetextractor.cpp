@@ -4,9 +4,8 @@
 
 bool FeatureSetExtractor::setFile(const QString &path)
 {
-    if (!QFileInfo::exists(path)) {
+    if (!QFileInfo::exists(path))
         return false;
-    }
     m_path = path;
     return true;
 }

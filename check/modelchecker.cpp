@@ -1,144 +1,109 @@
 #include "check/modelchecker.h"
 
-#include "check/linecheck.h"
-#include "check/linechecks.h"
-#include "check/projectchecks.h"
+#include "check/commonmessages.h"
 #include "store/objectdatabase.h"
 
-#include <QStringList>
+#include <iterator>
 
 namespace {
 
-/// The order in which a log shows the faults of a line. Process data stands in an order of its
-/// own: mapping first, as its corrections disable the communication objects that follow.
-constexpr LineChecks::Function lineChecks[] = {
-    LineChecks::checkStackVersion,
-    LineChecks::checkNodeId,
-    LineChecks::checkBuffers,
-    LineChecks::checkMultiLineMasterSlave,
-    LineChecks::checkDeviceType,
-    LineChecks::checkMandatoryObjects,
-    LineChecks::checkSlaveAssignment,
-    LineChecks::checkGaps,
-    LineChecks::checkSync,
-    LineChecks::checkUsdoServer,
-    LineChecks::checkStoreAndRestore,
-    LineChecks::checkNmtInhibitTime,
-    LineChecks::checkIdentity,
-    LineChecks::checkErrorField,
-    LineChecks::checkEmcyConsumers,
-    LineChecks::checkIndices,
-    LineChecks::checkPdoMapping,
-    LineChecks::checkPdoCommunication,
-    LineChecks::checkPdoTimes,
-    LineChecks::checkSrdoCommunication,
-    LineChecks::checkSrdoMapping,
-    LineChecks::checkGranularity,
-    LineChecks::checkPdoIndications,
-    LineChecks::checkEmcyRouting,
-    LineChecks::checkPredefinedConnectionSet,
-    LineChecks::checkVariableNames,
+struct PassRow
+{
+    std::unique_ptr<CheckPass> (*make)();
+    /// The lines that it looks at; null for a pass over the project alone.
+    bool LineType::*protocol;
+};
+
+/// In the order in which a log shows their messages.
+constexpr PassRow passRows[] = {
+    {makeUdsPass, nullptr},
+    {makeCommonPass, nullptr},
+    {makeCanopenPass, &LineType::hasCANopen},
 };
 
 } // namespace
 
-ModelChecker::ModelChecker(QObject *parent) : QObject(parent) {}
+QList<quint8> CheckContext::lines() const
+{
+    QList<quint8> all = database.getLines();
+    all.removeIf([](quint8 line) { return line >= ObjectDataBase::maximumLines; });
+    return all;
+}
+
+ModelChecker::ModelChecker(QObject *parent)
+    : QObject(parent),
+      m_sink([this](const CheckFinding &finding) { emit newError(finding.text()); })
+{
+    for (const PassRow &row : passRows)
+        m_passes.push_back(row.make());
+}
+
+ModelChecker::~ModelChecker() = default;
 
 int ModelChecker::checkProject(ObjectDataBase *database, const QString &projectPath)
 {
     m_projectPath = projectPath;
+    if (database == nullptr)
+        return 0;
     loadSuppressedGroups(database);
-    return database != nullptr ? ProjectChecks::checkProject(*this, *database) : 0;
+    const int before = m_sink.errorCount();
+    const CheckContext context{.database = *database,
+                               .settings = ProjectSettings(*database),
+                               .sink = m_sink,
+                               .projectPath = m_projectPath};
+    for (const auto &pass : m_passes)
+        pass->checkProject(context);
+    return m_sink.errorCount() - before;
+}
+
+int ModelChecker::checkLine(quint8 line, ObjectDataBase *database, bool *changed)
+{
+    const int number = database != nullptr ? database->getLineType(line) : LineType::Unknown;
+    return runLinePasses(LineType::of(number), line, database, changed);
 }
 
 int ModelChecker::checkCANopenLine(quint8 line, ObjectDataBase *database, bool *changed)
 {
-    loadSuppressedGroups(database);
-    if (database == nullptr) {
+    return runLinePasses(LineType::of(LineType::CANopen), line, database, changed);
+}
+
+int ModelChecker::runLinePasses(const LineType &type, quint8 line, ObjectDataBase *database,
+                                bool *changed)
+{
+    if (database == nullptr)
         return 0;
-    }
-    LineCheck check{.checker = *this,
-                    .database = *database,
-                    .line = line,
-                    .changed = changed,
-                    .projectPath = m_projectPath,
-                    .emcyRoutingReported = m_emcyRoutingReported};
-    check.model.load(*database, line);
-    LineChecks::checkValueConversions(check);
-    check.readSettings();
-    for (const LineChecks::Function function : lineChecks) {
-        function(check);
-    }
-    if (check.correctionCount > 0) {
-        // a write drops what the store knows of the line, and the generators want it whole
-        database->cacheAllSubs(line);
-    }
-    return check.errorCount;
+    loadSuppressedGroups(database);
+    const int before = m_sink.errorCount();
+    const CheckContext context{.database = *database,
+                               .settings = ProjectSettings(*database),
+                               .sink = m_sink,
+                               .projectPath = m_projectPath,
+                               .changed = changed};
+    if (type.number == LineType::Unknown)
+        m_sink.report(CommonMessage::LineTypeMissing, {QString::number(line)},
+                      {.line = line, .field = LineType::settingKey(line)});
+    for (std::size_t i = 0; i < std::size(passRows); ++i)
+        if (passRows[i].protocol != nullptr && type.*(passRows[i].protocol))
+            m_passes[i]->checkLine(context, line);
+    return m_sink.errorCount() - before;
 }
 
 void ModelChecker::loadSuppressedGroups(ObjectDataBase *database)
 {
-    if (database != nullptr) {
-        m_suppressedGroups =
-            ::parseWarningGroups(database->getMiscSetting(SuppressedWarningGroups));
-    }
+    if (database != nullptr)
+        m_sink.suppress(::parseWarningGroups(database->getMiscSetting(SuppressedWarningGroups)));
 }
 
 void ModelChecker::addGroupWarning(quint8 group, const QString &text)
 {
-    if (isSuppressed(group)) {
-        ++m_suppressedCounts[group];
-    } else {
+    if (m_sink.isSuppressed(group))
+        m_sink.countSuppressed(group);
+    else
         emit newError(text);
-    }
 }
 
 void ModelChecker::addGroupNote(quint8 group, const QString &text)
 {
-    if (!isSuppressed(group)) {
+    if (!m_sink.isSuppressed(group))
         emit newError(text);
-    }
-}
-
-QString ModelChecker::suppressedSummary() const
-{
-    quint32 sum = 0;
-    for (const quint32 count : m_suppressedCounts) {
-        sum += count;
-    }
-    if (sum == 0) {
-        return {};
-    }
-    QStringList lines(QStringLiteral("<strong>Note: </strong>%1 warning(s) suppressed by the "
-                                     "project settings:")
-                          .arg(sum));
-    for (const WarningGroup &group : ::warningGroups()) {
-        const quint32 count = m_suppressedCounts.value(group.number);
-        if (count != 0) {
-            lines.append(QStringLiteral("&nbsp;&nbsp;%1 (%2): %3")
-                             .arg(group.key, group.title, QString::number(count)));
-        }
-    }
-    return lines.join(u'\n');
-}
-
-int ModelChecker::report(CheckId id, const QStringList &arguments, const CheckPlace &place)
-{
-    const CheckDefinition &definition = checkDefinition(id);
-    const QString text = checkMessage(definition, arguments);
-    m_findings.append({.identifier = QLatin1String(definition.identifier),
-                       .kind = definition.kind,
-                       .group = definition.group,
-                       .counted = definition.counted,
-                       .suppressed = definition.group != 0 && isSuppressed(definition.group),
-                       .text = text,
-                       .place = place});
-    if (definition.group == 0) {
-        emit newError(text);
-    } else if (definition.kind == CheckClass::Note) {
-        addGroupNote(definition.group, text);
-    } else {
-        addGroupWarning(definition.group, text);
-    }
-    return definition.counted ? 1 : 0;
 }

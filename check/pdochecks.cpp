@@ -1,12 +1,12 @@
 #include "canopen/canopentypes.h"
+#include "canopen/cobid.h"
 #include "canopen/cohelper.h"
 #include "canopen/indextext.h"
 #include "canopen/numbertext.h"
 #include "canopen/objectranges.h"
-#include "check/linecheck.h"
-#include "check/linechecks.h"
+#include "check/canopenchecks.h"
+#include "check/canopenline.h"
 #include "check/valuetext.h"
-#include "store/objectdatabase.h"
 
 #include <QMap>
 
@@ -39,61 +39,52 @@ bool isOneOf(const QString &text, std::initializer_list<const char *> values)
 }
 
 /// What a mapped object must allow.
-void checkMappedObject(LineCheck &check, quint16 mapping, const MappingEntry &entry)
+void checkMappedObject(CanopenLine &check, quint16 mapping, const MappingEntry &entry)
 {
     const QStringList names = {IndexText::digits(entry.index),
                                IndexText::subDigits(entry.subindex)};
     const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
     if (target == nullptr) {
-        check.reportObject(CheckId::MappedObjectMissing, mapping, names);
+        check.reportObject(CanopenMessage::MappedObjectMissing, mapping, names);
         return;
     }
-    if (target->pdomapping.isEqualToType(PDOMapping::Forbidden)) {
-        check.reportObject(CheckId::MappedObjectForbidden, mapping, names);
-    }
+    if (target->pdomapping.isEqualToType(PDOMapping::Forbidden))
+        check.reportObject(CanopenMessage::MappedObjectForbidden, mapping, names);
     const quint8 length = COHelper::getDataLengthBits(target->datatype);
-    if (entry.bits < length) {
-        check.reportObject(CheckId::MappedObjectTooSmall, mapping, names);
-    } else if (entry.bits > length) {
-        check.reportObject(CheckId::MappedObjectTooLarge, mapping, names);
-    }
+    if (entry.bits < length)
+        check.reportObject(CanopenMessage::MappedObjectTooSmall, mapping, names);
+    else if (entry.bits > length)
+        check.reportObject(CanopenMessage::MappedObjectTooLarge, mapping, names);
     const bool transmit = mapping >= ObjectRanges::transmitPdos.low;
-    if (transmit && isOneOf(target->accesstype, {"wo", "rww"})) {
-        check.reportObject(CheckId::MappedAccessTransmit, mapping, names);
-    }
-    if (!transmit && isOneOf(target->accesstype, {"ro", "const", "rwr"})) {
-        check.reportObject(CheckId::MappedAccessReceive, mapping, names);
-    }
+    if (transmit && isOneOf(target->accesstype, {"wo", "rww"}))
+        check.reportObject(CanopenMessage::MappedAccessTransmit, mapping, names);
+    if (!transmit && isOneOf(target->accesstype, {"ro", "const", "rwr"}))
+        check.reportObject(CanopenMessage::MappedAccessReceive, mapping, names);
 }
 
 /// Returns the bits of all active entries.
-quint16 checkMappingEntries(LineCheck &check, const ObjectModel &mapping)
+quint16 checkMappingEntries(CanopenLine &check, const ObjectModel &mapping)
 {
     const quint8 count = toByte(mapping.value(0));
     const SubIndexModel *zero = mapping.find(0);
     const QString access = zero != nullptr ? zero->accesstype : QString();
-    if (access == QLatin1String("rw")) {
+    if (access == QLatin1String("rw"))
         check.dynamicSeen = true;
-    }
     quint16 totalBits = 0;
     for (const SubIndexModel &sub : mapping.subs) {
-        if (sub.subindex == 0) {
+        if (sub.subindex == 0)
             continue;
-        }
-        if (sub.accesstype != access) {
-            check.reportObject(CheckId::MappingAccessMixed, mapping.index);
-        }
+        if (sub.accesstype != access)
+            check.reportObject(CanopenMessage::MappingAccessMixed, mapping.index);
         const MappingEntry entry = mappingEntry(sub.defaultvalue);
         const bool active = sub.subindex <= count;
-        if (active) {
+        if (active)
             totalBits = static_cast<quint16>(totalBits + entry.bits);
-        }
-        if (entry.bits >= 1 && entry.bits <= 7) {
+        if (entry.bits >= 1 && entry.bits <= 7)
             check.bitwiseSeen = true;
-        }
         constexpr quint16 firstObject = 8; // below: data types, mapped as dummies
         if (active && entry.index == 0) {
-            check.reportObject(CheckId::MappingEntryEmpty, mapping.index,
+            check.reportObject(CanopenMessage::MappingEntryEmpty, mapping.index,
                                {QString::number(sub.subindex)});
         } else if (entry.index >= firstObject) {
             checkMappedObject(check, mapping.index, entry);
@@ -103,87 +94,84 @@ quint16 checkMappingEntries(LineCheck &check, const ObjectModel &mapping)
 }
 
 /// A dynamic TPDO that starts empty must start disabled.
-void correctEmptyTransmitPdo(LineCheck &check, const ObjectModel &mapping)
+void correctEmptyTransmitPdo(CanopenLine &check, const ObjectModel &mapping)
 {
     const SubIndexModel *zero = mapping.find(0);
     if (check.autoCorrectionDisabled || mapping.index < ObjectRanges::transmitMappings.low ||
         mapping.index > lastPredefinedMapping || zero == nullptr ||
-        zero->accesstype != QLatin1String("rw") || toNumber(zero->defaultvalue) != 0) {
+        zero->accesstype != QLatin1String("rw") || toNumber(zero->defaultvalue) != 0)
         return;
-    }
     const auto communication =
         static_cast<quint16>(mapping.index - ObjectRanges::pdoMappingDistance);
     const QString before = check.model.value(communication, 1);
-    const QString after = disabledCobId(before);
-    if (!isCobIdDisabled(before) && after != before &&
+    const QString after = CobId::disabled(before);
+    if (!CobId::isDisabled(before) && after != before &&
         check.correctDefaultValue(communication, 1, after)) {
-        check.report(CheckId::PdoDisabledCorrected, {IndexText::digits(communication), after},
-                     communication, 1);
+        check.report(CanopenMessage::PdoDisabledCorrected,
+                     {IndexText::digits(communication), after}, communication, 1);
     }
 }
 
-void checkMappingObject(LineCheck &check, const ObjectModel &mapping)
+void checkMappingObject(CanopenLine &check, const ObjectModel &mapping)
 {
     const auto communication =
         static_cast<quint16>(mapping.index - ObjectRanges::pdoMappingDistance);
     if (!check.model.contains(communication)) {
-        check.reportObject(CheckId::MappingWithoutCommunication, mapping.index,
+        check.reportObject(CanopenMessage::MappingWithoutCommunication, mapping.index,
                            {IndexText::digits(communication)});
     }
     const quint8 count = toByte(mapping.value(0));
     if (count <= highestCount && mapping.subs.size() < 2) {
-        check.reportObject(CheckId::MappingEmpty, mapping.index, {QString::number(check.line)});
+        check.reportObject(CanopenMessage::MappingEmpty, mapping.index,
+                           {QString::number(check.line)});
     }
-    if (checkMappingEntries(check, mapping) > check.maxPdoBits()) {
-        check.reportObject(CheckId::PdoTooLong, mapping.index);
-    }
-    if (count > mapping.entryCount() && count <= highestCount) {
-        check.reportObject(CheckId::MappingCountInvalid, mapping.index);
-    }
+    if (checkMappingEntries(check, mapping) > check.maxPdoBits())
+        check.reportObject(CanopenMessage::PdoTooLong, mapping.index);
+    if (count > mapping.entryCount() && count <= highestCount)
+        check.reportObject(CanopenMessage::MappingCountInvalid, mapping.index);
     correctEmptyTransmitPdo(check, mapping);
 }
 
 /// Enabled PDOs by COB-ID and the use of the node-ID in it.
 using CobIdUsers = QMap<QString, quint16>;
 
-void checkCobId(LineCheck &check, const ObjectModel &communication, CobIdUsers &users)
+void checkCobId(CanopenLine &check, const ObjectModel &communication, CobIdUsers &users)
 {
     const SubIndexModel *cobId = communication.find(1);
-    if (cobId == nullptr) {
+    if (cobId == nullptr)
         return;
-    }
     const QString text = cobId->defaultvalue.trimmed();
     QString rest = text;
     rest.remove(QLatin1String("$nodeid+"), Qt::CaseInsensitive);
     const bool hasNodeId = rest.size() != text.size();
     const auto number = NumberText::toUnsigned32(rest);
-    if (!number || (*number & cobIdInvalid) != 0) {
+    if (!number || (*number & cobIdInvalid) != 0)
         return;
-    }
     const auto mapping =
         static_cast<quint16>(communication.index + ObjectRanges::pdoMappingDistance);
     const SubIndexModel *mapped = check.model.find(mapping, 0);
     if (mapped != nullptr && toNumber(mapped->defaultvalue) == 0) {
-        check.reportObject(CheckId::PdoEnabledButEmpty, communication.index,
+        check.reportObject(CanopenMessage::PdoEnabledButEmpty, communication.index,
                            {IndexText::digits(mapping)});
     }
     const QString key =
         QStringLiteral("%1:0x%2").arg(hasNodeId ? 1 : 0).arg(*number & cobIdBits, 0, 16);
     const auto user = users.constFind(key);
     if (user != users.constEnd()) {
-        check.reportObject(CheckId::CobIdCollision, communication.index,
+        check.reportObject(CanopenMessage::CobIdCollision, communication.index,
                            {text, IndexText::digits(*user)});
     } else {
         users.insert(key, communication.index);
     }
 }
 
-void checkCommunicationObject(LineCheck &check, const ObjectModel &communication, CobIdUsers &users)
+void checkCommunicationObject(CanopenLine &check, const ObjectModel &communication,
+                              CobIdUsers &users)
 {
     const auto mapping =
         static_cast<quint16>(communication.index + ObjectRanges::pdoMappingDistance);
     if (!check.model.contains(mapping)) {
-        check.reportObject(CheckId::CommunicationWithoutMapping, communication.index,
+        check.reportObject(CanopenMessage::CommunicationWithoutMapping, communication.index,
                            {IndexText::digits(mapping)});
     }
     const auto isExported = [&](quint8 subindex) {
@@ -191,12 +179,12 @@ void checkCommunicationObject(LineCheck &check, const ObjectModel &communication
         return sub != nullptr && sub->isExported();
     };
     if (!isExported(1)) {
-        check.report(CheckId::CobIdNotInEds, {IndexText::digits(communication.index)},
+        check.report(CanopenMessage::CobIdNotInEds, {IndexText::digits(communication.index)},
                      communication.index, 1);
     }
     if (!isExported(2)) {
-        check.report(CheckId::TransmissionTypeNotInEds, {IndexText::digits(communication.index)},
-                     communication.index, 2);
+        check.report(CanopenMessage::TransmissionTypeNotInEds,
+                     {IndexText::digits(communication.index)}, communication.index, 2);
     }
     checkCobId(check, communication, users);
 }
@@ -216,11 +204,10 @@ const QMap<quint16, QStringList> &predefinedConnectionSet()
         QMap<quint16, QStringList> map;
         for (const auto &[index, base] : bases) {
             QStringList texts(QStringLiteral("$nodeid+0x%1").arg(base, 0, 16));
-            for (const char *top : {"0", "8", "4", "c"}) {
+            for (const char *top : {"0", "8", "4", "c"})
                 texts.append(QStringLiteral("$nodeid+0x%1%2")
                                  .arg(QLatin1String(top))
                                  .arg(base, 7, 16, QChar(u'0')));
-            }
             map.insert(index, texts);
         }
         return map;
@@ -230,109 +217,93 @@ const QMap<quint16, QStringList> &predefinedConnectionSet()
 
 } // namespace
 
-void LineChecks::checkPdoMapping(LineCheck &check)
+void CanopenChecks::checkPdoMapping(CanopenLine &check)
 {
-    for (const ObjectRange &range : mappingRanges) {
-        for (const ObjectModel &mapping : check.model.range(range)) {
+    for (const ObjectRange &range : mappingRanges)
+        for (const ObjectModel &mapping : check.model.range(range))
             checkMappingObject(check, mapping);
-        }
-    }
 }
 
-void LineChecks::checkPdoCommunication(LineCheck &check)
+void CanopenChecks::checkPdoCommunication(CanopenLine &check)
 {
     CobIdUsers users;
-    for (const ObjectRange &range : communicationRanges) {
-        for (const ObjectModel &communication : check.model.range(range)) {
+    for (const ObjectRange &range : communicationRanges)
+        for (const ObjectModel &communication : check.model.range(range))
             checkCommunicationObject(check, communication, users);
-        }
-    }
 }
 
-void LineChecks::checkPdoTimes(LineCheck &check)
+void CanopenChecks::checkPdoTimes(CanopenLine &check)
 {
     constexpr quint8 inhibitTime = 3; // in 100 us
     constexpr quint8 eventTimer = 5;  // in ms
     for (const ObjectModel &communication : check.model.range(ObjectRanges::transmitPdos)) {
-        if (communication.find(inhibitTime) == nullptr ||
-            communication.find(eventTimer) == nullptr) {
+        if (communication.find(inhibitTime) == nullptr || communication.find(eventTimer) == nullptr)
             continue;
-        }
         const quint64 event = toNumber(communication.value(eventTimer));
-        if (event != 0 && toNumber(communication.value(inhibitTime)) / 10 >= event) {
-            check.reportObject(CheckId::EventBelowInhibitTime, communication.index);
-        }
+        if (event != 0 && toNumber(communication.value(inhibitTime)) / 10 >= event)
+            check.reportObject(CanopenMessage::EventBelowInhibitTime, communication.index);
     }
 }
 
-void LineChecks::checkSrdoCommunication(LineCheck &check)
+void CanopenChecks::checkSrdoCommunication(CanopenLine &check)
 {
     for (const ObjectModel &communication : check.model.range(ObjectRanges::srdos)) {
         const auto mapping =
             static_cast<quint16>(communication.index + ObjectRanges::srdoMappingDistance);
         if (!check.model.contains(mapping)) {
-            check.reportObject(CheckId::SrdoWithoutMapping, communication.index,
+            check.reportObject(CanopenMessage::SrdoWithoutMapping, communication.index,
                                {IndexText::digits(mapping)});
         }
     }
 }
 
-void LineChecks::checkSrdoMapping(LineCheck &check)
+void CanopenChecks::checkSrdoMapping(CanopenLine &check)
 {
     for (const ObjectModel &mapping : check.model.range({ObjectRanges::srdoMappings.low, 0x13BF})) {
         for (const SubIndexModel &sub : mapping.subs) {
-            if (sub.subindex == 0) {
+            if (sub.subindex == 0)
                 continue;
-            }
             const MappingEntry entry = mappingEntry(sub.defaultvalue);
             const QStringList names = {IndexText::digits(entry.index),
                                        IndexText::subDigits(entry.subindex)};
             const SubIndexModel *target = check.model.find(entry.index, entry.subindex);
             if (target == nullptr) {
-                check.reportObject(CheckId::SrdoMappedMissing, mapping.index, names);
+                check.reportObject(CanopenMessage::SrdoMappedMissing, mapping.index, names);
                 continue;
             }
-            if (target->implementation != CANopen::Variable) {
-                check.reportObject(CheckId::SrdoMappedManaged, mapping.index, names);
-            }
-            if (target->pdomapping.isEqualToType(PDOMapping::Forbidden)) {
-                check.reportObject(CheckId::SrdoMappedForbidden, mapping.index, names);
-            }
+            if (target->implementation != CANopen::Variable)
+                check.reportObject(CanopenMessage::SrdoMappedManaged, mapping.index, names);
+            if (target->pdomapping.isEqualToType(PDOMapping::Forbidden))
+                check.reportObject(CanopenMessage::SrdoMappedForbidden, mapping.index, names);
         }
     }
 }
 
-void LineChecks::checkGranularity(LineCheck &check)
+void CanopenChecks::checkGranularity(CanopenLine &check)
 {
     constexpr quint8 wholeBytes = 8;
-    if (check.bitwiseSeen && check.granularity == wholeBytes) {
-        check.report(CheckId::BitwiseGranularity);
-    }
-    if (check.bitwiseSeen && !check.bitwiseEnabled) {
-        check.report(CheckId::BitwiseDisabled);
-    }
-    if (check.dynamicSeen && check.granularity == 0) {
-        check.report(CheckId::DynamicGranularity);
-    }
+    if (check.bitwiseSeen && check.granularity == wholeBytes)
+        check.report(CanopenMessage::BitwiseGranularity);
+    if (check.bitwiseSeen && !check.bitwiseEnabled)
+        check.report(CanopenMessage::BitwiseDisabled);
+    if (check.dynamicSeen && check.granularity == 0)
+        check.report(CanopenMessage::DynamicGranularity);
 }
 
-void LineChecks::checkPredefinedConnectionSet(LineCheck &check)
+void CanopenChecks::checkPredefinedConnectionSet(CanopenLine &check)
 {
-    const QString overwrite = check.database.getGeneralSetting(QStringLiteral("overwrite_predef"));
-    if (toDecimal(itemOrLast(overwrite, check.line)) != 0) {
+    if (check.settings().lineDecimal("overwrite_predef", check.line) != 0)
         return;
-    }
     bool found = false;
     const QMap<quint16, QStringList> &table = predefinedConnectionSet();
     for (auto row = table.cbegin(); row != table.cend(); ++row) {
         if (check.model.contains(row.key()) &&
             !row.value().contains(check.model.value(row.key(), 1).toLower())) {
-            check.report(CheckId::PredefinedConnectionSet, {IndexText::digits(row.key())},
+            check.report(CanopenMessage::PredefinedConnectionSet, {IndexText::digits(row.key())},
                          row.key(), 1);
             found = true;
         }
     }
-    if (found) {
-        check.report(CheckId::PredefinedConnectionSetNote);
-    }
+    if (found)
+        check.report(CanopenMessage::PredefinedConnectionSetNote);
 }

@@ -1,15 +1,15 @@
-#include "check/linecheck.h"
-#include "check/linechecks.h"
-#include "check/valuetext.h"
+#include "check/canopenchecks.h"
+#include "check/canopenline.h"
 #include "store/objectdatabase.h"
 
 #include <algorithm>
 
 namespace {
 
-QString setting(const LineCheck &check, const char *key)
+/// What a line has of its own: nothing beyond the end of the list.
+QString ownText(const CanopenLine &check, const char *key)
 {
-    return check.database.getGeneralSetting(QLatin1String(key));
+    return check.settings().lineText(key, check.line, ProjectSettings::Beyond::Nothing);
 }
 
 bool isDecimal(const QString &text)
@@ -21,77 +21,66 @@ bool isDecimal(const QString &text)
 
 } // namespace
 
-void LineChecks::checkNodeId(LineCheck &check)
+void CanopenChecks::checkNodeId(CanopenLine &check)
 {
-    const QString id = itemOrEmpty(setting(check, "co_node_id"), check.line).trimmed();
-    const QString function = itemOrEmpty(setting(check, "co_node_id_fct"), check.line).trimmed();
-    if (id.isEmpty() && function.isEmpty()) {
-        check.report(CheckId::NodeIdMissing, {QString::number(check.line)});
-    }
-    if (function.contains(u'(')) {
-        check.report(CheckId::NodeIdFunctionOpens);
-    }
-    if (function.contains(u')')) {
-        check.report(CheckId::NodeIdFunctionCloses);
-    }
+    const QString id = ownText(check, "co_node_id").trimmed();
+    const QString function = ownText(check, "co_node_id_fct").trimmed();
+    if (id.isEmpty() && function.isEmpty())
+        check.report(CanopenMessage::NodeIdMissing, {QString::number(check.line)});
+    if (function.contains(u'('))
+        check.report(CanopenMessage::NodeIdFunctionOpens);
+    if (function.contains(u')'))
+        check.report(CanopenMessage::NodeIdFunctionCloses);
 }
 
-void LineChecks::checkBuffers(LineCheck &check)
+void CanopenChecks::checkBuffers(CanopenLine &check)
 {
-    if (!isDecimal(itemOrEmpty(setting(check, "receivebuffersize"), check.line))) {
-        check.report(CheckId::ReceiveBuffer);
-    }
-    if (!isDecimal(itemOrEmpty(setting(check, "transmitbuffersize"), check.line))) {
-        check.report(CheckId::TransmitBuffer);
-    }
+    if (!isDecimal(ownText(check, "receivebuffersize")))
+        check.report(CanopenMessage::ReceiveBuffer);
+    if (!isDecimal(ownText(check, "transmitbuffersize")))
+        check.report(CanopenMessage::TransmitBuffer);
 }
 
-void LineChecks::checkMultiLineMasterSlave(LineCheck &check)
+void CanopenChecks::checkMultiLineMasterSlave(CanopenLine &check)
 {
     constexpr int masterOrSlave = 2; // chosen at run time
     if (check.line != 0 && check.nmtMaster == masterOrSlave &&
-        !setting(check, "co_ml_ms").contains(u',')) {
-        check.report(CheckId::MultiLineMasterSlave);
-    }
+        !check.settings().text("co_ml_ms").contains(u','))
+        check.report(CanopenMessage::MultiLineMasterSlave);
 }
 
-void LineChecks::checkUsdoServer(LineCheck &check)
+void CanopenChecks::checkUsdoServer(CanopenLine &check)
 {
-    const auto item = [&](const char *key) {
-        return itemOrLast(setting(check, key), check.line).trimmed();
-    };
-    if (check.canFd && item("usdo_server_enabled") == QLatin1String("1") &&
-        toDecimal(item("usdo_server_cnt")) == 0) {
-        check.report(CheckId::UsdoServerCount);
-    }
+    const QString enabled = check.settings().lineText("usdo_server_enabled", check.line).trimmed();
+    if (check.canFd && enabled == QLatin1String("1") &&
+        check.settings().lineDecimal("usdo_server_cnt", check.line) == 0)
+        check.report(CanopenMessage::UsdoServerCount);
 }
 
-void LineChecks::checkPdoIndications(LineCheck &check)
+void CanopenChecks::checkPdoIndications(CanopenLine &check)
 {
-    if (setting(check, "use_core_headers") == QLatin1String("V4")) {
+    if (check.settings().text("use_core_headers") == QLatin1String("V4"))
         return;
-    }
-    const bool transmit = setting(check, "fct_pdo").trimmed().isEmpty();
-    const bool receive = setting(check, "fct_pdo_receive").trimmed().isEmpty();
-    if (transmit != receive) {
-        check.report(CheckId::PdoIndicationPair);
-    }
+    const auto isEmpty = [&](const char *key) {
+        return check.settings().text(key).trimmed().isEmpty();
+    };
+    if (isEmpty("fct_pdo") != isEmpty("fct_pdo_receive"))
+        check.report(CanopenMessage::PdoIndicationPair);
 }
 
-void LineChecks::checkEmcyRouting(LineCheck &check)
+void CanopenChecks::checkEmcyRouting(CanopenLine &check)
 {
     constexpr quint8 firstScratchLine = 250;
-    if (check.emcyRoutingReported || toDecimal(setting(check, "emcy_routing")) < 1) {
+    if (check.emcyRoutingReported || check.settings().decimal("emcy_routing") < 1)
         return;
-    }
-    const QList<quint8> lines = check.database.getLines();
+    const QList<quint8> lines = check.database().getLines();
     const auto anyLineHas = [&](quint16 index) {
         return std::any_of(lines.begin(), lines.end(), [&](quint8 line) {
-            return line < firstScratchLine && check.database.indexExists(line, index);
+            return line < firstScratchLine && check.database().indexExists(line, index);
         });
     };
     if (!anyLineHas(0x1014) || !anyLineHas(0x1028)) {
-        check.report(CheckId::EmcyRouting);
+        check.report(CanopenMessage::EmcyRouting);
         check.emcyRoutingReported = true;
     }
 }

@@ -3,9 +3,6 @@
 #include "canopen/canopentypes.h"
 #include "canopen/numbertext.h"
 
-#include <QRegularExpression>
-#include <QStringList>
-
 namespace {
 
 enum class Reading { Unsigned, Signed, Float, None };
@@ -42,29 +39,18 @@ Reading readingOf(quint16 dataType)
     }
 }
 
-constexpr quint64 cobIdInvalid = 0x80000000U;
-
 /// Group 1: the node-ID in front, group 2: the number.
-QRegularExpressionMatch matchCobId(const QString &text)
-{
-    static const QRegularExpression pattern(QStringLiteral("(\\$nodeid\\+)*(0x[0-9A-Fa-f]+)"),
-                                            QRegularExpression::CaseInsensitiveOption);
-    return pattern.match(text);
-}
-
 } // namespace
 
 bool isValueConvertible(quint16 dataType, const QString &text)
 {
-    if (text.isEmpty()) {
+    if (text.isEmpty())
         return true;
-    }
     bool ok = true;
     switch (readingOf(dataType)) {
     case Reading::Unsigned:
-        if (!text.contains(QLatin1String("$NODEID"))) {
+        if (!text.contains(QLatin1String("$NODEID")))
             ok = NumberText::toUnsigned(text).has_value();
-        }
         break;
     case Reading::Signed: {
         const auto number = NumberText::toSigned(text);
@@ -88,40 +74,4 @@ quint64 toNumber(const QString &text)
 quint8 toByte(const QString &text)
 {
     return static_cast<quint8>(toNumber(text));
-}
-
-int toDecimal(const QString &text)
-{
-    return text.toInt();
-}
-
-QString itemOrLast(const QString &list, quint8 line)
-{
-    const QStringList items = list.split(u',');
-    return line < items.size() ? items.at(line) : items.last();
-}
-
-QString itemOrEmpty(const QString &list, quint8 line)
-{
-    return list.split(u',').value(line);
-}
-
-QString disabledCobId(const QString &text)
-{
-    const QRegularExpressionMatch match = matchCobId(text);
-    bool ok = false;
-    const quint64 number = match.captured(2).toULongLong(&ok, 16);
-    if (!ok) {
-        return text;
-    }
-    const QString digits =
-        (number & cobIdInvalid) != 0
-            ? match.captured(2)
-            : QStringLiteral("0x%1").arg(number | cobIdInvalid, 8, 16, QChar(u'0'));
-    return match.captured(0) == match.captured(2) ? digits : match.captured(1) + digits;
-}
-
-bool isCobIdDisabled(const QString &text)
-{
-    return (matchCobId(text).captured(2).toULongLong(nullptr, 16) & cobIdInvalid) != 0;
 }

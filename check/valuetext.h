@@ -12,17 +12,3 @@
 [[nodiscard]] quint64 toNumber(const QString &text);
 /// `toNumber` cut to 8 bits, as the device holds a subindex 0.
 [[nodiscard]] quint8 toByte(const QString &text);
-/// Decimal; 0 for a text that is no number.
-[[nodiscard]] int toDecimal(const QString &text);
-
-/// The item of a comma list that belongs to a line; for a line beyond the end the last item.
-[[nodiscard]] QString itemOrLast(const QString &list, quint8 line);
-/// The same; for a line beyond the end an empty text.
-[[nodiscard]] QString itemOrEmpty(const QString &list, quint8 line);
-
-/// A COB-ID text with bit 31 set, which disables a PDO (CiA 301): "$nodeid+0x180" becomes
-/// "$nodeid+0x80000180". A text without a hexadecimal number stays as it is.
-[[nodiscard]] QString disabledCobId(const QString &text);
-
-/// Whether the hexadecimal number in a COB-ID text has bit 31 set.
-[[nodiscard]] bool isCobIdDisabled(const QString &text);

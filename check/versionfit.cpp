@@ -1,5 +1,5 @@
-#include "check/linecheck.h"
-#include "check/linechecks.h"
+#include "check/canopenchecks.h"
+#include "check/canopenline.h"
 #include "check/versionreader.h"
 
 #include <QCoreApplication>
@@ -14,9 +14,8 @@ QString ownVersion()
     const QString version = QCoreApplication::applicationVersion();
     const auto dots = version.count(u'.');
     const auto last = version.lastIndexOf(u'.');
-    if (dots == 2) {
+    if (dots == 2)
         return version.left(last);
-    }
     // a build number behind a patch number of one digit
     return dots == 3 ? version.left(last - 2) : version;
 }
@@ -24,9 +23,8 @@ QString ownVersion()
 /// A folder that does not exist keeps its plain path, so that the message can name it.
 QString stackFolder(const QString &path, const QString &projectPath)
 {
-    if (!QFileInfo(path).isRelative()) {
+    if (!QFileInfo(path).isRelative())
         return path;
-    }
     const QString joined = projectPath + u'/' + path;
     const QString canonical = QFileInfo(joined).canonicalFilePath();
     return canonical.isEmpty() ? QDir::cleanPath(joined) : canonical;
@@ -34,32 +32,30 @@ QString stackFolder(const QString &path, const QString &projectPath)
 
 } // namespace
 
-void LineChecks::checkStackVersion(LineCheck &check)
+void CanopenChecks::checkStackVersion(CanopenLine &check)
 {
-    if (check.stackPath.isEmpty()) {
-        check.report(CheckId::StackNoPath);
-        check.report(CheckId::StackNoPathNote);
+    const QString path = check.settings().text(SettingKey::misc(QStringLiteral("costackpath")));
+    if (path.isEmpty()) {
+        check.report(CanopenMessage::StackNoPath);
+        check.report(CanopenMessage::StackNoPathNote);
         return;
     }
-    const QDir folder(stackFolder(check.stackPath, check.projectPath));
+    const QDir folder(stackFolder(path, check.context.projectPath));
     const QStringList files =
         folder.entryList({QStringLiteral("*_featureinfo_*.xml")}, QDir::Files);
-    if (files.isEmpty()) {
-        check.report(CheckId::StackNoFeatureFile, {folder.path()});
-    }
+    if (files.isEmpty())
+        check.report(CanopenMessage::StackNoFeatureFile, {folder.path()});
     const QString own = ownVersion();
     for (const QString &file : files) {
         VersionReader reader;
         reader.setFile(folder.filePath(file));
         const QString required = reader.requiredToolVersion().trimmed();
-        if (required == own) {
+        if (required == own)
             continue;
-        }
-        if (required == VersionReader::unknownVersion) {
-            check.report(CheckId::StackNeedsOlderTool);
-        } else {
-            check.report(CheckId::StackNeedsOtherTool, {required, own});
-        }
+        if (required == VersionReader::unknownVersion)
+            check.report(CanopenMessage::StackNeedsOlderTool);
+        else
+            check.report(CanopenMessage::StackNeedsOtherTool, {required, own});
         break;
     }
 }

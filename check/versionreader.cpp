@@ -1,9 +1,8 @@
 #include "check/versionreader.h"
 
-#include "canopen/safefile.h"
-
 #include <QDebug>
 #include <QDomDocument>
+#include <QFile>
 #include <QFileInfo>
 #include <QXmlStreamReader>
 
@@ -22,14 +21,12 @@ bool isHarmless(const QByteArray &content)
         switch (reader.readNext()) {
         case QXmlStreamReader::DTD:
             if (!reader.entityDeclarations().isEmpty() ||
-                reader.text().contains(QLatin1String("<!ENTITY"))) {
+                reader.text().contains(QLatin1String("<!ENTITY")))
                 return false;
-            }
             break;
         case QXmlStreamReader::StartElement:
-            if (++depth > maximumDepth) {
+            if (++depth > maximumDepth)
                 return false;
-            }
             break;
         case QXmlStreamReader::EndElement:
             --depth;
@@ -45,26 +42,30 @@ bool isHarmless(const QByteArray &content)
 
 bool VersionReader::setFile(const QString &path)
 {
-    if (!QFileInfo::exists(path)) {
+    if (!QFileInfo::exists(path))
         return false;
-    }
     m_path = path;
     return true;
 }
 
 QString VersionReader::requiredToolVersion() const
 {
-    QString error;
-    const auto content = SafeFile::read(m_path, maximumSize, error);
+    QFile file(m_path);
+    if (m_path.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+        qWarning() << "VersionReader: can't read" << m_path << file.errorString();
+        return unknownVersion;
+    }
+    const QByteArray content = file.read(maximumSize + 1);
     QDomDocument document;
-    if (!content || !isHarmless(*content) || !document.setContent(*content, &error)) {
+    QString error;
+    if (content.size() > maximumSize || !isHarmless(content) ||
+        !document.setContent(content, &error)) {
         qWarning() << "VersionReader: refused" << m_path << error;
         return unknownVersion;
     }
     const QDomNodeList elements =
         document.elementsByTagName(QStringLiteral("required_tool_version"));
-    if (elements.isEmpty()) {
+    if (elements.isEmpty())
         return unknownVersion;
-    }
     return elements.at(0).firstChild().toText().data();
 }

@@ -46,11 +46,10 @@ const QList<WarningGroup> &warningGroups()
 {
     static const QList<WarningGroup> groups = [] {
         QList<WarningGroup> list;
-        for (const Row &row : rows) {
+        for (const Row &row : rows)
             list.append({row.number, QLatin1String(row.key),
                          QCoreApplication::translate("ModelCheck", row.title),
                          QCoreApplication::translate("ModelCheck", row.description), row.scope});
-        }
         return list;
     }();
     return groups;
@@ -64,9 +63,8 @@ QByteArray parseWarningGroups(const QString &text)
         for (const Row &row : rows) {
             const bool named =
                 piece.trimmed().compare(QLatin1String(row.key), Qt::CaseInsensitive) == 0;
-            if (named && !numbers.contains(static_cast<char>(row.number))) {
+            if (named && !numbers.contains(static_cast<char>(row.number)))
                 numbers.append(static_cast<char>(row.number));
-            }
         }
     }
     return numbers;
@@ -75,10 +73,8 @@ QByteArray parseWarningGroups(const QString &text)
 QString formatWarningGroups(const QByteArray &groups)
 {
     QStringList keys;
-    for (const Row &row : rows) {
-        if (groups.contains(static_cast<char>(row.number))) {
+    for (const Row &row : rows)
+        if (groups.contains(static_cast<char>(row.number)))
             keys.append(QLatin1String(row.key));
-        }
-    }
     return keys.join(u',');
 }

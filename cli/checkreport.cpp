@@ -1,10 +1,9 @@
 #include "cli/checkreport.h"
 
-#include "canopen/indextext.h"
+#include "check/checktable.h"
 #include "check/warninggroups.h"
 #include "generation/plaintextoutputhandler.h"
 
-#include <QHash>
 #include <QRegularExpression>
 #include <QStringList>
 
@@ -67,20 +66,9 @@ const QList<CheckRule> &rules()
     return list;
 }
 
-const CheckRule &rule(const QString &identifier)
-{
-    static const QHash<QString, qsizetype> positions = [] {
-        QHash<QString, qsizetype> map;
-        for (qsizetype i = 0; i < rules().size(); ++i)
-            map.insert(rules().at(i).identifier, i);
-        return map;
-    }();
-    return rules().at(positions.value(identifier));
-}
-
 QString plainMessage(const CheckFinding &finding)
 {
-    return plain(finding.text);
+    return plain(finding.text());
 }
 
 QString placeText(const CheckPlace &place)
@@ -90,9 +78,9 @@ QString placeText(const CheckPlace &place)
     QString text = QStringLiteral("line%1").arg(place.line);
     if (place.index < 0)
         return text;
-    text += QLatin1Char('/') + IndexText::hex(quint16(place.index));
+    text += QStringLiteral("/0x%1").arg(place.index, 4, 16, QLatin1Char('0'));
     if (place.subindex >= 0)
-        text += QLatin1Char('/') + IndexText::subHex(quint8(place.subindex));
+        text += QStringLiteral("/0x%1").arg(place.subindex, 2, 16, QLatin1Char('0'));
     return text;
 }
 
@@ -108,8 +96,9 @@ QString groupKey(quint8 group)
 int countOf(const CheckReport &report, CheckClass kind)
 {
     return static_cast<int>(std::count_if(
-        report.findings.begin(), report.findings.end(),
-        [&](const CheckFinding &finding) { return finding.kind == kind && !finding.suppressed; }));
+        report.findings.begin(), report.findings.end(), [&](const CheckFinding &finding) {
+            return finding.definition->kind == kind && !finding.suppressed;
+        }));
 }
 
 int suppressedCount(const CheckReport &report)
@@ -126,8 +115,9 @@ QByteArray text(const CheckReport &report)
         lines += placeText({}) + QLatin1String(": ") + externalChangeNote + u'\n';
     for (const CheckFinding &finding : report.findings) {
         if (!finding.suppressed)
-            lines += QStringLiteral("%1: %2 [%3]\n")
-                         .arg(placeText(finding.place), plainMessage(finding), finding.identifier);
+            lines +=
+                QStringLiteral("%1: %2 [%3]\n")
+                    .arg(placeText(finding.place), plainMessage(finding), finding.identifier());
     }
     return (lines + sums(report) + u'\n').toUtf8();
 }

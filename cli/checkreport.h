@@ -1,6 +1,6 @@
 #pragma once
 
-#include "check/checktable.h"
+#include "check/checkfinding.h"
 
 #include <QByteArray>
 #include <QList>
@@ -42,7 +42,6 @@ namespace CheckReports {
 
 /// Every rule of the model check.
 [[nodiscard]] const QList<CheckRule> &rules();
-[[nodiscard]] const CheckRule &rule(const QString &identifier);
 /// Message without mark-up, in one line.
 [[nodiscard]] QString plainMessage(const CheckFinding &finding);
 /// "line0/0x1018/0x01", "line0/0x1018", "line0", or "project" for what belongs to no line.

@@ -6,6 +6,7 @@
 #include "generation/generatormainhandler.h"
 #include "generation/plaintextoutputhandler.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -132,9 +133,8 @@ ExitCode GenerateCommand::run(const CommandCall &call, Console &console) const
     }
     if (handler.store()->wasExternallyModified())
         output.outputMessage(externalChangeNote);
-    const QString virtualObjects =
-        handler.store()->getGeneralSetting(QStringLiteral("special_virtual_objects"));
-    handler.setVirtualObjects(virtualObjects.toInt() != 0);
+    const ProjectSettings settings(*handler.store());
+    handler.setVirtualObjects(settings.decimal("special_virtual_objects") != 0);
     handler.setGenerateSrdo(call.value(srdoKey) == QLatin1String("yes"));
     handler.setQuiet(true);
 

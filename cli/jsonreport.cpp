@@ -22,17 +22,19 @@ QJsonValue numberOrNull(int number)
 
 QJsonObject findingObject(const CheckFinding &finding)
 {
-    return {{QStringLiteral("identifier"), finding.identifier},
-            {QStringLiteral("class"), checkClassName(finding.kind).toLower()},
-            {QStringLiteral("warningGroup"), textOrNull(CheckReports::groupKey(finding.group))},
-            {QStringLiteral("counted"), finding.counted},
+    const CheckDefinition &definition = *finding.definition;
+    return {{QStringLiteral("identifier"), finding.identifier()},
+            {QStringLiteral("class"), checkClassName(definition.kind).toLower()},
+            {QStringLiteral("warningGroup"), textOrNull(CheckReports::groupKey(definition.group))},
+            {QStringLiteral("counted"), definition.errors > 0},
             {QStringLiteral("suppressed"), finding.suppressed},
             {QStringLiteral("text"), CheckReports::plainMessage(finding)},
-            {QStringLiteral("reason"), CheckReports::rule(finding.identifier).reason},
+            {QStringLiteral("reason"), QString::fromUtf8(definition.reason)},
             {QStringLiteral("object"), CheckReports::placeText(finding.place)},
             {QStringLiteral("line"), numberOrNull(finding.place.line)},
             {QStringLiteral("index"), numberOrNull(finding.place.index)},
-            {QStringLiteral("subindex"), numberOrNull(finding.place.subindex)}};
+            {QStringLiteral("subindex"), numberOrNull(finding.place.subindex)},
+            {QStringLiteral("field"), textOrNull(finding.field())}};
 }
 
 QJsonObject groupObjects()

@@ -97,21 +97,22 @@ QJsonArray suppressions(const CheckFinding &finding)
     if (!finding.suppressed)
         return {};
     const QString why = QStringLiteral("The project suppresses the warning group %1.")
-                            .arg(CheckReports::groupKey(finding.group));
+                            .arg(CheckReports::groupKey(finding.definition->group));
     return {QJsonObject{{QStringLiteral("kind"), QStringLiteral("external")},
                         {QStringLiteral("justification"), why}}};
 }
 
 QJsonObject resultObject(const CheckFinding &finding, const QString &uri)
 {
+    const CheckDefinition &definition = *finding.definition;
     // Where one result tells whether it is suppressed, all have to (3.27.23).
-    return {{QStringLiteral("ruleId"), finding.identifier},
-            {QStringLiteral("ruleIndex"), ruleIndex(finding.identifier)},
-            {QStringLiteral("level"), levelOf(finding.kind)},
+    return {{QStringLiteral("ruleId"), finding.identifier()},
+            {QStringLiteral("ruleIndex"), ruleIndex(finding.identifier())},
+            {QStringLiteral("level"), levelOf(definition.kind)},
             {QStringLiteral("message"), message(CheckReports::plainMessage(finding))},
             {QStringLiteral("locations"), QJsonArray{location(finding.place, uri)}},
             {QStringLiteral("suppressions"), suppressions(finding)},
-            {QStringLiteral("properties"), properties(finding.kind, finding.group)}};
+            {QStringLiteral("properties"), properties(definition.kind, definition.group)}};
 }
 
 QJsonObject driverObject()

@@ -11,7 +11,7 @@ bool DictionaryClipboard::copy(ObjectDataBase &store, quint8 line, QList<quint16
         if (store.indexExists(line, index))
             objects.push_back(readDictionaryObject(store, line, index));
     }
-    if (objects.empty())
+    if (objects.empty() || !std::ranges::all_of(objects, &DictionaryObject::isWhole))
         return false;
     m_objects = std::move(objects);
     return true;

@@ -21,7 +21,7 @@ public:
     }
 
     /// Takes the objects of the list that the line has. False, and the former content stays, if it
-    /// has none of them.
+    /// has none of them or one can't be read.
     [[nodiscard]] bool copy(ObjectDataBase &store, quint8 line, QList<quint16> indices);
 
 private:

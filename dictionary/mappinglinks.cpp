@@ -102,6 +102,37 @@ void MappingLinks::setDataType(EditTransaction &edit, Key mapped, quint16 dataTy
     }
 }
 
+const MappingLinks &MappingFollower::links(quint8 line)
+{
+    return m_links.try_emplace(line, m_edit.store(), line).first->second;
+}
+
+void MappingFollower::follow(const QList<Move> &moves)
+{
+    QHash<Key, Key> own;
+    QHash<Key, Key> shared;
+    for (const Move &move : moves) {
+        own.insert(move.from, move.to);
+        if (move.isShared)
+            shared.insert(move.from, move.to);
+    }
+    if (!own.isEmpty())
+        links(m_line).follow(m_edit, own);
+    if (shared.isEmpty())
+        return;
+    for (const quint8 line : otherLines(m_edit.store(), m_line))
+        links(line).follow(m_edit, shared);
+}
+
+void MappingFollower::setDataType(Key mapped, quint16 dataType, bool isShared)
+{
+    links(m_line).setDataType(m_edit, mapped, dataType);
+    if (!isShared)
+        return;
+    for (const quint8 line : otherLines(m_edit.store(), m_line))
+        links(line).setDataType(m_edit, mapped, dataType);
+}
+
 QList<ObjectDataBase::SubIndexKey> getMappingsOfObject(ObjectDataBase &store, quint8 line,
                                                        quint16 index, quint8 subindex)
 {

@@ -6,6 +6,7 @@
 #include <QHash>
 #include <QList>
 
+#include <map>
 #include <optional>
 
 class EditTransaction;
@@ -30,6 +31,34 @@ public:
 private:
     quint8 m_line;
     QHash<Key, QList<Key>> m_entries; ///< mapped subindex to entries of mapping objects
+};
+
+/// Has mapping entries follow one edit of an object: on the line of the edit, and for what is
+/// shared on all others too. Reads the mapping objects of a line only if there is something to
+/// follow.
+class MappingFollower
+{
+public:
+    using Key = MappingLinks::Key;
+    /// Where a subindex goes.
+    struct Move
+    {
+        Key from;
+        Key to;
+        bool isShared = false;
+    };
+
+    MappingFollower(EditTransaction &edit, quint8 line) : m_edit(edit), m_line(line) {}
+
+    void follow(const QList<Move> &moves);
+    void setDataType(Key mapped, quint16 dataType, bool isShared);
+
+private:
+    const MappingLinks &links(quint8 line);
+
+    EditTransaction &m_edit;
+    quint8 m_line;
+    std::map<quint8, MappingLinks> m_links;
 };
 
 /// The entry in a mapping object's value, automatic base; none for an empty text or one that is no

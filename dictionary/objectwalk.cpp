@@ -26,6 +26,11 @@ void read(ObjectDataBase &store, quint8 line, quint16 index, DictionaryObject &o
 
 } // namespace
 
+bool DictionaryObject::isWhole() const
+{
+    return isReadable && std::ranges::all_of(entries, &DictionaryEntry::isReadable);
+}
+
 bool DictionaryObject::isCompound() const
 {
     return data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD;
@@ -72,9 +77,13 @@ quint8 DictionaryObject::highest() const
 
 bool DictionaryObject::isShared() const
 {
-    return index >= ObjectRanges::manufacturer.low &&
-           std::ranges::any_of(entries,
-                               [](const DictionaryEntry &entry) { return entry.data.sharedlines; });
+    return std::ranges::any_of(entries,
+                               [this](const DictionaryEntry &entry) { return isShared(entry); });
+}
+
+bool DictionaryObject::isShared(const DictionaryEntry &entry) const
+{
+    return index >= ObjectRanges::manufacturer.low && entry.data.sharedlines;
 }
 
 DictionaryObject readDictionaryObject(ObjectDataBase &store, quint8 line, quint16 index)

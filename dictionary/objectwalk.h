@@ -23,6 +23,8 @@ struct DictionaryObject
     ObjectDataBase::INDEX_DATA_T data;
     std::vector<DictionaryEntry> entries;
 
+    /// The store could give all of it.
+    [[nodiscard]] bool isWhole() const;
     /// An array or a record, whose entries have names of their own.
     [[nodiscard]] bool isCompound() const;
     /// The type of the object; that of its value for a variable that has none itself.
@@ -38,6 +40,8 @@ struct DictionaryObject
     /// At least one subindex is shared over the lines, and the object is one that may be: the
     /// communication objects are each line's own.
     [[nodiscard]] bool isShared() const;
+    /// The same of one of its subindices.
+    [[nodiscard]] bool isShared(const DictionaryEntry &entry) const;
 };
 
 /// Reads one object; an object that the line doesn't have gives one without a name and subindices.

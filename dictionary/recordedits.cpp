@@ -11,11 +11,10 @@
 
 #include <algorithm>
 #include <array>
-#include <optional>
 
 namespace {
 
-using Key = ObjectDataBase::SubIndexKey;
+using Move = MappingFollower::Move;
 using Record = RecordEdits::Record;
 
 EditResult notThere(const QString &what)
@@ -41,66 +40,41 @@ void complete(const DictionaryObject &object, DictionaryEntry &entry)
         data.implementation = CANopen::VirtualObject;
 }
 
-/// Follows the data types of one edit into the mapping objects, which are read only if there is
-/// something to follow.
-class TypeFollower
-{
-public:
-    TypeFollower(const EditContext &context, EditTransaction &edit)
-        : m_context(context), m_edit(edit)
-    {
-    }
-
-    void setDataType(Key key, quint16 dataType)
-    {
-        if (!m_links)
-            m_links.emplace(m_context.store, m_context.line);
-        m_links->setDataType(m_edit, key, dataType);
-    }
-
-private:
-    const EditContext &m_context;
-    EditTransaction &m_edit;
-    std::optional<MappingLinks> m_links;
-};
-
 /// The value of a variable becomes subindex 1 behind a count.
-void makeCompound(DictionaryObject &object, QHash<Key, Key> &moves)
+void makeCompound(DictionaryObject &object, QList<Move> &moves)
 {
     DictionaryEntry *value = object.find(0);
     // Subindices that a variable has by mistake stay as they are.
     if (value == nullptr || object.entries.size() > 1)
         return;
-    const Key from{object.index, 0};
-    const Key to{object.index, 1};
+    const Move move{{object.index, 0}, {object.index, 1}, object.isShared(*value)};
     DictionaryEntry count = NewEntries::count(1);
     count.data.sharedlines = value->data.sharedlines;
     value->subindex = 1;
-    value->data = EntryRules::atPlace(std::move(value->data), from, to);
+    value->data = EntryRules::atPlace(std::move(value->data), move.from, move.to);
     if (value->data.name.isEmpty())
         value->data.name = NewEntries::defaultName(1);
     object.insert(std::move(count));
-    moves.insert(from, to);
+    moves.append(move);
 }
 
 /// Subindex 1, or else the first that is there, becomes the value; the others go.
-void makeVariable(DictionaryObject &object, QHash<Key, Key> &moves)
+void makeVariable(DictionaryObject &object, QList<Move> &moves)
 {
     const auto value = std::ranges::find_if(
         object.entries, [](const DictionaryEntry &e) { return e.subindex > 0; });
     if (value == object.entries.end())
         return;
-    const Key from{object.index, value->subindex};
-    const Key to{object.index, 0};
+    const Move move{{object.index, value->subindex}, {object.index, 0}, object.isShared(*value)};
     DictionaryEntry entry = std::move(*value);
     entry.subindex = 0;
-    entry.data = EntryRules::atPlace(std::move(entry.data), from, to);
+    entry.data = EntryRules::atPlace(std::move(entry.data), move.from, move.to);
     object.entries = {std::move(entry)};
-    moves.insert(from, to);
+    moves.append(move);
 }
 
 /// Brings the subindices in the shape of the object's new type.
-void turn(DictionaryObject &object, quint32 former, bool takesType, QHash<Key, Key> &moves)
+void turn(DictionaryObject &object, quint32 former, bool takesType, QList<Move> &moves)
 {
     if (object.isCompound() && !isCompound(former))
         makeCompound(object, moves);
@@ -118,7 +92,7 @@ void turn(DictionaryObject &object, quint32 former, bool takesType, QHash<Key, K
 }
 
 /// Subindices that have the data type of their object.
-void takeType(DictionaryObject &object, quint16 dataType, TypeFollower &follower)
+void takeType(DictionaryObject &object, quint16 dataType, MappingFollower &follower)
 {
     const bool isArray = object.data.objecttype == CANopen::ARRAY;
     if (object.isCompound() && !isArray)
@@ -128,7 +102,7 @@ void takeType(DictionaryObject &object, quint16 dataType, TypeFollower &follower
             continue;
         EntryRules::setDataType(entry.data, dataType);
         complete(object, entry);
-        follower.setDataType({object.index, entry.subindex}, dataType);
+        follower.setDataType({object.index, entry.subindex}, dataType, object.isShared(entry));
     }
 }
 
@@ -185,7 +159,7 @@ EditResult RecordEdits::saveEntries(const EditContext &context, quint16 index,
     DictionaryObject *object = edit.change(context.line, index);
     if (object == nullptr)
         return notThere(QStringLiteral("object %1").arg(IndexText::hex(index)));
-    TypeFollower follower(context, edit);
+    MappingFollower follower(edit, context.line);
     for (auto record = records.cbegin(); record != records.cend(); ++record) {
         DictionaryEntry *entry = object->find(record.key());
         if (entry == nullptr)
@@ -200,7 +174,7 @@ EditResult RecordEdits::saveEntries(const EditContext &context, quint16 index,
         complete(*object, *entry);
         if (former == record->datatype)
             continue;
-        follower.setDataType({index, record.key()}, record->datatype);
+        follower.setDataType({index, record.key()}, record->datatype, object->isShared(*entry));
         if (!object->isCompound() && object->data.datatype == former)
             object->data.datatype = record->datatype;
     }
@@ -220,17 +194,36 @@ EditResult RecordEdits::saveObject(const EditContext &context, quint16 index,
     if (EditResult allowed = context.rights.change(index, object->data, data); !allowed)
         return allowed;
     const ObjectDataBase::INDEX_DATA_T former = std::exchange(object->data, data);
-    QHash<Key, Key> moves;
+    QList<Move> moves;
     if (former.objecttype != data.objecttype)
         turn(*object, former.objecttype, former.datatype == data.datatype, moves);
-    if (!moves.isEmpty())
-        MappingLinks(context.store, context.line).follow(edit, moves);
-    if (former.datatype != data.datatype) {
-        TypeFollower follower(context, edit);
+    MappingFollower follower(edit, context.line);
+    follower.follow(moves);
+    if (former.datatype != data.datatype)
         takeType(*object, data.datatype, follower);
-    }
     edit.spreadShared(context.line);
     return edit.commit();
+}
+
+EditResult RecordEdits::resetDefaults(const EditContext &context, quint16 index)
+{
+    constexpr quint8 staging = ObjectDataBase::stagingLine;
+    if (context.library == nullptr || !context.library->indexExists(staging, index))
+        return notThere(QStringLiteral("standard object %1").arg(IndexText::hex(index)));
+    const DictionaryObject object = readDictionaryObject(context.store, context.line, index);
+    QMap<quint8, Record> records;
+    for (const DictionaryEntry &entry : object.entries) {
+        Record standard;
+        // How many subindices there are is not the library's to tell.
+        if ((object.isCompound() && entry.subindex == 0) || context.rights.isReadOnly(entry.data) ||
+            !context.library->getSubIndexData(staging, index, entry.subindex, standard))
+            continue;
+        Record data = entry.data;
+        data.defaultvalue = standard.defaultvalue;
+        data.defaultineds = standard.defaultineds;
+        records.insert(entry.subindex, data);
+    }
+    return saveEntries(context, index, records);
 }
 
 qsizetype RecordEdits::lostSubindices(const EditContext &context, quint16 index,

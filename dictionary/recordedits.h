@@ -24,6 +24,9 @@ EditResult saveEntries(const EditContext &context, quint16 index,
 EditResult saveObject(const EditContext &context, quint16 index,
                       const ObjectDataBase::INDEX_DATA_T &data);
 
+/// Gives the subindices the default values that the library has for them.
+EditResult resetDefaults(const EditContext &context, quint16 index);
+
 /// How many subindices an object loses that gets this object type; the user is asked before.
 [[nodiscard]] qsizetype lostSubindices(const EditContext &context, quint16 index,
                                        CANopen::ObjectCode objectCode);

@@ -98,7 +98,7 @@ EditResult shift(const EditContext &context, Key first, int step)
     DictionaryObject *object = shiftable(context, edit, first, step, result);
     if (object == nullptr)
         return result;
-    QHash<Key, Key> moves;
+    QList<MappingFollower::Move> moves;
     for (DictionaryEntry &entry : object->entries) {
         if (entry.subindex < first.second)
             continue;
@@ -106,10 +106,10 @@ EditResult shift(const EditContext &context, Key first, int step)
         const Key to{object->index, quint8(entry.subindex + step)};
         entry.data = EntryRules::atPlace(std::move(entry.data), from, to);
         entry.subindex = to.second;
-        moves.insert(from, to);
+        moves.append({from, to, object->isShared(entry)});
     }
     SubZero::keep(*object);
-    MappingLinks(context.store, context.line).follow(edit, moves);
+    MappingFollower(edit, context.line).follow(moves);
     return commit(context, edit);
 }
 
@@ -266,6 +266,7 @@ EditResult SubIndexEdits::move(const EditContext &context, Key from, quint8 targ
         return alreadyThere(to);
     if (context.rights.isReadOnly(entry->data))
         return context.rights.edit(from.first, from.second, entry->data, SubIndexField::Name);
+    const bool isShared = source->isShared(*entry);
     DictionaryEntry moved = *entry;
     moved.subindex = to.second;
     moved.data = EntryRules::atPlace(std::move(moved.data), from, to);
@@ -274,6 +275,6 @@ EditResult SubIndexEdits::move(const EditContext &context, Key from, quint8 targ
     SubZero::keep(*source);
     SubZero::keep(*target);
     if (targetLine == context.line)
-        MappingLinks(context.store, context.line).follow(edit, {{from, to}});
+        MappingFollower(edit, context.line).follow({{from, to, isShared}});
     return commit(context, edit);
 }

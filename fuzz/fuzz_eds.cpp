@@ -17,9 +17,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, std::size_t size)
     const QByteArray content(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     const bool loaded = parser.LoadEdsContent(content, QStringLiteral("input.eds"));
     // A refusal has a reason, and nothing else has.
-    if (loaded != parser.errorString().isEmpty())
+    if (loaded != parser.result().error().isEmpty())
         __builtin_trap();
-    (void)parser.messages();
+    (void)parser.result().texts();
     (void)parser.deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("VendorName"));
     (void)parser.deviceComment();
     return 0;

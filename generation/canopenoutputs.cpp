@@ -12,6 +12,7 @@
 #include "generators/canopen/vobjdictgeneratorv4.h"
 #include "generators/headers/indicationgeneratorv4.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -88,8 +89,8 @@ OutputJobs indicationJob(const RunFacts &facts, quint8)
 OutputJobs icsvJob(const RunFacts &facts, quint8)
 {
     auto generator = std::make_unique<ICSVGenerator>();
-    generator->setWithDescription(facts.store->getMiscSetting(QStringLiteral("disableDocu")) !=
-                                  QLatin1String("true"));
+    const SettingKey withoutDescription = SettingKey::misc(QStringLiteral("disableDocu"));
+    generator->setWithDescription(!ProjectSettings(*facts.store).isTrue(withoutDescription));
     return ProtocolOutputs::single(std::move(generator));
 }
 

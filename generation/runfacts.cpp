@@ -3,6 +3,7 @@
 #include "canopen/linetype.h"
 #include "generators/base/stackdialect.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 
@@ -23,8 +24,8 @@ void RunFacts::classify()
         if (line < firstLineWithoutProtocol)
             protocols |= lineProtocols(line);
     }
-    bootLoaderOnly = !multiLine && store->getGeneralSetting(QStringLiteral("uds_bl_setting")) ==
-                                       QLatin1String("1");
+    bootLoaderOnly =
+        !multiLine && ProjectSettings(*store).text("uds_bl_setting") == QLatin1String("1");
 }
 
 Protocols RunFacts::lineProtocols(quint8 line) const
@@ -56,10 +57,10 @@ QString RunFacts::stackGeneration() const
 
 int RunFacts::general(const char *key) const
 {
-    return store->getGeneralSetting(QLatin1String(key)).toInt(nullptr, 0);
+    return static_cast<int>(ProjectSettings(*store).number(key));
 }
 
 int RunFacts::j1939(const char *key) const
 {
-    return store->getJ1939Setting(QLatin1String(key)).toInt(nullptr, 0);
+    return static_cast<int>(ProjectSettings(*store).number(SettingKey::j1939(QLatin1String(key))));
 }

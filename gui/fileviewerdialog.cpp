@@ -185,7 +185,7 @@ bool FileViewerDialog::reload()
         showNotice(tr("%1 can't be read: %2").arg(QDir::toNativeSeparators(m_path), fault));
         return false;
     }
-    m_written = QFileInfo(file).lastModified();
+    m_written = QFileInfo(m_path).lastModified();
     QByteArray bytes = file.read(largestFile + 1);
     const bool isCut = bytes.size() > largestFile;
     bytes.truncate(largestFile);

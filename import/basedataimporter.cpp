@@ -1,9 +1,12 @@
 #include "import/basedataimporter.h"
 
 #include "store/objectdatabase.h"
+#include "store/storeguards.h"
 
 #include <QMetaObject>
 #include <QThread>
+
+#include <optional>
 
 BaseDataImporter::BaseDataImporter() = default;
 
@@ -45,33 +48,27 @@ bool BaseDataImporter::isFinished() const
     return m_thread && !m_running && m_thread->isFinished();
 }
 
-QString BaseDataImporter::errorString() const
+ImportResult BaseDataImporter::result() const
 {
-    const std::lock_guard lock(m_reportMutex);
-    return m_error;
-}
-
-QStringList BaseDataImporter::messages() const
-{
-    const std::lock_guard lock(m_reportMutex);
-    return m_messages;
+    const std::lock_guard lock(m_resultMutex);
+    return m_result;
 }
 
 void BaseDataImporter::run(const std::function<void()> &body)
 {
     m_running = true;
     {
-        const std::lock_guard lock(m_reportMutex);
-        m_error.clear();
-        m_messages.clear();
+        const std::lock_guard lock(m_resultMutex);
+        m_result = ImportResult(m_file);
     }
-    if (m_store) {
-        m_store->setBlockUpdates(false);
-        m_store->setThreadBlock(true);
+    {
+        std::optional<StoreBlock> block;
+        if (m_store) {
+            m_store->setBlockUpdates(false);
+            block.emplace(*m_store);
+        }
+        body();
     }
-    body();
-    if (m_store)
-        m_store->setThreadBlock(false);
     finishRun();
 }
 
@@ -90,17 +87,30 @@ void BaseDataImporter::finishRun()
 void BaseDataImporter::reportError(const QString &text)
 {
     {
-        const std::lock_guard lock(m_reportMutex);
-        m_error = m_error.isEmpty() ? text : m_error + u'\n' + text;
+        const std::lock_guard lock(m_resultMutex);
+        m_result.addError(text);
     }
     emit importError(text);
 }
 
-void BaseDataImporter::reportMessage(const QString &text)
+void BaseDataImporter::note(ImportResult::Kind kind, int line, const QString &text)
+{
+    const std::lock_guard lock(m_resultMutex);
+    m_result.add(kind, line, text);
+}
+
+void BaseDataImporter::adopt(const ImportResult &result)
 {
     {
-        const std::lock_guard lock(m_reportMutex);
-        m_messages.append(text);
+        const std::lock_guard lock(m_resultMutex);
+        m_result = result;
     }
-    emit importMessage(text);
+    if (const QString error = result.error(); !error.isEmpty())
+        emit importError(error);
+}
+
+void BaseDataImporter::setReadCount(qsizetype count)
+{
+    const std::lock_guard lock(m_resultMutex);
+    m_result.setReadCount(count);
 }

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "canopen/canopenindex.h"
-#include "canopen/canopensubindex.h"
+#include "canopen/importresult.h"
 
 #include <QObject>
 #include <QString>
-#include <QStringList>
 
 #include <atomic>
 #include <functional>
@@ -18,8 +16,8 @@ class QThread;
 /// then starts. The store is blocked for all other threads while the import works.
 ///
 /// The importer has no parent, since it moves to its thread and, at the end of the run, back to the
-/// thread that started it. Setters and `start` belong to that thread, `messages`, `errorString`,
-/// `cancel` and `isFinished` to any. A subclass waits for its thread in its destructor.
+/// thread that started it. Setters and `start` belong to that thread, `result`, `errorString`,
+/// `messages`, `cancel` and `isFinished` to any. A subclass waits for its thread in its destructor.
 ///
 /// A file that is refused changes nothing in the store.
 class BaseDataImporter : public QObject
@@ -34,8 +32,10 @@ public:
     void setLine(quint8 line) { m_line = line; }
     /// The target; must outlive the run.
     void setDatabase(ObjectDataBase *store) { m_store = store; }
-    /// Objects outside are passed over. Both ends are inside.
+    /// What has a number outside, such as an object's index, is passed over. Both ends are inside.
     void setRange(quint32 low, quint32 high);
+    [[nodiscard]] quint32 lowIndex() const { return m_low; }
+    [[nodiscard]] quint32 highIndex() const { return m_high; }
     void setFile(const QString &path) { m_file = path; }
 
     /// False if a run is in progress.
@@ -47,10 +47,10 @@ public:
     /// Ends the run at the next object; what has been written stays.
     void cancel() { m_cancelled = true; }
 
-    /// Why the last run read nothing or not all; empty if it went well.
-    [[nodiscard]] QString errorString() const;
-    /// What the last run mended or passed over, each as "file:line: text".
-    [[nodiscard]] QStringList messages() const;
+    /// What came of the last run.
+    [[nodiscard]] ImportResult result() const;
+    [[nodiscard]] QString errorString() const { return result().error(); }
+    [[nodiscard]] QStringList messages() const { return result().texts(); }
 
 public slots:
     /// The whole run, on the thread that calls it.
@@ -60,22 +60,20 @@ signals:
     /// Percent; 100 is sent once, at the end, whatever the outcome.
     void progress(quint8 percent);
     void importError(QString errorString);
-    /// One of `messages`.
-    void importMessage(QString message);
-    // What the importers of objects report line by line.
-    void newIndex(CANopen::CANopenIndex newInd);
-    void newSubIndex(CANopenSubindex newSub);
 
 protected:
     /// The frame of every `doImport`: flags, the block on the store, the end of the thread.
     void run(const std::function<void()> &body);
     void reportError(const QString &text);
-    void reportMessage(const QString &text);
+    /// Line 0: about the whole file.
+    void note(ImportResult::Kind kind, int line, const QString &text);
+    /// Takes the notes and errors of a parser in place of those of this run, and tells the errors.
+    void adopt(const ImportResult &result);
+    /// How many objects or messages have come in.
+    void setReadCount(qsizetype count);
 
     [[nodiscard]] ObjectDataBase *store() const { return m_store; }
     [[nodiscard]] quint8 line() const { return m_line; }
-    [[nodiscard]] quint32 lowIndex() const { return m_low; }
-    [[nodiscard]] quint32 highIndex() const { return m_high; }
     [[nodiscard]] bool isInRange(quint32 index) const { return index >= m_low && index <= m_high; }
     [[nodiscard]] QString fileName() const { return m_file; }
     [[nodiscard]] bool isCancelled() const { return m_cancelled; }
@@ -92,7 +90,6 @@ private:
     QThread *m_home = nullptr; ///< where the importer lives between two runs
     std::atomic<bool> m_running{false};
     std::atomic<bool> m_cancelled{false};
-    mutable std::mutex m_reportMutex;
-    QString m_error;        ///< guarded by m_reportMutex
-    QStringList m_messages; ///< guarded by m_reportMutex
+    mutable std::mutex m_resultMutex;
+    ImportResult m_result; ///< guarded by m_resultMutex
 };

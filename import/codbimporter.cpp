@@ -8,12 +8,12 @@
 #include <QFileInfo>
 #include <QStringDecoder>
 
+#include <algorithm>
+
 namespace {
 
 // A few lines can ask for copies without end; no real profile comes near these.
 constexpr qint64 largestFile = qint64(32) * 1024 * 1024;
-constexpr qsizetype mostEntries = 500000;
-constexpr qsizetype mostMessages = 100;
 constexpr qsizetype entriesPerBatch = 20000;
 
 } // namespace
@@ -25,30 +25,27 @@ CODBImporter::~CODBImporter()
     wait();
 }
 
-void CODBImporter::doImport()
+void CODBImporter::reset()
 {
-    run([this] {
-        if (store())
-            import();
-        m_staged.clear();
-        m_present.clear();
-        m_entryCount = 0;
-        qDebug() << "Import completeted";
-    });
+    m_staged.clear();
+    m_present.clear();
+    m_entryCount = 0;
+    qDebug() << "Import completeted";
 }
 
-void CODBImporter::import()
+bool CODBImporter::import()
 {
     const std::optional<QString> text = readText();
     if (!text)
-        return;
+        return true;
     const QList<quint16> present = store()->getIndices(line());
     m_present = QSet<quint16>(present.begin(), present.end());
     if (!readLines(*text))
-        return;
+        return true;
     emit progress(50);
-    if (!write())
-        reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+    setReadCount(std::count_if(m_staged.cbegin(), m_staged.cend(),
+                               [](const Staged &staged) { return staged.object.has_value(); }));
+    return write();
 }
 
 std::optional<QString> CODBImporter::readText()
@@ -74,7 +71,7 @@ std::optional<QString> CODBImporter::readText()
 
 bool CODBImporter::readLines(const QString &text)
 {
-    qsizetype number = 0;
+    int number = 0;
     const auto lines = QStringView(text).split(u'\n');
     for (QStringView content : lines) {
         if (isCancelled())
@@ -84,13 +81,12 @@ bool CODBImporter::readLines(const QString &text)
             content.chop(1);
         const CodbLine line = CodbLine::parse(content.toString());
         if (const QString doubt = line.doubt(); !doubt.isEmpty())
-            reportLine(number, doubt);
+            note(ImportResult::Kind::Read, number, doubt);
         if (line.kind() == CodbLine::Kind::Faulty)
-            reportLine(number, line.fault());
+            note(ImportResult::Kind::PassedOver, number, line.fault());
         else if (!take(line))
-            reportLine(
-                number,
-                tr("object %1 is not there to be copied").arg(IndexText::hex(line.source())));
+            note(ImportResult::Kind::PassedOver, number,
+                 tr("object %1 is not there to be copied").arg(IndexText::hex(line.source())));
         if (m_entryCount > mostEntries) {
             reportError(tr("%1:%2: more than %3 subindices; nothing is imported.")
                             .arg(fileName())
@@ -231,14 +227,4 @@ bool CODBImporter::write()
     // The batches go past the caches.
     store()->clearSubCache(line());
     return done;
-}
-
-void CODBImporter::reportLine(qsizetype number, const QString &text)
-{
-    const qsizetype count = messages().size();
-    if (count < mostMessages)
-        reportMessage(QStringLiteral("%1:%2: %3").arg(fileName()).arg(number).arg(text));
-    else if (count == mostMessages)
-        reportMessage(
-            QStringLiteral("%1:%2: further faults are not listed").arg(fileName()).arg(number));
 }

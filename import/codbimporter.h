@@ -1,7 +1,7 @@
 #pragma once
 
-#include "import/basedataimporter.h"
 #include "import/codbimporterline.h"
+#include "import/dictionaryimporter.h"
 
 #include <QMap>
 #include <QSet>
@@ -13,7 +13,7 @@
 ///
 /// The range chooses among the objects and the copies; the subindex lines are all taken, since a
 /// profile may change a subindex of an object that it doesn't list itself.
-class CODBImporter : public BaseDataImporter
+class CODBImporter : public DictionaryImporter
 {
     Q_OBJECT
 
@@ -25,9 +25,6 @@ public:
     void setExpandCopies(bool expand) { m_expandCopies = expand; }
     [[nodiscard]] bool expandCopies() const { return m_expandCopies; }
 
-public slots:
-    void doImport() override;
-
 private:
     /// An object as the file leaves it; what is not here is as it is in the store.
     struct Staged
@@ -37,7 +34,8 @@ private:
         bool replaces = false; ///< nothing of the store's object stays
     };
 
-    void import();
+    bool import() override;
+    void reset() override;
     [[nodiscard]] std::optional<QString> readText();
     bool readLines(const QString &text);
     bool take(const CodbLine &line);
@@ -48,7 +46,6 @@ private:
     [[nodiscard]] std::optional<ObjectDataBase::INDEX_DATA_T> objectOf(quint16 index);
     [[nodiscard]] Staged completeObject(quint16 index);
     [[nodiscard]] bool write();
-    void reportLine(qsizetype number, const QString &text);
 
     bool m_expandCopies = false;
     QMap<quint16, Staged> m_staged;

@@ -163,7 +163,7 @@ QString CodbLine::doubt() const
         m_kind == Kind::Subindex || (m_kind == Kind::Object && objectCode() == CANopen::VAR);
     const QString type = field(DataType).trimmed();
     if (hasEntry && !type.isEmpty() && COHelper::mapDataTypeString(type) == 0)
-        return QStringLiteral("'%1' is no data type").arg(type.left(40));
+        return QStringLiteral("'%1' is no data type; it becomes 0").arg(type.left(40));
     const QString access = COHelper::normalizeAccessType(field(AccessType));
     if (hasEntry && !access.isEmpty() && COHelper::accessType2String(access) == access)
         return QStringLiteral("'%1' is no access type").arg(access.left(40));

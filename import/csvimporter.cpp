@@ -12,10 +12,9 @@
 namespace {
 
 using Entry = ObjectDataBase::SUBINDEX_DATA_T;
+using Note = ImportResult::Kind;
 
-constexpr qsizetype mostEntries = 500000;
 constexpr qsizetype batchSize = 5000;
-constexpr int mostMessages = 500;
 
 bool isOn(const QString &text)
 {
@@ -82,12 +81,13 @@ void readDefault(Entry &entry, const CsvRecord &row, bool isNew)
         entry.writedefaulttoeds = entry.defaultineds ? 1 : 0;
 }
 
-void readLimits(Entry &entry, const CsvRecord &row, bool isNew)
+/// Limits of another type would mean nothing.
+void readLimits(Entry &entry, const CsvRecord &row, bool isOfNewType)
 {
     if (row.has(CsvColumn::LowLimit) || row.has(CsvColumn::UpLimit)) {
         take(entry.lowlimit, row, CsvColumn::LowLimit);
         take(entry.uplimit, row, CsvColumn::UpLimit);
-    } else if (isNew) {
+    } else if (isOfNewType) {
         COHelper::getDefaultLimits(entry.datatype, entry.lowlimit, entry.uplimit);
     }
     takeFlag(entry.limitineds, row, CsvColumn::HasLimit);
@@ -107,39 +107,35 @@ bool CsvImporter::Object::isCompound() const
     return data.objecttype == CANopen::ARRAY || data.objecttype == CANopen::RECORD;
 }
 
-void CsvImporter::doImport()
+bool CsvImporter::import()
 {
-    run([this] {
-        m_copies.clear();
-        m_deletes.clear();
-        m_objects.clear();
-        m_entryCount = 0;
-        m_told = 0;
-        if (store())
-            read();
-        m_objects.clear();
-    });
-}
-
-void CsvImporter::read()
-{
+    m_commands = {};
     CsvReader reader;
     if (!reader.load(fileName())) {
         reportError(reader.errorText());
-        return;
+        return true;
     }
     const bool isRead = readRows(reader);
     bool done = true;
     if (isRead && !isCancelled()) {
         complete();
+        setReadCount(static_cast<qsizetype>(m_objects.size()));
         done = write();
+        noteDropped(m_droppedCount);
         if (m_runsCommands && !isCancelled())
-            runCommands(*store(), line(), m_copies, m_deletes);
+            m_commands.run(*store(), line());
     }
     // Batches and reads have filled and passed the caches.
     store()->clearSubCaches();
-    if (!done)
-        reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+    return done;
+}
+
+/// The commands are asked for afterwards.
+void CsvImporter::reset()
+{
+    m_objects.clear();
+    m_entryCount = 0;
+    m_droppedCount = 0;
 }
 
 bool CsvImporter::readRows(CsvReader &reader)
@@ -149,9 +145,9 @@ bool CsvImporter::readRows(CsvReader &reader)
     int percent = 0;
     for (;;) {
         const CsvReader::Kind kind = reader.next(row, command);
-        const QList<CsvReader::Problem> problems = reader.takeProblems();
-        for (const CsvReader::Problem &problem : problems)
-            tell(problem.lineNumber, problem.text);
+        const QList<ImportResult::Note> problems = reader.takeProblems();
+        for (const ImportResult::Note &problem : problems)
+            note(problem.kind, problem.line, problem.text);
         if (kind == CsvReader::Kind::End || isCancelled())
             break;
         if (kind == CsvReader::Kind::Command) {
@@ -172,7 +168,7 @@ bool CsvImporter::readRows(CsvReader &reader)
             emit progress(static_cast<quint8>(percent = reached));
     }
     // A file of commands alone needs no table.
-    if (reader.hasIndexColumn() || !m_copies.isEmpty() || !m_deletes.isEmpty())
+    if (reader.hasIndexColumn() || !m_commands.isEmpty())
         return true;
     reportError(tr("%1: The file is not a table of objects; its head line has no column \"index\".")
                     .arg(fileName()));
@@ -181,10 +177,10 @@ bool CsvImporter::readRows(CsvReader &reader)
 
 // --- Commands -------------------------------------------------------------------------------
 
-std::optional<CsvImporter::Address> CsvImporter::addressOf(const QString &index,
-                                                           const QString &subindex) const
+std::optional<DictionaryCommands::Address> CsvImporter::addressOf(const QString &index,
+                                                                  const QString &subindex) const
 {
-    Address address;
+    DictionaryCommands::Address address;
     const int number = CsvReader::number(index, 0xFFFF);
     if (number < 0)
         return std::nullopt;
@@ -208,41 +204,20 @@ void CsvImporter::handleCopyLine(const QStringList &fields, int lineNumber)
     const auto target = addressOf(first, isSubindex ? second : QString());
     const auto source = isSubindex ? addressOf(first, third) : addressOf(second, QString());
     if (target && source)
-        m_copies.append({*target, *source});
+        m_commands.copies.append({*target, *source});
     else
-        tell(lineNumber, tr("The copy command can't be read; it is passed over."));
+        note(Note::PassedOver, lineNumber,
+             tr("The copy command can't be read; it is passed over."));
 }
 
 /// d,index or d,index,subindex
 void CsvImporter::handleDeleteLine(const QStringList &fields, int lineNumber)
 {
     if (const auto address = addressOf(fields.value(1), fields.value(2)))
-        m_deletes.append(*address);
+        m_commands.deletions.append(*address);
     else
-        tell(lineNumber, tr("The delete command can't be read; it is passed over."));
-}
-
-void CsvImporter::runCommands(ObjectDataBase &store, quint8 line, const QList<CopyCommand> &copies,
-                              const QList<Address> &deletes)
-{
-    for (const auto &[target, source] : copies) {
-        if (!target.subindex) {
-            if (store.indexExists(line, source.index) && source.index != target.index)
-                store.copyIndex(line, source.index, line, target.index);
-            continue;
-        }
-        Entry entry;
-        if (store.getSubIndexData(line, source.index, *source.subindex, entry))
-            store.addSubIndex(line, target.index, *target.subindex, entry);
-    }
-    for (const Address &address : deletes) {
-        if (!address.subindex) {
-            if (store.indexExists(line, address.index))
-                store.deleteIndex(line, address.index);
-        } else if (store.subIndexExists(line, address.index, *address.subindex)) {
-            store.deleteSubIndex(line, address.index, *address.subindex);
-        }
-    }
+        note(Note::PassedOver, lineNumber,
+             tr("The delete command can't be read; it is passed over."));
 }
 
 // --- Rows -----------------------------------------------------------------------------------
@@ -252,7 +227,7 @@ void CsvImporter::readRow(const CsvRecord &row)
     const QString indexText = row.text(CsvColumn::Index);
     const int index = CsvReader::number(indexText, 0xFFFF);
     if (index < 0) {
-        tell(row.lineNumber(),
+        note(Note::PassedOver, row.lineNumber(),
              tr("The index '%1' can't be read; the row is passed over.").arg(indexText.left(60)));
         return;
     }
@@ -261,7 +236,7 @@ void CsvImporter::readRow(const CsvRecord &row)
     const QString subText = row.text(CsvColumn::Sub);
     const int subindex = subText.isEmpty() ? 0 : CsvReader::number(subText, 0xFF);
     if (subindex < 0) {
-        tell(row.lineNumber(),
+        note(Note::PassedOver, row.lineNumber(),
              tr("The sub-index '%1' can't be read; the row is passed over.").arg(subText.left(60)));
         return;
     }
@@ -288,7 +263,8 @@ std::optional<quint8> CsvImporter::lineOf(const CsvRecord &row)
     const int number = CsvReader::number(text, ObjectDataBase::comparisonLine - 1);
     if (number >= 0 && (number == line() || store()->lineExists(static_cast<quint8>(number))))
         return static_cast<quint8>(number);
-    tell(row.lineNumber(), tr("The project has no line '%1'; the row is passed over.").arg(text));
+    note(Note::PassedOver, row.lineNumber(),
+         tr("The project has no line '%1'; the row is passed over.").arg(text));
     return std::nullopt;
 }
 
@@ -322,7 +298,8 @@ void CsvImporter::readCode(Object &object, const CsvRecord &row)
         return;
     const CANopen::ObjectCode code = COHelper::string2objectCode(word);
     if (code == CANopen::UNKNOWN_OBJECT) {
-        tell(row.lineNumber(), tr("The object code '%1' is unknown.").arg(word.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The object code '%1' is unknown.").arg(word.left(60)));
         return;
     }
     object.isChanged |= object.data.objecttype != code;
@@ -337,10 +314,8 @@ void CsvImporter::readObject(Object &object, const CsvRecord &row)
     if (!name.isEmpty())
         object.data.name = name;
     take(object.data.description, row, CsvColumn::Description);
-    if (object.isCompound()) {
-        if (const auto type = dataTypeOf(row))
-            object.data.datatype = *type;
-    }
+    if (object.isCompound())
+        object.data.datatype = dataTypeOf(row, object.data.datatype);
     object.isChanged = true;
 }
 
@@ -366,9 +341,10 @@ void CsvImporter::readEntry(Object &object, const Key &key, quint8 subindex, con
     const QString mapping = row.text(CsvColumn::Mapable);
     if (!mapping.isEmpty())
         entry.pdomapping = PDOMapping::fromCSVString(mapping);
+    const quint16 formerType = entry.datatype;
     readType(entry, object, row, isNew);
     readDefault(entry, row, isNew);
-    readLimits(entry, row, isNew);
+    readLimits(entry, row, isNew || entry.datatype != formerType);
     take(entry.description, row, CsvColumn::Description);
     takeFlag(entry.nvstorage, row, CsvColumn::NvStorage);
     takeFlag(entry.refuseread, row, CsvColumn::RefuseRead);
@@ -378,11 +354,11 @@ void CsvImporter::readEntry(Object &object, const Key &key, quint8 subindex, con
     object.entries.insert_or_assign(subindex, std::move(entry));
 }
 
-std::optional<quint16> CsvImporter::dataTypeOf(const CsvRecord &row)
+quint16 CsvImporter::dataTypeOf(const CsvRecord &row, quint16 fallback)
 {
     const QString text = row.text(CsvColumn::DataType);
     if (text.isEmpty())
-        return std::nullopt;
+        return fallback;
     const quint16 type = COHelper::mapDataTypeString(text);
     if (type != CAN::UNKNOWN_TYPE)
         return type;
@@ -390,18 +366,20 @@ std::optional<quint16> CsvImporter::dataTypeOf(const CsvRecord &row)
     const auto number = readFileNumber(text);
     if (number && *number > 0 && *number <= 0xFFFF)
         return static_cast<quint16>(*number);
-    tell(row.lineNumber(), tr("The data type '%1' is unknown.").arg(text.left(60)));
-    return std::nullopt;
+    const QString name = COHelper::index2DataTypeString(fallback);
+    note(Note::Mended, row.lineNumber(),
+         tr("The data type '%1' is unknown; it becomes %2.")
+             .arg(text.left(60), name.isEmpty() ? QString::number(fallback) : name));
+    return fallback;
 }
 
 void CsvImporter::readType(Entry &entry, const Object &object, const CsvRecord &row, bool isNew)
 {
-    if (const auto type = dataTypeOf(row))
-        entry.datatype = *type;
-    else if (isNew)
+    if (isNew)
         entry.datatype = object.data.objecttype == CANopen::ARRAY && object.data.datatype != 0
                              ? object.data.datatype
                              : quint16(CAN::UNSIGNED8);
+    entry.datatype = dataTypeOf(row, entry.datatype);
 }
 
 void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subindex,
@@ -410,7 +388,8 @@ void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subind
     const QString word = row.text(CsvColumn::Implementation);
     const auto stated = implementationOf(word);
     if (!stated && !word.isEmpty())
-        tell(row.lineNumber(), tr("The implementation '%1' is unknown.").arg(word.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The implementation '%1' is unknown.").arg(word.left(60)));
     if (stated)
         entry.implementation = *stated;
     else if (isNew)
@@ -422,7 +401,8 @@ void CsvImporter::readImplementation(Entry &entry, const Key &key, quint8 subind
     if (isSize)
         entry.size = size;
     else if (!sizeText.isEmpty())
-        tell(row.lineNumber(), tr("The size '%1' can't be read.").arg(sizeText.left(60)));
+        note(Note::PassedOver, row.lineNumber(),
+             tr("The size '%1' can't be read.").arg(sizeText.left(60)));
 
     const QString name = row.text(CsvColumn::VarName);
     if (!name.isEmpty() || (row.has(CsvColumn::VarName) && stated))
@@ -447,9 +427,9 @@ void CsvImporter::completeObject(const Key &key, Object &object)
     const bool hasElements = !object.entries.empty() && object.entries.rbegin()->first > 0;
     if (object.isCodeAssumed && hasElements) {
         object.data.objecttype = CANopen::RECORD;
-        reportMessage(
-            tr("%1: 0x%2 has no object code but several sub-indices; it becomes a record.")
-                .arg(fileName(), IndexText::digits(key.second)));
+        note(Note::Mended, 0,
+             tr("0x%1 has no object code but several sub-indices; it becomes a record.")
+                 .arg(IndexText::digits(key.second)));
     }
     if (object.isNew && object.data.objecttype == CANopen::ARRAY && !object.entries.contains(0)) {
         Entry count;
@@ -494,8 +474,10 @@ bool CsvImporter::write()
             // A record that becomes a variable would keep the subindices that it has no more.
             const QList<quint8> subindices = store()->getSubIndices(line, index);
             for (const quint8 subindex : subindices) {
-                if (!object.entries.contains(subindex))
-                    done &= store()->deleteSubIndex(line, index, subindex);
+                if (object.entries.contains(subindex))
+                    continue;
+                done &= store()->deleteSubIndex(line, index, subindex);
+                ++m_droppedCount;
             }
         }
         if (object.isChanged)
@@ -509,11 +491,4 @@ bool CsvImporter::write()
     }
     flush();
     return done;
-}
-
-void CsvImporter::tell(int lineNumber, const QString &text)
-{
-    if (++m_told <= mostMessages)
-        reportMessage(
-            QStringLiteral("%1:%2: %3").arg(fileName(), QString::number(lineNumber), text));
 }

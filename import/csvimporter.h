@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/basedataimporter.h"
+#include "import/dictionaryimporter.h"
 #include "store/objectdatabase.h"
 
 #include <map>
@@ -16,38 +16,18 @@ enum class CsvColumn : quint8;
 /// Objects and subindices that exist keep what the table has no column for; new ones get what a
 /// device needs. A column `line` sends a row to another line of the project, unless the import goes
 /// into a scratch line. A row that can't be read is passed over with a message.
-class CsvImporter : public BaseDataImporter
+class CsvImporter : public DictionaryImporter
 {
     Q_OBJECT
 
 public:
-    /// An object, or a subindex of it.
-    struct Address
-    {
-        quint16 index = 0;
-        std::optional<quint8> subindex;
-    };
-    struct CopyCommand
-    {
-        Address target;
-        Address source; ///< a subindex exactly if the target is one
-    };
-
     CsvImporter();
     ~CsvImporter() override;
 
     /// Without it the commands of the file are only read, for a caller that runs them later and
     /// elsewhere. On by default.
     void setRunsCommands(bool on) { m_runsCommands = on; }
-    /// The commands of the last run, in the order of the file; between two runs.
-    [[nodiscard]] QList<CopyCommand> copyCommands() const { return m_copies; }
-    [[nodiscard]] QList<Address> deleteCommands() const { return m_deletes; }
-    /// Runs all copies, then all deletes. What doesn't exist is passed over.
-    static void runCommands(ObjectDataBase &store, quint8 line, const QList<CopyCommand> &copies,
-                            const QList<Address> &deletes);
-
-public slots:
-    void doImport() override;
+    [[nodiscard]] DictionaryCommands commands() const override { return m_commands; }
 
 private:
     struct Object
@@ -62,12 +42,14 @@ private:
     };
     using Key = std::pair<quint8, quint16>; ///< line, index
 
-    void read();
+    bool import() override;
+    void reset() override;
+    bool read();
     bool readRows(CsvReader &reader);
     void handleCopyLine(const QStringList &fields, int lineNumber);
     void handleDeleteLine(const QStringList &fields, int lineNumber);
-    [[nodiscard]] std::optional<Address> addressOf(const QString &index,
-                                                   const QString &subindex) const;
+    [[nodiscard]] std::optional<DictionaryCommands::Address>
+    addressOf(const QString &index, const QString &subindex) const;
     void readRow(const CsvRecord &row);
     [[nodiscard]] std::optional<quint8> lineOf(const CsvRecord &row);
     Object &objectOf(const Key &key, const CsvRecord &row);
@@ -78,16 +60,14 @@ private:
                   const CsvRecord &row, bool isNew);
     void readImplementation(ObjectDataBase::SUBINDEX_DATA_T &entry, const Key &key, quint8 subindex,
                             const CsvRecord &row, bool isNew);
-    [[nodiscard]] std::optional<quint16> dataTypeOf(const CsvRecord &row);
+    [[nodiscard]] quint16 dataTypeOf(const CsvRecord &row, quint16 fallback);
     void complete();
     void completeObject(const Key &key, Object &object);
     bool write();
-    void tell(int lineNumber, const QString &text);
 
     bool m_runsCommands = true;
-    QList<CopyCommand> m_copies;
-    QList<Address> m_deletes;
+    DictionaryCommands m_commands;
     std::map<Key, Object> m_objects;
     qsizetype m_entryCount = 0;
-    int m_told = 0;
+    int m_droppedCount = 0; ///< subindices of records that have become variables
 };

@@ -127,7 +127,8 @@ CsvReader::Kind CsvReader::next(CsvRecord &record, QStringList &command)
         const QByteArrayView bytes = nextLine();
         m_recordLine = m_line;
         if (bytes.size() > longestLine) {
-            m_problems.append({m_line, tr("The line is too long; it is passed over.")});
+            m_problems.append({ImportResult::Kind::PassedOver, m_line,
+                               tr("The line is too long; it is passed over.")});
             continue;
         }
         const QString line = decoded(bytes);
@@ -178,7 +179,8 @@ QStringList CsvReader::recordFields(qsizetype start, const QString &line)
     ++m_openMarks;
     m_position = afterLine;
     m_line = lineOfStart;
-    m_problems.append({m_line, tr("A quotation mark has no end; the field ends with the line.")});
+    m_problems.append({ImportResult::Kind::Mended, m_line,
+                       tr("A quotation mark has no end; the field ends with the line.")});
     return fields;
 }
 

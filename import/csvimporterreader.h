@@ -1,5 +1,7 @@
 #pragma once
 
+#include "canopen/importresult.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
@@ -65,12 +67,6 @@ private:
 class CsvReader
 {
 public:
-    /// Number of a line and what is wrong with it.
-    struct Problem
-    {
-        int lineNumber = 0;
-        QString text;
-    };
     enum class Kind { End, Record, Command };
 
     /// Takes the file's bytes and finds out their encoding. False, with `errorText` filled, if
@@ -91,7 +87,7 @@ public:
     [[nodiscard]] qsizetype position() const { return m_position; }
     [[nodiscard]] qsizetype size() const { return m_bytes.size(); }
     /// What was passed over since the last call.
-    [[nodiscard]] QList<Problem> takeProblems() { return std::exchange(m_problems, {}); }
+    [[nodiscard]] QList<ImportResult::Note> takeProblems() { return std::exchange(m_problems, {}); }
 
     /// The number of an index or subindex: hexadecimal with prefix "0x", with "h" behind it or if
     /// it has a letter, else decimal. -1 if it can't be read or is above `highest`.
@@ -115,6 +111,6 @@ private:
     bool m_hasHeader = false;
     QChar m_separator = u',';
     CsvRecord::Places m_places = {};
-    QList<Problem> m_problems;
+    QList<ImportResult::Note> m_problems;
     QString m_errorText;
 };

@@ -2,9 +2,12 @@
 
 #include "canopen/cohelper.h"
 #include "canopen/edsparser.h"
+#include "canopen/numbertext.h"
+#include "canopen/objectranges.h"
 #include "import/objectwriter.h"
 #include "import/pdocompletion.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -34,6 +37,15 @@ constexpr std::array deviceKeys = {
     DeviceKey{"DeviceInfo", "BaudRate_1000"}, DeviceKey{"DeviceInfo", "NrOfRXPDO"},
     DeviceKey{"DeviceInfo", "NrOfTXPDO"},
 };
+
+/// Whether there is a mapping that the device lets be changed (CiA 301).
+bool hasDynamicMapping(const QList<ObjectDataBase::SubEntry> &entries)
+{
+    return std::any_of(entries.begin(), entries.end(), [](const ObjectDataBase::SubEntry &entry) {
+        return entry.subindex == 0 && ObjectRanges::isPdoMapping(entry.index) &&
+               entry.data.accesstype == QLatin1String("rw");
+    });
+}
 
 /// A file knows mappable or not; the access type tells the direction.
 PDOMapping mappingOf(bool mappable, const QString &access)
@@ -75,9 +87,20 @@ void takeParameter(Entry &data, const QString &value, const QString &denotation,
     data.dcfcomponent = !denotation.isEmpty();
 }
 
+/// What a device description writes of a mapping behind its compact form is what the device
+/// starts with.
+void takeMappingValue(Entry &data, const QString &value)
+{
+    if (value.isEmpty())
+        return;
+    data.defaultvalue = value;
+    data.defaultineds = true;
+    data.writedefaulttoeds = 1;
+}
+
 quint32 numberOf(const QString &setting)
 {
-    return setting.trimmed().toUInt(nullptr, 0);
+    return NumberText::toUnsigned32(setting).value_or(0);
 }
 
 } // namespace
@@ -89,25 +112,31 @@ EDSImporter::~EDSImporter()
     wait();
 }
 
-void EDSImporter::doImport()
+bool EDSImporter::import()
 {
-    run([this] {
-        if (!store())
-            return;
-        m_writer = std::make_unique<ObjectWriter>(*store(), line());
-        if (read()) {
-            emit progress(50);
-            bool done = m_writer->write();
-            emit progress(85);
-            store()->setDescriptionLine(line());
-            done &= importDeviceData();
-            done &= completePdos();
-            if (!done)
-                reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
-        }
-        m_parser.reset();
-        m_writer.reset();
-    });
+    m_writer = std::make_unique<ObjectWriter>(*store(), line());
+    if (!read())
+        return true;
+    emit progress(50);
+    const QStringList mended = m_madeCounts.mend(*m_writer);
+    for (const QString &text : mended)
+        note(ImportResult::Kind::Mended, 0, text);
+    m_hasDynamicMapping = hasDynamicMapping(m_writer->entries());
+    setReadCount(m_writer->objectCount());
+    bool done = m_writer->write();
+    noteDropped(m_writer->droppedCount());
+    emit progress(85);
+    store()->setDescriptionLine(line());
+    done &= importDeviceData();
+    done &= completePdos();
+    return permitDynamicMapping() && done;
+}
+
+void EDSImporter::reset()
+{
+    m_parser.reset();
+    m_writer.reset();
+    m_madeCounts.clear();
 }
 
 bool EDSImporter::read()
@@ -116,11 +145,7 @@ bool EDSImporter::read()
     connect(m_parser.get(), &EdsParser::newIndex, this, &EDSImporter::newIndex);
     connect(m_parser.get(), &EdsParser::newSubIndex, this, &EDSImporter::newSubIndex);
     const bool loaded = m_parser->LoadEds(fileName());
-    const QStringList messages = m_parser->messages();
-    for (const QString &message : messages)
-        reportMessage(message);
-    if (!loaded)
-        reportError(m_parser->errorString());
+    adopt(m_parser->result());
     return loaded;
 }
 
@@ -139,7 +164,7 @@ void EDSImporter::newIndex(const CANopen::CANopenIndex &record)
     m_writer->addObject(record.index, data);
     if (record.compactSubObj > 0)
         addCompactEntries(record);
-    emit BaseDataImporter::newIndex(record);
+    emit DictionaryImporter::newIndex(record);
 }
 
 void EDSImporter::addCompactEntries(const CANopen::CANopenIndex &record)
@@ -155,6 +180,7 @@ void EDSImporter::addCompactEntries(const CANopen::CANopenIndex &record)
     count.description = record.description;
     COHelper::getDefaultLimits(count.datatype, count.lowlimit, count.uplimit);
     m_writer->addEntry(record.index, 0, count);
+    m_madeCounts.add(record.index);
 
     const auto names = m_parser->getCompactSubObjNames(record.index);
     const auto values = m_parser->getCompactSubObjValues(record.index);
@@ -167,6 +193,8 @@ void EDSImporter::addCompactEntries(const CANopen::CANopenIndex &record)
             entry.name = record.name + u' ' + key;
         takeValues(entry, record);
         takeParameter(entry, values.value(key), denotations.value(key), m_isDcf);
+        if (ObjectRanges::isPdoMapping(record.index))
+            takeMappingValue(entry, values.value(key));
         entry.pdomapping = PDOMapping(record.pdoMapping);
         m_writer->addEntry(record.index, static_cast<quint8>(i), entry);
     }
@@ -190,7 +218,13 @@ void EDSImporter::newSubIndex(const CANopenSubindex &record)
                                                         : object->objecttype == CANopen::VAR))
         object->datatype = record.dataType;
     m_writer->addEntry(record.index, record.subindex, data);
-    emit BaseDataImporter::newSubIndex(record);
+    if (record.subindex == 0) {
+        if (record.isMade)
+            m_madeCounts.add(record.index);
+        else
+            m_madeCounts.remove(record.index);
+    }
+    emit DictionaryImporter::newSubIndex(record);
 }
 
 bool EDSImporter::importDeviceData()
@@ -204,8 +238,12 @@ bool EDSImporter::importDeviceData()
     // What the file doesn't say of the mapping leaves the project's own choice.
     const QString granularity =
         m_parser->deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("Granularity"));
-    if (!granularity.isEmpty())
-        done &= store()->setDescriptionSetting(QStringLiteral("Granularity"), granularity);
+    if (!granularity.isEmpty()) {
+        // The setting is a decimal number, which a file need not write.
+        const auto number = NumberText::toUnsigned32(granularity);
+        done &= store()->setDescriptionSetting(QStringLiteral("Granularity"),
+                                               number ? QString::number(*number) : granularity);
+    }
     return store()->setDescriptionSetting(QStringLiteral("Comment"), m_parser->deviceComment()) &&
            done;
 }
@@ -215,7 +253,20 @@ bool EDSImporter::completePdos()
     PdoCompletion completion(*store(), line(), lowIndex(), highIndex());
     completion.setCommunicationEntries(numberOf(
         m_parser->deviceValue(QStringLiteral("DeviceInfo"), QStringLiteral("CompactPDO"))));
-    return completion.complete(
-        numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfRXPDO"))),
-        numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfTXPDO"))));
+    const bool done =
+        completion.complete(numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfRXPDO"))),
+                            numberOf(store()->getDescriptionSetting(QStringLiteral("NrOfTXPDO"))));
+    m_hasDynamicMapping |= completion.hasMadeMapping();
+    return done;
+}
+
+/// Granularity 0 says that no mapping can be changed (CiA 306), which the objects contradict.
+bool EDSImporter::permitDynamicMapping()
+{
+    const QString key = QStringLiteral("Granularity");
+    if (!m_hasDynamicMapping || numberOf(store()->getDescriptionSetting(key)) != 0)
+        return true;
+    note(ImportResult::Kind::Mended, 0,
+         tr("PDO mappings can be changed, which a granularity of 0 denies; it becomes 8."));
+    return store()->setDescriptionSetting(key, QStringLiteral("8"));
 }

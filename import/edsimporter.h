@@ -1,6 +1,7 @@
 #pragma once
 
-#include "import/basedataimporter.h"
+#include "import/dictionaryimporter.h"
+#include "import/pdomappingcounts.h"
 
 #include <memory>
 
@@ -10,7 +11,7 @@ class ObjectWriter;
 /// Imports Electronic Data Sheets and Device Configuration Files (CiA 306): objects, subindices
 /// and their descriptions, the device data of the line, and the PDOs that the file counts but
 /// doesn't describe.
-class EDSImporter : public BaseDataImporter
+class EDSImporter : public DictionaryImporter
 {
     Q_OBJECT
 
@@ -22,20 +23,22 @@ public:
     void setDcf(bool isDcf) { m_isDcf = isDcf; }
     [[nodiscard]] bool isDcf() const { return m_isDcf; }
 
-public slots:
-    void doImport() override;
-
 private slots:
     void newIndex(const CANopen::CANopenIndex &record);
     void newSubIndex(const CANopenSubindex &record);
 
 private:
+    bool import() override;
+    void reset() override;
     bool read();
     void addCompactEntries(const CANopen::CANopenIndex &record);
     bool importDeviceData();
     bool completePdos();
+    bool permitDynamicMapping();
 
     std::shared_ptr<EdsParser> m_parser;
     std::unique_ptr<ObjectWriter> m_writer;
+    PdoMappingCounts m_madeCounts;
+    bool m_hasDynamicMapping = false;
     bool m_isDcf = false;
 };

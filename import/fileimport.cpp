@@ -1,7 +1,9 @@
 #include "import/fileimport.h"
 
 #include "canopen/indextext.h"
+#include "import/dictionaryimporter.h"
 #include "import/vxmpimporter.h"
+#include "store/storeguards.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -38,7 +40,7 @@ FileImport::~FileImport()
     if (m_safety && m_isRunning) {
         if (!m_isTakeDone)
             (void)rollBack();
-        releaseProject();
+        m_silence.reset();
     }
 }
 
@@ -70,6 +72,17 @@ void FileImport::runBeside(const std::function<void()> &work, const std::functio
     m_worker->start(QThread::InheritPriority);
 }
 
+void FileImport::clear()
+{
+    if (m_isRunning)
+        return;
+    m_objects.clear();
+    m_result = {};
+    m_sourceLines.clear();
+    m_commands = {};
+    m_resultText.clear();
+}
+
 // --- Reading ------------------------------------------------------------------------------------
 
 QString FileImport::read(const FileImportOptions &options)
@@ -83,12 +96,9 @@ QString FileImport::read(const FileImportOptions &options)
     if (format == nullptr)
         return QStringLiteral("Format of  %1 is not supported.").arg(options.path);
 
-    m_objects.clear();
-    m_messages.clear();
-    m_sourceLines.clear();
-    m_copies.clear();
-    m_deletes.clear();
-    m_resultText.clear();
+    clear();
+    m_low = options.low;
+    m_high = options.high;
     m_cancelled = false;
     m_scratch.setBlockUpdates(false);
     if (m_scratch.lineExists(staging))
@@ -97,12 +107,11 @@ QString FileImport::read(const FileImportOptions &options)
         return tr("There is no room for the objects of the file: %1")
             .arg(m_scratch.lastErrorText());
 
-    m_importer = format->make();
+    m_importer = format->make(&options);
     m_importer->setLine(staging);
     m_importer->setDatabase(&m_scratch);
     m_importer->setRange(options.low, options.high);
     m_importer->setFile(options.path);
-    format->setUp(*m_importer, options);
     connect(m_importer.get(), &BaseDataImporter::progress, this, [this](quint8 percent) {
         if (percent >= complete)
             listObjects();
@@ -137,14 +146,10 @@ void FileImport::listObjects()
 void FileImport::finishRead()
 {
     m_worker->wait();
-    const QString error = m_importer->errorString();
-    m_messages = m_importer->messages();
-    if (auto *projects = qobject_cast<VXMPImporter *>(m_importer.get()))
-        m_sourceLines = projects->sourceLines();
-    if (auto *csv = qobject_cast<CsvImporter *>(m_importer.get())) {
-        m_copies = csv->copyCommands();
-        m_deletes = csv->deleteCommands();
-    }
+    m_result = m_importer->result();
+    const QString error = m_result.error();
+    m_sourceLines = m_importer->sourceLines();
+    m_commands = m_importer->commands();
     m_importer.reset();
     m_isRunning = false;
     Outcome outcome = Outcome::Done;
@@ -154,8 +159,7 @@ void FileImport::finishRead()
         outcome = Outcome::Failed;
     if (outcome != Outcome::Done) {
         m_objects.clear();
-        m_copies.clear();
-        m_deletes.clear();
+        m_commands = {};
     }
     emit progress(complete);
     if (outcome == Outcome::Failed)
@@ -167,6 +171,11 @@ QString FileImport::summary() const
 {
     const auto existing = std::count_if(m_objects.begin(), m_objects.end(),
                                         [](const Object &object) { return object.exists; });
+    if (m_objects.isEmpty())
+        return QStringLiteral("%1 objects read.").arg(0) + u' ' +
+               tr("The file has none from %1 to %2.")
+                   .arg(IndexText::hex(static_cast<quint16>(m_low)),
+                        IndexText::hex(static_cast<quint16>(m_high)));
     if (existing == 0)
         return QStringLiteral("%1 objects read.").arg(m_objects.size());
     return QStringLiteral("%1 objects read. (%2 red objects already exist in project. Import "
@@ -225,16 +234,14 @@ QString FileImport::take(const QList<ImportedItem> &items, ImportedImplementatio
     m_cancelled = false;
     m_isTakeDone = false;
     m_isRunning = true;
-    // The forms would read the project while it is half done. Whoever waits for the end of a block
-    // hears of this one all the same.
-    emit m_project.blockStateChanged(true);
-    m_project.blockSignals(true);
+    // The forms would read the project while it is half done.
+    m_silence = std::make_unique<StoreSilence>(m_project, StoreSilence::As::Block);
     const auto transfer =
         std::make_shared<FileImportTransfer>(m_project, m_line, m_scratch, staging);
     transfer->setItems(items);
     transfer->setImplementation(kind);
     transfer->setDeviceData(deviceData);
-    transfer->setCommands(m_copies, m_deletes);
+    transfer->setCommands(m_commands);
     runBeside(
         [this, transfer] {
             m_isTakeDone =
@@ -250,13 +257,6 @@ bool FileImport::rollBack()
     return m_project.restoreSnapshot(m_safety->filePath(QStringLiteral("project.db")));
 }
 
-void FileImport::releaseProject()
-{
-    m_project.blockSignals(false);
-    emit m_project.blockStateChanged(false);
-    m_safety.reset();
-}
-
 void FileImport::finishTake()
 {
     m_worker->wait();
@@ -264,11 +264,10 @@ void FileImport::finishTake()
     if (!m_isTakeDone)
         outcome = m_cancelled ? Outcome::Cancelled : Outcome::Failed;
     const bool isAsBefore = outcome == Outcome::Done || rollBack();
-    releaseProject();
+    m_safety.reset();
     m_isRunning = false;
     if (outcome == Outcome::Done || !isAsBefore) {
-        emit m_project.databaseWriteExecuted();
-        emit m_project.updateNotify({.kind = ObjectDataBase::ProjectReplaced});
+        m_silence->endAndTell();
         const QList<quint16> present = m_project.getIndices(m_line);
         m_existing = QSet<quint16>(present.begin(), present.end());
         for (Object &object : m_objects)
@@ -276,6 +275,7 @@ void FileImport::finishTake()
     } else {
         m_resultText.clear();
     }
+    m_silence.reset();
     emit progress(complete);
     if (outcome == Outcome::Failed)
         emit importError((isAsBefore ? tr("The project refused a part of the import, and is as it "

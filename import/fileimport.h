@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/importresult.h"
 #include "import/fileimportformat.h"
 #include "import/fileimporttransfer.h"
 
@@ -13,10 +14,11 @@
 #include <functional>
 #include <memory>
 
-class BaseDataImporter;
+class DictionaryImporter;
 class ObjectDataBase;
 class QThread;
 class QTemporaryDir;
+class StoreSilence;
 
 /// The work of an import in which a person chooses: reads a file into the staging line of a scratch
 /// store, lists its objects, and takes the chosen ones over into a line of the project.
@@ -52,6 +54,8 @@ public:
     [[nodiscard]] QString take(const QList<ImportedItem> &items, ImportedImplementation kind,
                                bool deviceData);
     void cancel();
+    /// Forgets what was read; not while something is going on.
+    void clear();
     [[nodiscard]] bool isRunning() const { return m_isRunning; }
 
     /// What the file has, ascending; empty until one was read.
@@ -63,11 +67,11 @@ public:
     /// The outcome of the last take-over, in words.
     [[nodiscard]] QString resultText() const { return m_resultText; }
     /// What the importer mended or passed over, each as "file:line: text".
-    [[nodiscard]] QStringList messages() const { return m_messages; }
+    [[nodiscard]] QStringList messages() const { return m_result.texts(); }
     /// Of a project; empty for any other file.
     [[nodiscard]] QList<quint8> sourceLines() const { return m_sourceLines; }
     /// The file copies or deletes objects of the project besides.
-    [[nodiscard]] bool hasCommands() const { return !m_copies.isEmpty() || !m_deletes.isEmpty(); }
+    [[nodiscard]] bool hasCommands() const { return !m_commands.isEmpty(); }
     /// Subindices of an object of the file with their names, ascending.
     [[nodiscard]] QList<std::pair<quint8, QString>> subindices(quint16 index) const;
     [[nodiscard]] static QString implementationText(ImportedImplementation kind);
@@ -86,7 +90,6 @@ private:
     void finishRead();
     void finishTake();
     [[nodiscard]] bool rollBack();
-    void releaseProject();
     /// Runs `work` on a thread of its own and then `done` on this one.
     void runBeside(const std::function<void()> &work, const std::function<void()> &done);
     void waitForEnd();
@@ -95,19 +98,21 @@ private:
     ObjectDataBase &m_project;
     ObjectDataBase &m_scratch;
     quint8 m_line;
-    std::unique_ptr<BaseDataImporter> m_importer;
+    std::unique_ptr<DictionaryImporter> m_importer;
     std::unique_ptr<QThread> m_worker;
     std::unique_ptr<QTemporaryDir> m_safety; ///< the project as it was before a take-over
+    std::unique_ptr<StoreSilence> m_silence; ///< while the project takes over
     std::atomic<bool> m_cancelled{false};
+    quint32 m_low = 0;  ///< of the range that was asked for
+    quint32 m_high = 0; ///< likewise
     bool m_isRunning = false;
     bool m_isTakeDone = false; ///< written by the worker, read after its end
     QString m_takeError;       ///< likewise
 
     QList<Object> m_objects;
     QSet<quint16> m_existing;
-    QStringList m_messages;
+    ImportResult m_result;
     QList<quint8> m_sourceLines;
-    QList<CsvImporter::CopyCommand> m_copies;
-    QList<CsvImporter::Address> m_deletes;
+    DictionaryCommands m_commands;
     QString m_resultText;
 };

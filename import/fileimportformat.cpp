@@ -15,47 +15,59 @@
 
 namespace {
 
+using Options = FileImportOptions;
+
+/// Makes an importer, and prepares it by `SetUp` for a choice among the objects.
+template <typename Importer, void (*SetUp)(Importer &, const Options &)>
+std::unique_ptr<DictionaryImporter> made(const Options *options)
+{
+    auto importer = std::make_unique<Importer>();
+    if (options != nullptr)
+        SetUp(*importer, *options);
+    return importer;
+}
+
 template <typename Importer>
-std::unique_ptr<BaseDataImporter> made()
+void asItIs(Importer &, const Options &)
 {
-    return std::make_unique<Importer>();
 }
 
-void asItIs(BaseDataImporter &, const FileImportOptions &) {}
-
-void withCopies(BaseDataImporter &importer, const FileImportOptions &options)
+void withCopies(CODBImporter &importer, const Options &options)
 {
-    static_cast<CODBImporter &>(importer).setExpandCopies(options.expandCopies);
+    importer.setExpandCopies(options.expandCopies);
 }
 
-void asDcf(BaseDataImporter &importer, const FileImportOptions &)
+void asDcf(EDSImporter &importer, const Options &)
 {
-    static_cast<EDSImporter &>(importer).setDcf(true);
+    importer.setDcf(true);
 }
 
-void ofSourceLine(BaseDataImporter &importer, const FileImportOptions &options)
+void ofSourceLine(VXMPImporter &importer, const Options &options)
 {
-    static_cast<VXMPImporter &>(importer).setSourceLine(options.sourceLine);
+    importer.setSourceLine(options.sourceLine);
 }
 
 /// The commands are for the project, and not for the copy that the objects are chosen from.
-void withoutCommands(BaseDataImporter &importer, const FileImportOptions &)
+void withoutCommands(CsvImporter &importer, const Options &)
 {
-    static_cast<CsvImporter &>(importer).setRunsCommands(false);
+    importer.setRunsCommands(false);
 }
 
 using Format = FileImportFormat;
 
+constexpr auto madeProject = made<VXMPImporter, ofSourceLine>;
+constexpr auto madeTable = made<CsvImporter, withoutCommands>;
+
 constexpr std::array formats{
-    Format{"codb", Format::Copies, made<CODBImporter>, withCopies},
-    Format{"eds", Format::Batch | Format::DeviceData, made<EDSImporter>, asItIs},
-    Format{"xdd", 0, made<XDDImporter>, asItIs},
-    Format{"dcf", Format::Batch | Format::DeviceData, made<EDSImporter>, asDcf},
-    Format{"vxmp", Format::Project, made<VXMPImporter>, ofSourceLine},
-    Format{"vxmt", Format::Project, made<VXMPImporter>, ofSourceLine},
-    Format{"vxmp.bak", Format::Project, made<VXMPImporter>, ofSourceLine},
-    Format{"csv", Format::Batch, made<CsvImporter>, withoutCommands},
-    Format{"icsv", Format::Batch, made<CsvImporter>, withoutCommands},
+    Format{"codb", Format::Copies, made<CODBImporter, withCopies>},
+    Format{"eds", Format::Batch | Format::DeviceData, made<EDSImporter, asItIs>},
+    Format{"xdd", 0, made<XDDImporter, asItIs>},
+    Format{"dcf", Format::Batch | Format::DeviceData, made<EDSImporter, asDcf>},
+    Format{"vxmp", Format::Project, madeProject},
+    Format{"vxmt", Format::Project, madeProject},
+    Format{"vxmp.bak", Format::Project, madeProject},
+    Format{"csv", Format::Batch, madeTable},
+    Format{"icsv", Format::Batch, madeTable},
 };
 
 enum class Audience : quint8 { J1939, EnergyBus };

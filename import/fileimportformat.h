@@ -7,13 +7,13 @@
 
 #include <memory>
 
-class BaseDataImporter;
+class DictionaryImporter;
 
 /// How a file is to be read for a choice among its objects.
 struct FileImportOptions
 {
     QString path;
-    quint32 low = ObjectRanges::device.low; ///< first object that is read
+    quint32 low = ObjectRanges::device.low; ///< first number that is read; of an object its index
     quint32 high = ObjectRanges::device.high;
     quint8 sourceLine = 0;     ///< of a project
     bool expandCopies = false; ///< the copies that a profile database asks for
@@ -31,9 +31,8 @@ struct FileImportFormat
 
     const char *suffix;
     quint8 traits; ///< of `Trait`
-    std::unique_ptr<BaseDataImporter> (*make)();
-    /// Prepares an importer that `make` has made for a choice among the objects.
-    void (*setUp)(BaseDataImporter &importer, const FileImportOptions &options);
+    /// Makes the importer; with options for a choice among the objects, without for a batch.
+    std::unique_ptr<DictionaryImporter> (*make)(const FileImportOptions *options);
 
     [[nodiscard]] bool is(Trait trait) const { return (traits & trait) != 0; }
     /// The format of a file by its name, whatever the case; null if there is none.

@@ -2,8 +2,8 @@
 
 #include "canopen/objectranges.h"
 #include "import/objectwriter.h"
+#include "store/storeguards.h"
 
-#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -63,19 +63,11 @@ FileImportTransfer::FileImportTransfer(ObjectDataBase &target, quint8 line, Obje
 {
 }
 
-void FileImportTransfer::setCommands(const QList<CsvImporter::CopyCommand> &copies,
-                                     const QList<CsvImporter::Address> &deletes)
-{
-    m_copies = copies;
-    m_deletes = deletes;
-}
-
 bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
                              const std::function<void(int)> &progress)
 {
     m_target.setBlockUpdates(false);
-    m_target.setThreadBlock(true);
-    const auto unblock = qScopeGuard([this] { m_target.setThreadBlock(false); });
+    const StoreBlock block(m_target);
     if (!m_source.isLineCached(m_sourceLine))
         m_source.cacheAllSubs(m_sourceLine);
     readPresent();
@@ -86,7 +78,7 @@ bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
         return false;
     if (m_deviceData)
         done = takeDeviceData();
-    CsvImporter::runCommands(m_target, m_line, m_copies, m_deletes);
+    m_commands.run(m_target, m_line);
     return done && !cancelled;
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/csvimporter.h"
+#include "import/dictionarycommands.h"
 #include "store/objectdatabase.h"
 
 #include <QHash>
@@ -39,8 +39,7 @@ public:
     /// The description of the device comes along.
     void setDeviceData(bool on) { m_deviceData = on; }
     /// Commands that run behind the last object.
-    void setCommands(const QList<CsvImporter::CopyCommand> &copies,
-                     const QList<CsvImporter::Address> &deletes);
+    void setCommands(const DictionaryCommands &commands) { m_commands = commands; }
 
     /// False if the target refused a part or the run was cancelled; half of it may be done then.
     /// `progress` hears percent, on this thread.
@@ -68,6 +67,5 @@ private:
     ImportedImplementation m_kind = ImportedImplementation::Original;
     bool m_deviceData = false;
     QHash<quint16, QList<quint8>> m_present; ///< those objects of the target that are concerned
-    QList<CsvImporter::CopyCommand> m_copies;
-    QList<CsvImporter::Address> m_deletes;
+    DictionaryCommands m_commands;
 };

@@ -1,7 +1,7 @@
 #include "import/objectwriter.h"
 
 #include "dictionary/entryrules.h"
-
+#include <QCoreApplication>
 #include <algorithm>
 
 void ObjectWriter::addObject(quint16 index, const ObjectDataBase::INDEX_DATA_T &data)
@@ -44,6 +44,7 @@ void ObjectWriter::makeGeneratable(ObjectDataBase::SUBINDEX_DATA_T &data, quint1
 /// A record that becomes a variable would keep the subindices that it has no more.
 void ObjectWriter::dropOutdatedEntries()
 {
+    m_droppedCount = 0;
     const QList<quint16> present = m_store.getIndices(m_line);
     for (const quint16 index : present) {
         const auto object = m_objects.constFind(index);
@@ -52,8 +53,8 @@ void ObjectWriter::dropOutdatedEntries()
             continue;
         const QList<quint8> subindices = m_store.getSubIndices(m_line, index);
         for (const quint8 subindex : subindices) {
-            if (subindex > 0)
-                m_store.deleteSubIndex(m_line, index, subindex);
+            if (subindex > 0 && m_store.deleteSubIndex(m_line, index, subindex))
+                ++m_droppedCount;
         }
     }
 }

@@ -20,11 +20,16 @@ public:
     /// The collected object; null if there is none.
     [[nodiscard]] ObjectDataBase::INDEX_DATA_T *object(quint16 index);
     [[nodiscard]] qsizetype objectCount() const { return m_order.size(); }
+    /// The collected subindices in the order of the file; of a number that stands twice the last
+    /// counts.
+    [[nodiscard]] QList<ObjectDataBase::SubEntry> &entries() { return m_entries; }
     [[nodiscard]] qsizetype entryCount() const { return m_entries.size(); }
 
     /// Writes everything, drops what was collected and the line's outdated caches. False if the
     /// store refused a part.
     bool write();
+    /// Subindices that the last `write` took away, since their records have become variables.
+    [[nodiscard]] int droppedCount() const { return m_droppedCount; }
 
     /// What an entry needs beyond its file, so that the generators can place it: strings and
     /// domains get a kind of implementation that they may have, a variable's name and a size.
@@ -40,4 +45,5 @@ private:
     QList<quint16> m_order;
     QHash<quint16, ObjectDataBase::INDEX_DATA_T> m_objects;
     QList<ObjectDataBase::SubEntry> m_entries;
+    int m_droppedCount = 0;
 };

@@ -68,6 +68,7 @@ bool PdoCompletion::isMissing(quint32 index) const
 
 bool PdoCompletion::complete(quint32 receivePdos, quint32 transmitPdos)
 {
+    m_hasMadeMapping = false;
     bool done = completeCommunication(Direction::Receive, receivePdos);
     done &= completeCommunication(Direction::Transmit, transmitPdos);
     done &= completeMapping(ObjectRanges::receiveMappings.low, receivePdos);
@@ -127,6 +128,7 @@ bool PdoCompletion::addCommunication(Direction direction, quint16 index, int num
 
 bool PdoCompletion::addMapping(quint16 index)
 {
+    m_hasMadeMapping = true;
     // Nothing is mapped, and all entries are as writable as their count: a dynamic mapping.
     Entries entries = {{0, countEntry(0, "rw")}};
     for (quint8 number = 1; number <= mappingEntries; ++number)

@@ -18,6 +18,8 @@ public:
     void setCommunicationEntries(quint32 mask) { m_mask = mask & 0x3F; }
     /// Completes up to these counts. False if the store refused a part.
     bool complete(quint32 receivePdos, quint32 transmitPdos);
+    /// The last completion made mappings, which are dynamic.
+    [[nodiscard]] bool hasMadeMapping() const { return m_hasMadeMapping; }
 
 private:
     enum class Direction { Receive, Transmit };
@@ -35,4 +37,5 @@ private:
     quint32 m_low;
     quint32 m_high;
     quint32 m_mask = 0;
+    bool m_hasMadeMapping = false;
 };

@@ -23,35 +23,26 @@ void VXMPImporter::setPgnRange(quint32 low, quint32 high)
     m_highPgn = high;
 }
 
-void VXMPImporter::doImport()
-{
-    run([this] { copy(); });
-}
-
-void VXMPImporter::copy()
+bool VXMPImporter::import()
 {
     m_sourceLines.clear();
-    if (!store())
-        return;
     ObjectDataBase source;
     if (!source.openDataBase(fileName(), true)) {
         const QString reason = source.lastErrorText();
         reportError(reason.isEmpty() ? tr("%1: The project can't be opened.").arg(fileName())
                                      : QStringLiteral("%1: %2").arg(fileName(), reason));
-        return;
+        return true;
     }
     m_sourceLines = source.getLines();
     m_sourceLines.removeIf([](quint8 number) { return number >= ObjectDataBase::comparisonLine; });
     std::sort(m_sourceLines.begin(), m_sourceLines.end());
     if (!m_sourceLines.contains(m_sourceLine) || isCancelled())
-        return;
+        return true;
     dropUnwantedPgns(source);
-    bool done = copyObjects(source);
+    const bool done = copyObjects(source);
     emit progress(80);
     // What the line has besides. No object lies in a range from top to bottom.
-    done &= ObjectDataBase::copyLine(*store(), source, m_sourceLine, line(), 0xFFFF, 0);
-    if (!done)
-        reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
+    return ObjectDataBase::copyLine(*store(), source, m_sourceLine, line(), 0xFFFF, 0) && done;
 }
 
 /// In a few large steps, each object in the place of a former one.
@@ -83,6 +74,7 @@ bool VXMPImporter::copyObjects(ObjectDataBase &source)
                 entries.append({line(), index, subindex, data});
         }
     }
+    setReadCount(objects.size());
     done &= store()->addIndices(objects);
     done &= store()->addSubIndices(entries);
     // The batches go past the caches.

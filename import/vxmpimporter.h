@@ -1,18 +1,20 @@
 #pragma once
 
+#include "canopen/j1939numbers.h"
 #include "import/basedataimporter.h"
+#include "import/dictionaryimporter.h"
 
 #include <QList>
 
 /// Takes the objects of one line of another project. The whole line comes along, with its
 /// messages, its UDS services and those PGNs that the range and the direction choose. A source line
 /// that the project doesn't have brings nothing.
-class VXMPImporter : public BaseDataImporter
+class VXMPImporter : public DictionaryImporter
 {
     Q_OBJECT
 
 public:
-    static constexpr quint32 highestPgn = 0x3FFFF; ///< 18 bits (SAE J1939-21)
+    static constexpr quint32 highestPgn = J1939::highestPgn;
     static constexpr quint8 bothDirections = 0;
 
     VXMPImporter();
@@ -23,14 +25,11 @@ public:
     void setPgnRange(quint32 low, quint32 high);
     /// `ObjectDataBase::transmit`, `receive` or, by default, `bothDirections`.
     void setDirection(quint8 direction) { m_direction = direction; }
-    /// The lines of the file of the last run, ascending; between two runs.
-    [[nodiscard]] QList<quint8> sourceLines() const { return m_sourceLines; }
-
-public slots:
-    void doImport() override;
+    [[nodiscard]] QList<quint8> sourceLines() const override { return m_sourceLines; }
 
 private:
-    void copy();
+    bool import() override;
+    void reset() override {} // the lines are asked for afterwards
     bool copyObjects(ObjectDataBase &source);
     void dropUnwantedPgns(ObjectDataBase &source) const;
 

@@ -15,11 +15,10 @@
 namespace {
 
 using Entry = ObjectDataBase::SUBINDEX_DATA_T;
+using Note = ImportResult::Kind;
 
 constexpr qint64 mostBytes = qint64(64) * 1024 * 1024;
-constexpr qsizetype mostEntries = 500000;
 constexpr int deepestElement = 32;
-constexpr int mostMessages = 500;
 
 struct PdoAccess
 {
@@ -81,27 +80,27 @@ XDDImporter::~XDDImporter()
     wait();
 }
 
-void XDDImporter::doImport()
+bool XDDImporter::import()
 {
-    run([this] {
-        m_index.reset();
-        m_productName.reset();
-        m_objectSeen = false;
-        m_told = 0;
-        if (!store())
-            return;
-        m_writer = std::make_unique<ObjectWriter>(*store(), line());
-        read();
-        if (errorString().isEmpty() && !write())
-            reportError(tr("%1: the project refused a part of the import.").arg(fileName()));
-        m_writer.reset();
-    });
+    m_writer = std::make_unique<ObjectWriter>(*store(), line());
+    read();
+    return !errorString().isEmpty() || write();
+}
+
+void XDDImporter::reset()
+{
+    m_writer.reset();
+    m_index.reset();
+    m_productName.reset();
+    m_objectSeen = false;
 }
 
 bool XDDImporter::write()
 {
     emit progress(50);
+    setReadCount(m_writer->objectCount());
     bool done = m_writer->write();
+    noteDropped(m_writer->droppedCount());
     if (m_productName) {
         store()->setDescriptionLine(line());
         done &= store()->setDescriptionSetting(QStringLiteral("ProductName"), *m_productName);
@@ -184,10 +183,9 @@ void XDDImporter::readElement(QXmlStreamReader &xml)
         readEntry(xml);
 }
 
-void XDDImporter::tell(const QXmlStreamReader &xml, const QString &text)
+void XDDImporter::tell(Note kind, const QXmlStreamReader &xml, const QString &text)
 {
-    if (++m_told <= mostMessages)
-        reportMessage(QStringLiteral("%1:%2: %3").arg(fileName()).arg(xml.lineNumber()).arg(text));
+    note(kind, static_cast<int>(xml.lineNumber()), text);
 }
 
 void XDDImporter::readObject(const QXmlStreamReader &xml)
@@ -197,19 +195,24 @@ void XDDImporter::readObject(const QXmlStreamReader &xml)
     const QString number = attribute(xml, "index");
     const auto index = hexNumber(number, 0xFFFF);
     if (!index) {
-        tell(xml, tr("The object index '%1' can't be read; the object is passed over.")
-                      .arg(number.left(60)));
+        tell(Note::PassedOver, xml,
+             tr("The object index '%1' can't be read; the object is passed over.")
+                 .arg(number.left(60)));
         return;
     }
     if (!isInRange(*index))
         return;
     m_index = static_cast<quint16>(*index);
     ObjectDataBase::INDEX_DATA_T data;
-    data.name = attribute(xml, "name", IndexText::unnamedObject);
+    data.name = attribute(xml, "name");
+    if (data.name.isEmpty()) {
+        data.name = IndexText::unnamedObject;
+        tell(Note::Made, xml, tr("%1 has no name.").arg(IndexText::hex(*m_index)));
+    }
     data.objecttype = attribute(xml, "objectType").toUInt();
     if (data.objecttype == 0) {
         data.objecttype = CANopen::VAR;
-        tell(xml, tr("0x%1 has no object type; it is read as a variable.").arg(number));
+        tell(Note::Made, xml, tr("0x%1 has no object type; it is read as a variable.").arg(number));
     }
     data.datatype = static_cast<quint16>(
         hexNumber(attribute(xml, "dataType"), 0xFFFF).value_or(CAN::UNSIGNED8));
@@ -222,14 +225,25 @@ void XDDImporter::readEntry(const QXmlStreamReader &xml)
     const QString number = attribute(xml, "subIndex");
     const auto subindex = hexNumber(number, 0xFF);
     if (!subindex) {
-        tell(xml, tr("The sub-index '%1' can't be read; the element is passed over.")
-                      .arg(number.left(60)));
+        tell(Note::PassedOver, xml,
+             tr("The sub-index '%1' can't be read; the element is passed over.")
+                 .arg(number.left(60)));
         return;
     }
     Entry entry;
     entry.name = attribute(xml, "name");
-    entry.datatype =
-        static_cast<quint16>(hexNumber(attribute(xml, "dataType"), 0xFFFF).value_or(0));
+    if (entry.name.isEmpty()) {
+        entry.name = IndexText::unnamedSubIndex;
+        tell(Note::Made, xml, tr("%1sub%2 has no name.").arg(IndexText::hex(*m_index)).arg(number));
+    }
+    const QString type = attribute(xml, "dataType");
+    entry.datatype = static_cast<quint16>(hexNumber(type, 0xFFFF).value_or(0));
+    if (COHelper::index2DataTypeString(entry.datatype).isEmpty())
+        tell(Note::Read, xml,
+             tr("0x%1sub%2: the data type '%3' is not supported; it is kept as number %4.")
+                 .arg(*m_index, 4, 16, QLatin1Char('0'))
+                 .arg(number, type.left(60))
+                 .arg(entry.datatype));
     entry.defaultvalue = attribute(xml, "defaultValue");
     entry.defaultineds = !entry.defaultvalue.isEmpty();
     entry.writedefaulttoeds = entry.defaultineds ? 1 : 0;

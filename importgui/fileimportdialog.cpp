@@ -173,7 +173,17 @@ void FileImportDialog::fileChanged()
     const QSignalBlocker blocker(ui->cbSourceLine);
     ui->cbSourceLine->clear();
     ui->cbSourceLine->addItem(tr("Line %1").arg(0), 0);
+    clearList();
     updateState();
+}
+
+void FileImportDialog::clearList()
+{
+    m_import->clear();
+    m_model->setObjects({});
+    m_readFile.clear();
+    ui->lblObjects->clear();
+    ui->lblResult->clear();
 }
 
 /// False if what stands there is no range; a box has told then.
@@ -202,10 +212,7 @@ void FileImportDialog::readFile()
     options.expandCopies = ui->chkObjectCopies->isChecked();
     if (m_import->isRunning() || !readRange(options))
         return;
-    m_model->setObjects({});
-    m_readFile.clear();
-    ui->lblObjects->clear();
-    ui->lblResult->clear();
+    clearList();
     const QString refusal = m_import->read(options);
     if (refusal.isEmpty()) {
         m_readFile = options.path;

@@ -47,6 +47,7 @@ private:
     void connectWidgets();
     void selectFile();
     void readFile();
+    void clearList();
     void showReadResult(FileImport::Outcome outcome);
     void import();
     void showImportResult(FileImport::Outcome outcome);

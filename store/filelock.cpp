@@ -2,6 +2,8 @@
 
 #include <QFile>
 
+#include <cerrno>
+
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
 #include <sys/file.h>
@@ -19,7 +21,11 @@ std::unique_ptr<FileLock> FileLock::take(const QString &path, Open open)
         return nullptr;
     // Unlike the locks of the database, these belong to the handle: whoever else in this process
     // opens and closes the file takes nothing away.
-    if (flock(handle, LOCK_EX | LOCK_NB) != 0) {
+    const bool locked = flock(handle, LOCK_EX | LOCK_NB) == 0;
+    // Some network file systems have no locks. There a new file can be used all the same, and
+    // nobody can tell that an old one is free.
+    const bool isUsable = locked || (open == Open::New && errno != EWOULDBLOCK);
+    if (!isUsable) {
         ::close(handle);
         return nullptr;
     }

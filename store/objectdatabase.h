@@ -1,19 +1,17 @@
 #pragma once
 
-#include "canopen/canopentypes.h"
-#include "canopen/pdomapping.h"
+#include "canopen/linetype.h"
 #include "canopen/udssid.h"
+#include "store/records.h"
 
 #include <QList>
 #include <QMap>
 #include <QObject>
-#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 
 #include <memory>
-#include <string>
 #include <utility>
 
 /// The one class through which everything reads and writes a project.
@@ -23,200 +21,56 @@
 /// damages a project, and only a save touches it.
 ///
 /// Lines are bytes. A line is one row of `Nodes` with tables of its own; lines 254 and 255 are
-/// scratch lines that are never saved. Texts are Unicode of any length; numbers that a user
-/// writes (defaults, limits) are kept as the text that was written.
+/// scratch lines that are never saved. The records are described in `records.h`.
 ///
-/// Threads: any thread may call any operation; statements on the one connection are serialised.
-/// A block (`setBlockUpdates`) lets only the threads that asked for it run statements, all others
-/// wait and keep their events going. The destructor, opening and restoring belong to the owning
-/// thread.
+/// Threads: any thread may call any operation; statements on the one connection are serialised, and
+/// an operation that looks before it writes does both in one step. A block (`StoreBlock`) lets only
+/// the threads that hold it run statements, all others wait and keep their events going. The
+/// destructor, opening and restoring belong to the owning thread. Modes are held by the guards of
+/// `storeguards.h`, never set and reset by hand.
 ///
 /// Errors: operations return false or an empty value and log statement and error to the debug
-/// stream; nothing throws. While writes are refused (`setBlockUpdates`, `setGenerating`) every
-/// write returns false and changes nothing.
+/// stream; nothing throws. An out-record is as it was when a getter returns false. While writes are
+/// refused (`writesBlocked`) every write returns false, changes nothing and tells nothing; opening
+/// and making projects is refused, too.
+///
+/// Telling: what has changed is told by `updateNotify`, once the write is done, on the thread that
+/// wrote. Each writing operation says below which kind it sends; unless it says otherwise it sends
+/// it whether or not the statement worked, so that nobody goes on with what he has read before. A
+/// `StoreBulkChange` gathers what is told on its thread and tells it as one.
+///
+/// Caches: subindices and objects are cached on request (`cacheAllSubs`), until a write to the line
+/// changes what there is. Messages and signals of a line are read as a whole by the first question
+/// to them and kept up to date by every write. All caches end with another project, an undo step
+/// and the line; a statement of `executeSql` ends those of messages and signals. What goes past the
+/// store (there is nothing that should) is not seen by them.
 class ObjectDataBase : public QObject
 {
     Q_OBJECT
 
 public:
-    using MetaData = QMap<QString, QString>;
+    using MetaData = Records::MetaData;
+    using NODE_DATA_T = Records::Node;
+    using INDEX_DATA_T = Records::Index;
+    using SUBINDEX_DATA_T = Records::SubIndex;
+    using IndexEntry = Records::IndexEntry;
+    using SubEntry = Records::SubEntry;
+    using PGN = Records::PGN;
+    using SPN = Records::SPN;
+    using CANID = Records::CANID;
+    using DataElement = Records::DataElement;
+    using MessageKey = Records::MessageKey;
+    using SignalKey = Records::SignalKey;
+    using Direction = Records::Direction;
     /// (object index, subindex)
     using SubIndexKey = std::pair<quint16, quint8>;
 
     static constexpr quint8 comparisonLine = 254;
     static constexpr quint8 stagingLine = 255;
-    static constexpr int maximumLines = 32;
-    static constexpr quint8 transmit = 85; ///< direction byte
-    static constexpr quint8 receive = 119; ///< direction byte
+    static constexpr int maximumLines = LineType::maximumLines;
+    static constexpr auto transmit = quint8(Direction::Transmit);
+    static constexpr auto receive = quint8(Direction::Receive);
     static constexpr int schemaVersion = 107;
-    static constexpr quint32 highestPGN = 0x3FFFF; ///< 18 bits (SAE J1939-21)
-
-    /// One CAN line.
-    struct NODE_DATA_T
-    {
-        QString name;
-        QString iconpath;
-        QString edspath;
-        QString dcfpath;
-        QString xddpath;
-        quint16 tpdocnt = 0;
-        quint16 rpdocnt = 0;
-        QString prefix = QStringLiteral("_");
-        QString outputpath = QStringLiteral("C:/");
-        bool ismaster = false;
-        bool issyncproducer = false;
-        bool issyncconsumer = false;
-        bool ishbconsumer = false;
-        bool isemergencyproducer = false;
-        bool isemergencyconsumer = false;
-        bool ismpdosupported = false;
-        bool iscanopengateway = false;
-        bool allpdosstatic = false;
-        bool excludegeneration = false;
-        bool generatedcf = true;
-        bool isbootupmanager = false;
-        bool isconfigmanager = false;
-        bool excludepdolinking = false;
-        quint32 multilinedata = 0;
-        bool lssslave = false;
-    };
-
-    /// One object of the CANopen dictionary.
-    struct INDEX_DATA_T
-    {
-        QString name;
-        quint16 datatype = 0;
-        quint32 objecttype = CANopen::VAR; ///< CANopen::ObjectCode
-        QString description;
-        quint16 category = CANopen::Optional;
-        QString deviceclass;
-        bool fwsupported = false;
-        MetaData metadata;
-
-        bool operator==(const INDEX_DATA_T &) const = default;
-    };
-
-    /// One subindex.
-    struct SUBINDEX_DATA_T
-    {
-        QString name;
-        quint16 datatype = 0; ///< CAN::CANopenDataType
-        QString accesstype = QStringLiteral("ro");
-        QString defaultvalue;
-        QString currentvalue;
-        PDOMapping pdomapping;
-        QString lowlimit;
-        QString uplimit;
-        quint32 size = 0;          ///< bytes, strings and domains
-        bool defaultineds = false; ///< the 'default value' flag
-        bool limitineds = false;   ///< the 'limit check' flag
-        bool refuseread = false;
-        bool refusewrite = false;
-        bool dcfcomponent = false;
-        bool cyclicread = false;
-        QString allowedaccesstypes = QStringLiteral("const,ro,rw,wo,rww,rwr");
-        quint8 implementation = CANopen::ManagedVariable;
-        QString description;
-        QString varname;
-        quint8 category = CANopen::Optional;
-        quint8 writedefaulttoeds = 0; ///< 0 no, 1 if `defaultineds`, 2 yes
-        bool changedbyuser = false;
-        quint16 wizardsource = 0;
-        bool sharedlines = false;
-        QString denotation;
-        bool managedbytsk = false;
-        quint32 signalid = 0;
-        bool nvstorage = false;
-        MetaData metadata;
-
-        bool operator==(const SUBINDEX_DATA_T &) const = default;
-    };
-
-    /// One entry of a batch for `addIndices`.
-    struct IndexEntry
-    {
-        quint8 line = 0;
-        quint16 index = 0;
-        INDEX_DATA_T data;
-    };
-
-    /// One entry of a batch for `addSubIndices`.
-    struct SubEntry
-    {
-        quint8 line = 0;
-        quint16 index = 0;
-        quint8 subindex = 0;
-        SUBINDEX_DATA_T data;
-    };
-
-    /// A J1939 parameter group. Times in milliseconds.
-    struct PGN
-    {
-        QString name;
-        QString desc;
-        quint32 number = 0; ///< EDP in bit 17, DP in bit 16
-        quint8 edpDpKey = 0;
-        quint8 priority = 0;
-        quint16 cycleTime = 0; ///< transmit: cycle; receive: monitoring time
-        quint16 inhibitTime = 0;
-        quint16 mappingCount = 0;
-        quint8 direction = 0;
-        quint16 srvt = 0;
-        quint8 isSafe = 0;
-        quint8 fdTrailerFormat = 0;
-        quint8 fdAssuranceType = 0;
-        quint8 fdAssuranceDataSize = 0;
-        quint8 multiSourceAddress = 0;
-        quint8 safetyType = 0;
-        quint32 fdDataId = 0;
-    };
-
-    /// A J1939 signal. Positions and sizes in bits.
-    struct SPN
-    {
-        quint16 pos = 0; ///< row in its PGN's table
-        QString name;
-        QString desc;
-        QString defaultValue = QStringLiteral("0");
-        quint16 dataType = 0;
-        quint32 pgn = 0;
-        quint8 direction = 0;
-        quint32 spn = 0;
-        quint8 implementation = CANopen::Variable;
-        QString varName;
-        quint16 bitSize = 0; ///< types 10, 120, 121 only
-        quint16 slotDf = 0;
-        quint16 bitPosition = 0;
-    };
-
-    /// A raw CAN message. Times in milliseconds.
-    struct CANID
-    {
-        quint32 id = 0; ///< bits 0 to 28; bit 29 set means extended identifier
-        QString name;
-        QString desc;
-        quint16 cycleTime = 0;
-        quint16 inhibitTime = 0;
-        quint16 mappingCount = 0;
-        quint8 direction = 0;
-    };
-
-    /// A signal of a raw CAN message. Positions and sizes in bits.
-    struct DataElement
-    {
-        quint16 pos = 0; ///< row in its message's table
-        QString name;
-        QString desc;
-        QString defaultValue = QStringLiteral("0");
-        quint16 dataType = 0;
-        quint32 canId = 0;
-        quint8 direction = 0;
-        quint32 number = 0;
-        quint8 implementation = CANopen::Variable;
-        QString varName;
-        quint16 bitSize = 0;
-        quint16 bitPos = 0;
-    };
 
     enum ChangeKind : quint32 {
         NoChange = 0,
@@ -300,14 +154,19 @@ public:
     [[nodiscard]] QStringList workingFiles() const;
     /// Deletes the texts that nothing refers to.
     void purgeStrings();
+    /// The number of rows of any table; 0 if there is none of that name.
+    [[nodiscard]] int rowCount(const QString &table);
     /// Runs any statement; its rows (10 columns at most) are in `statementResults`.
     bool executeSql(const QString &statement);
     [[nodiscard]] QStringList statementResults() const;
 
-    /// Refuses writes, and blocks statements of all other threads than the caller's.
+    /// Refuses writes, and blocks statements of all other threads than the caller's. False ends all
+    /// blocks, whoever made them.
     void setBlockUpdates(bool block);
     /// The plain block: only statements of other threads wait, writes of the caller go on.
     void setThreadBlock(bool block);
+    /// Ends whatever a `StoreSilence` holds back.
+    void endSilence();
     [[nodiscard]] bool writesBlocked() const;
     /// Generation mode: writes are refused, reads come from the caches where they are filled.
     void setGenerating(bool generating);
@@ -357,46 +216,65 @@ public:
     /// Metadata of all objects (key subindex -1) and subindices of a line that have any.
     [[nodiscard]] QMap<std::pair<quint16, int>, MetaData> getAllMetaData(quint8 line);
 
+    /// Makes the object or changes it; an empty map leaves the metadata that are there. Sends 1.
     bool addIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
     /// As `addIndex` for each entry, in one transaction. Notifies of each when all are written.
     bool addIndices(const QList<IndexEntry> &entries);
+    /// Makes the subindex or replaces it, metadata and all. Sends 2.
     bool addSubIndex(quint8 line, quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
-    /// In one transaction, without notification and without touching a cache.
+    /// In one transaction, without notification and without touching cached records. A row that
+    /// can't be written gives false, and the others are written.
     bool addSubIndices(const QList<SubEntry> &entries);
+    /// With its subindices. Sends 3.
     bool deleteIndex(quint8 line, quint16 index, bool keepConnections = false);
+    /// Sends 4.
     bool deleteSubIndex(quint8 line, quint16 index, quint8 subindex, bool keepConnections = false);
+    /// Sends 2 for the new object and 3 for the former one; as one change within a bulk.
     bool moveIndex(quint8 sourceLine, quint16 index, quint8 targetLine, quint16 newIndex);
-    /// `source` is the store to copy from, this one if null.
+    /// `source` is the store to copy from, this one if null. Whole or not at all. Sends 2 with
+    /// subindex 0.
     bool copyIndex(quint8 sourceLine, quint16 index, quint8 targetLine, quint16 newIndex,
                    ObjectDataBase *source = nullptr);
     /// One column of a row, which is made if it is missing; an empty value changes nothing. Table,
     /// index and subindex are texts as they stand in a statement. The caches drop what they have of
-    /// the row.
+    /// the row. Sends 1 or 2 if something was written.
     void setObjectIndexSqlValue(const QString &table, const QString &index, const QString &column,
                                 const QVariant &value);
     void setSubindexSqlValue(const QString &table, const QString &index, const QString &subindex,
                              const QString &column, const QVariant &value);
+    /// Send 1 and 2, if the statement worked.
     void setIndexName(quint8 line, quint16 index, const QString &name);
     void setSubIndexName(quint8 line, quint16 index, quint8 subindex, const QString &name);
     bool setSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex, const QString &value);
 
     // --- Lines ------------------------------------------------------------------------------
 
+    /// Makes the line with its tables and settings, or changes its record up to `generatedcf`; the
+    /// members behind that change by `setNodeSqlValue`. Sends 6, and 9 for each list of settings
+    /// that grew.
     bool addNode(quint8 line, const NODE_DATA_T &data);
+    /// With its tables, settings and connections; a line that isn't there is deleted quietly, too.
+    /// Sends 7.
     bool deleteNode(quint8 line);
     /// In table order.
     [[nodiscard]] QList<quint8> getLines();
     [[nodiscard]] bool lineExists(quint8 line);
     bool getNodeData(quint8 line, NODE_DATA_T &data);
+    /// Sends 6 if the statement worked.
     void setNodeSqlValue(const QString &node, const QString &column, const QVariant &value);
     /// Objects of the range, PGNs, CAN-IDs and UDS settings of a line, between two stores or
-    /// within one; objects at the target are replaced.
+    /// within one; objects at the target are replaced. Whole or not at all; sends one 14. Onto
+    /// itself it changes nothing.
     static bool copyLine(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                          quint8 targetLine, quint16 low = 0x1000, quint16 high = 0xFFFF);
-    /// Replaces general and description settings by those of another store.
+    /// Replaces general and description settings by those of another store, whole or not at all.
+    /// Sends one 14.
     bool copySettings(ObjectDataBase &source);
 
     // --- Settings ---------------------------------------------------------------------------
+    //
+    // A setter of a key notifies only if it changed the value: general settings by 9, description
+    // settings by 10 with the line, EnergyBus by 11, misc by 12, J1939 by 13.
 
     [[nodiscard]] QString getGeneralSetting(const QString &key);
     bool setGeneralSetting(const QString &key, const QString &value);
@@ -409,8 +287,10 @@ public:
     [[nodiscard]] bool generalSettingExists(const QString &key);
     /// The general settings that hold one value a line, joined by commas.
     [[nodiscard]] static const QStringList &getMultiLineKeys();
-    /// The number of the general setting `line%1type`; 0 if it is not set.
+    /// The number of the general setting `LineType::settingKey`; 0 if it is not set.
     [[nodiscard]] int getLineType(quint8 line);
+    /// What the line speaks.
+    [[nodiscard]] const LineType &lineType(quint8 line) { return LineType::of(getLineType(line)); }
 
     /// Description settings are those of the description line, a state of the store.
     [[nodiscard]] QString getDescriptionSetting(const QString &key);
@@ -428,6 +308,7 @@ public:
 
     [[nodiscard]] QString getMiscSetting(const QString &key);
     bool setMiscSetting(const QString &key, const QString &value);
+    [[nodiscard]] QStringList getMiscSettingKeys();
     [[nodiscard]] bool miscSettingExists(const QString &key);
 
     [[nodiscard]] QString getJ1939Setting(const QString &key);
@@ -454,11 +335,19 @@ public:
     bool removeConsumerConnection(quint8 line, quint16 index, quint8 subindex);
 
     // --- J1939 (SAE J1939-21) ---------------------------------------------------------------
+    //
+    // Directions are bytes, `transmit` or `receive`; keys given beside a record win over its own.
 
+    /// Makes the PGN or changes it. Sends 15.
     bool addPGN(quint8 line, quint32 number, const PGN &data);
+    /// Makes the SPN or changes it; it needs no PGN. Sends 19.
     bool addSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, const SPN &data);
+    /// Many, found by the keys in the records. Sends 14 once.
+    bool addPGNs(quint8 line, const QList<PGN> &pgns, const QList<SPN> &spns);
     [[nodiscard]] bool pgnExists(quint8 line, quint32 number, quint8 direction);
     bool getPGN(quint8 line, quint32 number, quint8 direction, PGN &data);
+    /// Of both directions, ascending by number.
+    [[nodiscard]] QList<PGN> getPGNs(quint8 line);
     [[nodiscard]] QString getPGNName(quint8 line, quint32 number, quint8 direction);
     [[nodiscard]] quint16 getMappingCount(quint8 line, quint32 number, quint8 direction);
     /// Ascending; direction 0 means both. With the flag, PGNs sent as safety messages are left out.
@@ -466,35 +355,49 @@ public:
                                             bool withoutSafe = false);
     /// In the order of their rows.
     [[nodiscard]] QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
+    [[nodiscard]] QList<SPN> getSPNs(quint8 line, const MessageKey &pgn);
     bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
     [[nodiscard]] quint16 getSPNDataType(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
     [[nodiscard]] QString getSPNName(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
+    /// With its SPNs. Sends 16.
     void deletePGN(quint8 line, quint32 number, quint8 direction);
+    /// Sends 20.
     void deleteSPN(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
-    /// Lays the SPNs out one behind the other if all of them start at bit 0, or if forced.
+    /// Lays the SPNs out one behind the other if all of them start at bit 0, or if forced. Sends 15
+    /// if one moved.
     void realignSPNs(quint8 line, quint8 direction, quint32 pgn, bool force = false);
-    /// `implementation` 0 makes every SPN managed, 2 an application variable, else it is kept.
+    /// With its SPNs, in place of the target's. `implementation` 0 makes every SPN managed, 2 an
+    /// application variable, else it is kept. Whole or not at all. Sends 15 once.
     static bool copyPGN(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                         quint8 targetLine, quint32 number, quint8 direction, quint8 targetDirection,
                         int implementation = -1);
-    /// All PGNs of a line with numbers up to `highest`, receive first.
-    static void copyPGNs(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
+    /// All PGNs of a line with numbers up to `highest`, in place of those of the target with the
+    /// same keys. Whole or not at all. Sends 14 once.
+    static bool copyPGNs(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                          quint8 targetLine, quint32 highest);
+    /// Keeps messages and signals as they are now until `clearSPNCache` or a write to the line,
+    /// even if a statement of `executeSql` changes them.
     bool loadSPNCache(quint8 line);
     void clearSPNCache();
-    /// Repairs `mappingcount` of every PGN of a line.
+    /// Repairs `mappingcount` of every PGN of a line. Sends nothing.
     void repairMappingCounts(quint8 line);
     /// Folds legacy page keys (`edpDpKey`) into the PGN numbers. A PGN whose folded number is taken
-    /// in its direction stays as it is, and the debug log says so.
+    /// in its direction stays as it is, and the debug log says so. Sends 14 once if any
+    /// changed.
     void foldPageKeys(quint8 line);
 
-    // --- Raw CAN ----------------------------------------------------------------------------
+    // --- Raw CAN (ISO 11898) ----------------------------------------------------------------
+    //
+    // As their J1939 namesakes, with kinds 17, 18, 21 and 20.
 
     bool addCANID(quint8 line, quint32 id, const CANID &data);
+    /// A change leaves `pos` and `bitSize` as they are.
     bool addDataElement(quint8 line, quint32 canId, quint8 direction, quint32 number,
                         const DataElement &data);
+    bool addCANIDs(quint8 line, const QList<CANID> &messages, const QList<DataElement> &elements);
     [[nodiscard]] bool canIdExists(quint8 line, quint32 id, quint8 direction);
     bool getCANID(quint8 line, quint32 id, quint8 direction, CANID &data);
+    [[nodiscard]] QList<CANID> getCANIDs(quint8 line);
     [[nodiscard]] QString getCANIDName(quint8 line, quint32 id, quint8 direction);
     /// Ascending; direction 0 means both.
     [[nodiscard]] QList<quint32> getCANIDList(quint8 line, quint8 direction = 0);
@@ -504,10 +407,13 @@ public:
                                              quint32 number);
     /// Ascending.
     [[nodiscard]] QList<quint32> getDataElementList(quint8 line, quint32 canId, quint8 direction);
+    [[nodiscard]] QList<DataElement> getDataElements(quint8 line, const MessageKey &canId);
     void deleteCANID(quint8 line, quint32 id, quint8 direction);
     void deleteDataElement(quint8 line, quint32 canId, quint32 number, quint8 direction);
     static bool copyCANID(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                           quint8 targetLine, quint32 id, quint8 direction, quint8 targetDirection);
+    static bool copyCANIDs(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
+                           quint8 targetLine);
     /// Lays the elements out one behind the other if all of them start at bit 0.
     void realignDataElements(quint8 line, quint8 direction, quint32 canId);
 
@@ -521,73 +427,13 @@ signals:
 
 private:
     friend class DatabaseTextConverter;
+    friend class StoreBlock;
+    friend class StoreSilence;
+    friend class StoreBulkChange;
     struct State;
     std::unique_ptr<State> d;
 
-    // life cycle
-    enum class Opened { No, WrongTool, Yes };
-    bool makeEmptyProject();
-    void noteCreator();
-    Opened openText(const QString &path);
-    Opened openSql(const QString &path);
-    bool openWorkingCopyOf(const QString &path);
-    void nameBackup(const QString &path);
-    bool editionAllowed();
-    void runSchemaSteps();
-    void runContentSteps();
-    bool checkExternalModification();
-    void fillLineType(quint8 line);
-    void completeUDSSettings(quint8 line);
-    void repairSPNDirections(const QList<quint8> &lines);
-    void giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections);
-    void makeNodePathsAbsolute(const QList<quint8> &lines);
-    void adaptSignals(const QList<quint8> &lines);
-    void layOutSignals(const QList<quint8> &lines);
-    [[nodiscard]] bool mayBeReplaced();
-    void fitLineLists(const QList<quint8> &lines);
-    bool mayBeSaved(const QString &target);
-    bool writeSaveKeys();
-    bool writeProjectFile(const QString &target, const QString &hash);
-    bool refuseSave(const QString &target, const QString &reason);
-    bool writeText(const QString &path);
-    bool textHash(const QString &trial, QString &hash);
-    void notify(const ChangeSet &change) { emit updateNotify(change); }
-
-    // objects
-    [[nodiscard]] QString columnLiteral(const char *stringIds, const QString &column,
-                                        const QVariant &value);
-    [[nodiscard]] QVariant subIndexColumn(quint8 line, quint16 index, quint8 subindex,
-                                          const char *column);
-    [[nodiscard]] QList<SubIndexKey> selectKeys(const QString &statement);
-    [[nodiscard]] QList<quint32> selectNumbers(const QString &statement);
-    [[nodiscard]] QList<SPN> readSPNs(quint8 line, quint32 pgn, quint8 direction);
-    [[nodiscard]] QList<DataElement> readDataElements(quint8 line, quint32 canId, quint8 direction);
-    void appendSubIndexValues(std::string &statement, quint16 index, quint8 subindex,
-                              const SUBINDEX_DATA_T &data);
-    static void traceDeviceType(quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data);
-    qsizetype writeBatch(const QList<SubEntry> &entries, qsizetype from, bool &done);
-    qsizetype writeBatchAsText(const QList<SubEntry> &entries, qsizetype from, bool &done);
-    qsizetype writeBatch(const QList<IndexEntry> &entries, qsizetype from, bool &done);
-    bool writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data);
-    bool writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata);
-    bool writeSubMetaData(quint8 line, quint16 index, quint8 subindex, const MetaData &metadata);
-    [[nodiscard]] QString sqlValueText(const QString &column, const QVariant &value);
-    void tellIndexValue(quint8 line, quint16 index);
-    void tellSubIndexValue(quint8 line, quint16 index, quint8 subindex);
-
-    // lines and settings
-    void inheritLineSettings(quint8 line);
-    void createUDSTable(quint8 line);
-    void deleteDescriptionOfLine(quint8 line);
-    void cutLineFromSettings(const char *table, quint8 line);
-    static void copyUDSSettings(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
-                                quint8 targetLine);
-    bool writeSetting(const char *table, const QString &key, const QString &value,
-                      const ChangeSet &change);
-    bool writeLineSetting(const char *table, const QString &key, const QString &value, quint8 line,
-                          const ChangeSet &change);
-    template <typename Change>
-    void changeUDSService(quint8 line, UDS::SID sid, const Change &change);
+    void notify(const ChangeSet &change);
 };
 
 Q_DECLARE_METATYPE(ObjectDataBase::ChangeSet)

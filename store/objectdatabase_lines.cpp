@@ -3,14 +3,6 @@
 
 #include "store/schema.h"
 
-#include <QScopeGuard>
-
-namespace {
-
-const quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
-
-} // namespace
-
 bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
                               quint8 targetLine, quint16 low, quint16 high)
 {
@@ -18,79 +10,96 @@ bool ObjectDataBase::copyLine(ObjectDataBase &target, ObjectDataBase &source, qu
         return false;
     if (&target == &source && sourceLine == targetLine)
         return true;
+    StoreBulkChange bulk(target);
+    const bool copied = target.d->copyObjects(source, sourceLine, targetLine, low, high) &&
+                        copyPGNs(target, source, sourceLine, targetLine, J1939::highestPgn) &&
+                        copyCANIDs(target, source, sourceLine, targetLine) &&
+                        target.d->copyUdsSettings(*source.d, sourceLine, targetLine);
+    bulk.tellAs({.kind = ProjectReplaced});
+    return copied && bulk.commit();
+}
+
+bool ObjectDataBase::State::copyObjects(ObjectDataBase &source, quint8 sourceLine,
+                                        quint8 targetLine, int low, int high)
+{
     source.cacheAllSubs(sourceLine);
-    bool copied = true;
+    QList<IndexEntry> indices;
+    QList<SubEntry> subs;
     for (const quint16 index : source.getIndices(sourceLine, low, high)) {
-        INDEX_DATA_T object;
-        source.getIndexData(sourceLine, index, object);
-        if (object.name.isEmpty())
-            object.name = IndexText::unnamedObject;
-        const QList<quint8> subindices = source.getSubIndices(sourceLine, index);
-        target.deleteIndex(targetLine, index, true);
-        copied &= target.addIndex(targetLine, index, object);
-        for (const quint8 subindex : subindices) {
-            SUBINDEX_DATA_T data;
-            if (source.getSubIndexData(sourceLine, index, subindex, data))
-                copied &= target.addSubIndex(targetLine, index, subindex, data);
+        IndexEntry entry{.line = targetLine, .index = index, .data = {}};
+        source.getIndexData(sourceLine, index, entry.data);
+        if (entry.data.name.isEmpty())
+            entry.data.name = IndexText::unnamedObject;
+        indices.append(entry);
+        for (const quint8 subindex : source.getSubIndices(sourceLine, index)) {
+            SubEntry sub{.line = targetLine, .index = index, .subindex = subindex, .data = {}};
+            if (source.getSubIndexData(sourceLine, index, subindex, sub.data))
+                subs.append(sub);
         }
     }
     source.clearSubCache(sourceLine);
-    copyPGNs(target, source, sourceLine, targetLine, highestPGN);
-    for (const quint8 direction : directions) {
-        for (const quint32 id : source.getCANIDList(sourceLine, direction))
-            copied &= copyCANID(target, source, sourceLine, targetLine, id, direction, direction);
-    }
-    copyUDSSettings(target, source, sourceLine, targetLine);
+    bool copied = true;
+    for (const IndexEntry &entry : std::as_const(indices))
+        copied &= face.deleteIndex(targetLine, entry.index, true);
+    copied &= face.addIndices(indices) && face.addSubIndices(subs);
+    // The batch goes past records that are cached.
+    objects.clear(targetLine);
     return copied;
 }
 
-void ObjectDataBase::copyUDSSettings(ObjectDataBase &target, ObjectDataBase &source,
-                                     quint8 sourceLine, quint8 targetLine)
+bool ObjectDataBase::State::copyUdsSettings(State &source, quint8 sourceLine, quint8 targetLine)
 {
     QStringList rows;
     const Schema::Table &table = Schema::table(QStringLiteral("UDSSettings"));
     const QString columns = Schema::columnList(table);
-    source.d->runner.forEachRow(QLatin1String("select ") + columns + QLatin1String(" from ") +
-                                    SqlText::lineTable(table.name, sourceLine),
-                                [&](const ResultRow &row) {
-                                    rows.append(row.value(0).toString() + u',' +
-                                                SqlText::number(row.value(1).toInt() != 0) + u',' +
-                                                SqlText::quoted(row.value(2).toString()) + u',' +
-                                                SqlText::quoted(row.value(3).toString()) + u',' +
-                                                SqlText::quoted(row.value(4).toString()));
-                                });
+    bool copied = source.runner.forEachRow(
+        QLatin1String("select ") + columns + QLatin1String(" from ") +
+            SqlText::lineTable(table.name, sourceLine),
+        [&](const ResultRow &row) {
+            rows.append(QString::number(row.integer(0)) + u',' +
+                        SqlText::number(row.integer(1) != 0) + u',' + SqlText::quoted(row.text(2)) +
+                        u',' + SqlText::quoted(row.text(3)) + u',' + SqlText::quoted(row.text(4)));
+        },
+        Q_FUNC_INFO);
     const QString name = SqlText::lineTable(table.name, targetLine);
-    target.d->runner.exec(QLatin1String("delete from ") + name, Q_FUNC_INFO);
-    for (const QString &row : rows)
-        target.d->runner.exec(QLatin1String("insert into ") + name + QLatin1String(" (") + columns +
-                                  QLatin1String(") values(") + row + u')',
-                              Q_FUNC_INFO);
+    copied = copied && runner.exec(QLatin1String("delete from ") + name, Q_FUNC_INFO);
+    for (const QString &row : std::as_const(rows))
+        copied = copied && runner.exec(QLatin1String("insert into ") + name + QLatin1String(" (") +
+                                           columns + QLatin1String(") values(") + row + u')',
+                                       Q_FUNC_INFO);
+    return copied;
 }
 
 bool ObjectDataBase::copySettings(ObjectDataBase &source)
 {
     if (d->refusesWrites())
         return false;
-    bool copied = true;
-    for (const char *name : {"GeneralSettings", "DescriptionSettings"}) {
-        // Read first, so that a source that can't be read costs nothing.
-        QList<std::pair<QString, QString>> rows;
-        const QString select = QLatin1String("select item, value from ") + QLatin1String(name);
-        if (!source.d->runner.forEachRow(select, [&](const ResultRow &row) {
-                rows.append({row.value(0).toString(), row.value(1).toString()});
-            }))
+    StoreBulkChange bulk(*this);
+    bulk.tellAs({.kind = ProjectReplaced});
+    for (const char *table : {"GeneralSettings", "DescriptionSettings"}) {
+        if (!d->copySettings(table, *source.d))
             return false;
-        copied &= d->runner.exec(QLatin1String("drop table ") + QLatin1String(name), Q_FUNC_INFO);
-        copied &= d->runner.exec(Schema::createStatement(Schema::table(QString::fromLatin1(name))),
-                                 Q_FUNC_INFO);
-        for (const auto &[key, value] : rows)
-            copied &= d->runner.exec(QLatin1String("insert into ") + QLatin1String(name) +
-                                         QLatin1String(" values(") + SqlText::quoted(key) + u',' +
-                                         SqlText::quoted(value) + u')',
-                                     Q_FUNC_INFO);
     }
-    notify({.kind = GeneralSettingChanged});
-    notify({.kind = DescriptionSettingChanged, .line = d->descriptionLine});
+    return bulk.commit();
+}
+
+bool ObjectDataBase::State::copySettings(const char *table, State &source)
+{
+    QList<std::pair<QString, QString>> rows;
+    const QString name = QString::fromLatin1(table);
+    bool copied = source.runner.forEachRow(
+        QLatin1String("select item, value from ") + name,
+        [&](const ResultRow &row) {
+            rows.append({row.text(0), row.text(1)});
+        },
+        Q_FUNC_INFO);
+    copied = copied && runner.exec(QLatin1String("drop table ") + name, Q_FUNC_INFO) &&
+             runner.exec(Schema::createStatement(Schema::table(name)), Q_FUNC_INFO);
+    for (const auto &[key, value] : std::as_const(rows))
+        copied =
+            copied && runner.exec(QLatin1String("insert into ") + name + QLatin1String(" values(") +
+                                      SqlText::quoted(key) + u',' + SqlText::quoted(value) + u')',
+                                  Q_FUNC_INFO);
     return copied;
 }
 
@@ -111,18 +120,13 @@ bool ObjectDataBase::copyIndex(quint8 sourceLine, quint16 index, quint8 targetLi
         if (from.getSubIndexData(sourceLine, index, subindex, data))
             subs.append({subindex, data});
     }
-    if (indexExists(targetLine, newIndex))
-        deleteIndex(targetLine, newIndex);
-    bool copied = addIndex(targetLine, newIndex, object);
-    {
-        // One notification for the whole object, so that forms aren't flooded.
-        const bool formerly = blockSignals(true);
-        const auto unblock = qScopeGuard([&] { blockSignals(formerly); });
-        for (const auto &[subindex, data] : subs)
-            copied &= addSubIndex(targetLine, newIndex, subindex, data);
-    }
-    notify({.kind = SubIndexAdded, .index = newIndex, .line = targetLine});
-    return copied;
+    StoreBulkChange bulk(*this);
+    bool copied = !indexExists(targetLine, newIndex) || deleteIndex(targetLine, newIndex);
+    copied = copied && addIndex(targetLine, newIndex, object);
+    for (const auto &[subindex, data] : std::as_const(subs))
+        copied = copied && addSubIndex(targetLine, newIndex, subindex, data);
+    bulk.tellAs({.kind = SubIndexAdded, .index = newIndex, .line = targetLine});
+    return copied && bulk.commit();
 }
 
 bool ObjectDataBase::moveIndex(quint8 sourceLine, quint16 index, quint8 targetLine,
@@ -132,5 +136,12 @@ bool ObjectDataBase::moveIndex(quint8 sourceLine, quint16 index, quint8 targetLi
         return false;
     if (sourceLine == targetLine && index == newIndex)
         return true;
-    return copyIndex(sourceLine, index, targetLine, newIndex) && deleteIndex(sourceLine, index);
+    StoreBulkChange bulk(*this);
+    if (!copyIndex(sourceLine, index, targetLine, newIndex) || !deleteIndex(sourceLine, index))
+        return false;
+    bulk.tellAs({.kind = SubIndexAdded, .index = newIndex, .line = targetLine});
+    if (!bulk.commit())
+        return false;
+    notify({.kind = IndexDeleted, .index = index, .line = sourceLine});
+    return true;
 }

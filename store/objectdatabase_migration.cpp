@@ -13,8 +13,6 @@
 
 namespace {
 
-const quint8 directions[] = {ObjectDataBase::receive, ObjectDataBase::transmit};
-
 constexpr int firstVersionWithDirections = 100;
 constexpr int firstVersionWithPositions = 105;
 
@@ -202,24 +200,25 @@ void Migration::rebuildSubObjects(quint8 line)
 
 } // namespace
 
-void ObjectDataBase::runSchemaSteps()
+void ObjectDataBase::State::runSchemaSteps()
 {
-    Migration(*this, d->runner).runSchemaSteps();
+    Migration(face, runner).runSchemaSteps();
 }
 
-bool ObjectDataBase::editionAllowed()
+bool ObjectDataBase::State::editionAllowed()
 {
     const QString edition = QCoreApplication::applicationName();
-    const QString saved = getMiscSetting(QStringLiteral("SaveToolType"));
+    const QString saved = face.getMiscSetting(QStringLiteral("SaveToolType"));
     if (saved.isEmpty() || saved == edition || edition == QLatin1String("CAN Quillforge"))
         return true;
     bool hasCANopen = false;
     bool hasJ1939 = false;
-    for (const quint8 line : getLines()) {
-        const int type = getLineType(line);
-        const bool both = type == 4 || type == 5;
-        hasCANopen |= type == 1 || both;
-        hasJ1939 |= type == 2 || both;
+    for (const quint8 line : face.getLines()) {
+        const int type = face.getLineType(line);
+        // Of the types with raw CAN only the plain one marks a project, with both.
+        const bool marksBoth = type == LineType::RawCan || type == LineType::CANopenJ1939;
+        hasCANopen |= type == LineType::CANopen || marksBoth;
+        hasJ1939 |= type == LineType::J1939 || marksBoth;
     }
     if (edition.contains(QLatin1String("CANopen")))
         return !hasJ1939;
@@ -228,102 +227,85 @@ bool ObjectDataBase::editionAllowed()
     return true;
 }
 
-void ObjectDataBase::runContentSteps()
+namespace {
+
+/// What the content of an older project needs, once its tables are complete.
+class ContentSteps
 {
-    const QList<quint8> lines = getLines();
-    for (const quint8 line : lines) {
-        fillLineType(line);
-        completeUDSSettings(line);
+public:
+    ContentSteps(ObjectDataBase &store, StatementRunner &runner)
+        : m_store(store), m_runner(runner), m_lines(store.getLines())
+    {
     }
-    if (d->fileVersion() < firstVersionWithDirections)
-        repairSPNDirections(lines);
-    if (d->projectPath.endsWith(QLatin1String("vxep"), Qt::CaseInsensitive))
-        makeNodePathsAbsolute(lines);
-    for (const quint8 line : lines)
-        d->writeMissingDescriptionDefaults(line);
-    d->strings.rebuild();
-    adaptSignals(lines);
-    d->runner.transaction([&] {
-        for (const quint8 line : lines)
-            repairMappingCounts(line);
-    });
-    fitLineLists(lines);
-    if (!d->runner.exec(QStringLiteral("VACUUM")))
-        qDebug() << "migration statement failed:"
-                 << "VACUUM" << d->runner.lastError();
-}
 
-void ObjectDataBase::fillLineType(quint8 line)
-{
-    const QString key = QStringLiteral("line%1type").arg(line);
-    if (!getGeneralSetting(key).isEmpty())
-        return;
-    const QString tool = getMiscSetting(QStringLiteral("CreateToolVersion"));
-    bool j1939 = tool.contains(QLatin1String("J1939 Quillforge"));
-    if (!j1939 && !tool.contains(QLatin1String("CANopen Quillforge")))
-        j1939 = getIndices(line, 0x1000).size() <= getPGNList(line).size();
-    setGeneralSetting(key, j1939 ? QStringLiteral("2") : QStringLiteral("1"));
-}
+    void fillLineTypes();
+    void repairSPNDirections();
+    void makeNodePathsAbsolute(const QDir &folder);
+    void fitLineLists();
 
-void ObjectDataBase::completeUDSSettings(quint8 line)
+private:
+    void giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections);
+
+    ObjectDataBase &m_store;
+    StatementRunner &m_runner;
+    QList<quint8> m_lines;
+};
+
+void ContentSteps::fillLineTypes()
 {
-    static constexpr quint8 services[] = {0x10, 0x11, 0x3E, 0x22, 0x2E, 0x23, 0x3D, 0x14, 0x19,
-                                          0x31, 0x27, 0x28, 0x2F, 0x34, 0x35, 0x36, 0x37};
-    constexpr int inAllSessions = 10;
-    d->runner.exec(Schema::createStatement(Schema::table(QStringLiteral("UDSSettings")),
-                                           QString::number(line), true),
-                   Q_FUNC_INFO);
-    const QMap<UDS::SID, bool> stored = getUDSServices(line);
-    if (std::any_of(stored.cbegin(), stored.cend(), [](bool active) { return active; }))
-        return;
-    for (int i = 0; i < int(std::size(services)); ++i) {
-        const auto sid = UDS::SID(services[i]);
-        d->changeUdsService(line, sid, [&](UdsService &service) {
-            service.active = true;
-            service.sessions =
-                i < inAllSessions ? QStringLiteral("1,2,3,4") : QStringLiteral("2,3,4");
-        });
+    const QString tool = m_store.getMiscSetting(QStringLiteral("CreateToolVersion"));
+    for (const quint8 line : std::as_const(m_lines)) {
+        const QString key = LineType::settingKey(line);
+        if (!m_store.getGeneralSetting(key).isEmpty())
+            continue;
+        bool j1939 = tool.contains(QLatin1String("J1939 Quillforge"));
+        if (!j1939 && !tool.contains(QLatin1String("CANopen Quillforge")))
+            j1939 = m_store.getIndices(line, 0x1000).size() <= m_store.getPGNList(line).size();
+        m_store.setGeneralSetting(
+            key, QString::number(int(j1939 ? LineType::J1939 : LineType::CANopen)));
     }
 }
 
 /// Signals of the first files have no direction of their own. One that belongs to a PGN in both
 /// directions is given to both.
-void ObjectDataBase::repairSPNDirections(const QList<quint8> &lines)
+void ContentSteps::repairSPNDirections()
 {
-    for (const quint8 line : lines) {
-        if (getLineType(line) != 2)
+    for (const quint8 line : std::as_const(m_lines)) {
+        if (m_store.getLineType(line) != LineType::J1939)
             continue;
         QMap<quint32, QSet<quint8>> ofPgn;
-        d->runner.forEachRow(QStringLiteral("select number, direction from PGNs%1 where direction "
-                                            "is not NULL")
-                                 .arg(line),
-                             [&](const ResultRow &row) {
-                                 ofPgn[row.value(0).toUInt()].insert(quint8(row.value(1).toUInt()));
-                             });
+        m_runner.forEachRow(
+            QStringLiteral("select number, direction from PGNs%1 where direction is not NULL")
+                .arg(line),
+            [&](const ResultRow &row) {
+                ofPgn[quint32(row.integer(0))].insert(quint8(row.integer(1)));
+            });
         QSet<quint32> wrong;
-        d->runner.forEachRow(QStringLiteral("select pgnnumber,direction from SPNs%1").arg(line),
-                             [&](const ResultRow &row) {
-                                 const quint32 pgn = row.value(0).toUInt();
-                                 const auto found = ofPgn.constFind(pgn);
-                                 if (found != ofPgn.constEnd() &&
-                                     !found->contains(quint8(row.value(1).toUInt())))
-                                     wrong.insert(pgn);
-                             });
+        m_runner.forEachRow(QStringLiteral("select pgnnumber,direction from SPNs%1").arg(line),
+                            [&](const ResultRow &row) {
+                                const auto pgn = quint32(row.integer(0));
+                                const auto found = ofPgn.constFind(pgn);
+                                if (found != ofPgn.constEnd() &&
+                                    !found->contains(quint8(row.integer(1))))
+                                    wrong.insert(pgn);
+                            });
         for (const quint32 pgn : std::as_const(wrong))
             giveSPNsDirection(line, pgn, ofPgn.value(pgn));
     }
 }
 
-void ObjectDataBase::giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections)
+void ContentSteps::giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quint8> &pgnDirections)
 {
+    constexpr quint8 receive = ObjectDataBase::receive;
+    constexpr quint8 transmit = ObjectDataBase::transmit;
     const QString table = SqlText::lineTable("SPNs", line);
     if (pgnDirections.size() == 1) {
-        d->runner.execBound(QLatin1String("update ") + table +
-                                QLatin1String(" SET direction = :direction where pgnnumber = "
-                                              ":pgnnumber"),
-                            {{QStringLiteral(":direction"), int(*pgnDirections.cbegin())},
-                             {QStringLiteral(":pgnnumber"), pgn}},
-                            Q_FUNC_INFO);
+        m_runner.execBound(QLatin1String("update ") + table +
+                               QLatin1String(" SET direction = :direction where pgnnumber = "
+                                             ":pgnnumber"),
+                           {{QStringLiteral(":direction"), int(*pgnDirections.cbegin())},
+                            {QStringLiteral(":pgnnumber"), pgn}},
+                           Q_FUNC_INFO);
         return;
     }
     const QString orphans = QStringLiteral(" where pgnnumber = %1 and ifnull(direction,0) not in "
@@ -334,76 +316,119 @@ void ObjectDataBase::giveSPNsDirection(quint8 line, quint32 pgn, const QSet<quin
     const QString columns = Schema::columnList(Schema::table(QStringLiteral("SPNs")));
     QString transmitted = columns;
     transmitted.replace(QLatin1String("direction"), QString::number(transmit));
-    d->runner.exec(QStringLiteral("insert into %1 (%2) select %3 from %1%4")
-                       .arg(table, columns, transmitted, orphans),
-                   Q_FUNC_INFO);
-    d->runner.exec(QStringLiteral("update %1 SET direction = %2%3")
-                       .arg(table, QString::number(receive), orphans),
-                   Q_FUNC_INFO);
+    m_runner.exec(QStringLiteral("insert into %1 (%2) select %3 from %1%4")
+                      .arg(table, columns, transmitted, orphans),
+                  Q_FUNC_INFO);
+    m_runner.exec(QStringLiteral("update %1 SET direction = %2%3")
+                      .arg(table, QString::number(receive), orphans),
+                  Q_FUNC_INFO);
 }
 
-void ObjectDataBase::makeNodePathsAbsolute(const QList<quint8> &lines)
+void ContentSteps::makeNodePathsAbsolute(const QDir &folder)
 {
-    const QDir folder = QFileInfo(d->projectPath).absoluteDir();
     QDir::setCurrent(folder.absolutePath());
     const auto absolute = [&](QString &path) {
         if (!path.isEmpty())
             path = QDir::cleanPath(folder.absoluteFilePath(path));
     };
-    for (const quint8 line : lines) {
-        NODE_DATA_T node;
-        if (!getNodeData(line, node))
+    for (const quint8 line : std::as_const(m_lines)) {
+        ObjectDataBase::NODE_DATA_T node;
+        if (!m_store.getNodeData(line, node))
             continue;
         absolute(node.edspath);
         absolute(node.xddpath);
         absolute(node.dcfpath);
         absolute(node.iconpath);
         node.outputpath = QStringLiteral("C:/");
-        addNode(line, node);
+        m_store.addNode(line, node);
     }
 }
+
+void ContentSteps::fitLineLists()
+{
+    int highest = 0;
+    for (const quint8 line : std::as_const(m_lines)) {
+        if (line != ObjectDataBase::comparisonLine && line != ObjectDataBase::stagingLine)
+            highest = qMax(highest, int(line));
+    }
+    for (const QString &key : ObjectDataBase::getMultiLineKeys()) {
+        const QString list = m_store.getGeneralSetting(key);
+        if (list.isEmpty())
+            continue;
+        QStringList items = list.split(u',');
+        items.resize(highest + 1);
+        m_store.setGeneralSetting(key, items.join(u','));
+    }
+}
+
+} // namespace
 
 int ObjectDataBase::State::fileVersion()
 {
     return setting("MiscSettings", QStringLiteral("DatabaseVersion")).toInt();
 }
 
-/// Signals of older versions, whatever the form of their file.
-void ObjectDataBase::adaptSignals(const QList<quint8> &lines)
+void ObjectDataBase::State::runContentSteps()
 {
-    if (d->fileVersion() < firstVersionWithPositions)
-        layOutSignals(lines);
+    const QList<quint8> lines = face.getLines();
+    ContentSteps steps(face, runner);
+    steps.fillLineTypes();
     for (const quint8 line : lines)
-        foldPageKeys(line);
+        completeUdsSettings(line);
+    if (fileVersion() < firstVersionWithDirections)
+        steps.repairSPNDirections();
+    if (projectPath.endsWith(QLatin1String("vxep"), Qt::CaseInsensitive))
+        steps.makeNodePathsAbsolute(QFileInfo(projectPath).absoluteDir());
+    for (const quint8 line : lines)
+        writeMissingDescriptionDefaults(line);
+    strings.rebuild();
+    // What was read of the signals before was read without their texts and directions.
+    pgns.clear();
+    canIds.clear();
+    adaptSignals(lines);
+    runner.transaction([&] {
+        for (const quint8 line : lines)
+            pgns.repairMappingCounts(line);
+    });
+    steps.fitLineLists();
+    if (!runner.exec(QStringLiteral("VACUUM")))
+        qDebug() << "migration statement failed:"
+                 << "VACUUM" << runner.lastError();
+    // That may number the rows of tables anew.
+    pgns.clear();
+    canIds.clear();
 }
 
-void ObjectDataBase::layOutSignals(const QList<quint8> &lines)
+void ObjectDataBase::State::completeUdsSettings(quint8 line)
 {
-    for (const quint8 line : lines) {
-        if (line >= maximumLines)
-            continue;
-        for (const quint8 direction : directions)
-            for (const quint32 id : getCANIDList(line, direction))
-                realignDataElements(line, direction, id);
-        for (const quint8 direction : directions)
-            for (const quint32 pgn : getPGNList(line, direction))
-                realignSPNs(line, direction, pgn);
+    static constexpr quint8 services[] = {0x10, 0x11, 0x3E, 0x22, 0x2E, 0x23, 0x3D, 0x14, 0x19,
+                                          0x31, 0x27, 0x28, 0x2F, 0x34, 0x35, 0x36, 0x37};
+    constexpr int inAllSessions = 10;
+    runner.exec(Schema::createStatement(Schema::table(QStringLiteral("UDSSettings")),
+                                        QString::number(line), true),
+                Q_FUNC_INFO);
+    const QMap<UDS::SID, bool> stored = face.getUDSServices(line);
+    if (std::any_of(stored.cbegin(), stored.cend(), [](bool active) { return active; }))
+        return;
+    for (int i = 0; i < int(std::size(services)); ++i) {
+        changeUdsService(line, UDS::SID(services[i]), [&](UdsService &service) {
+            service.active = true;
+            service.sessions =
+                i < inAllSessions ? QStringLiteral("1,2,3,4") : QStringLiteral("2,3,4");
+        });
     }
 }
 
-void ObjectDataBase::fitLineLists(const QList<quint8> &lines)
+void ObjectDataBase::State::adaptSignals(const QList<quint8> &lines)
 {
-    int highest = 0;
-    for (const quint8 line : lines) {
-        if (line != comparisonLine && line != stagingLine)
-            highest = qMax(highest, int(line));
+    if (fileVersion() < firstVersionWithPositions) {
+        for (const quint8 line : lines) {
+            if (line >= maximumLines)
+                continue;
+            canIds.layOutLine(line);
+            pgns.layOutLine(line);
+        }
     }
-    for (const QString &key : getMultiLineKeys()) {
-        const QString list = getGeneralSetting(key);
-        if (list.isEmpty())
-            continue;
-        QStringList items = list.split(u',');
-        items.resize(highest + 1);
-        setGeneralSetting(key, items.join(u','));
-    }
+    for (const quint8 line : lines)
+        face.foldPageKeys(line);
 }

@@ -2,6 +2,7 @@
 
 #include "store/metadatablob.h"
 #include "store/recordcolumns.h"
+#include "store/rowvalues.h"
 
 namespace {
 
@@ -10,33 +11,45 @@ QString objectTable(quint8 line)
     return SqlText::lineTable("Objects", line);
 }
 
+using Index = ObjectDataBase::INDEX_DATA_T;
+
+const QString &columnList()
+{
+    static const QString list = RecordColumns::columnNames<Index>().join(u',');
+    return list;
+}
+
 /// Reads rows for `readIndexRow`.
 QString selectObjects(quint8 line)
 {
-    static const QString select = QLatin1String("select ") +
-                                  Schema::columnList(Schema::table(QStringLiteral("Objects"))) +
-                                  QLatin1String(" from ");
-    return select + objectTable(line);
+    return QLatin1String("select ") + columnList() + QLatin1String(" from ") + objectTable(line);
 }
 
 /// Behind an insert: objects that are there already get the new values. Their metadata stay, as
 /// those of the row are empty.
 std::string updateOfOthers()
 {
-    QStringList terms;
-    for (const QString &column : Schema::columnNames(Schema::table(QStringLiteral("Objects")))) {
-        if (column != QLatin1String("objectindex") && column != QLatin1String("metadata"))
-            terms.append(column + QLatin1String("=excluded.") + column);
-    }
-    return " on conflict(objectindex) do update set " + terms.join(u',').toStdString();
+    QStringList values;
+    for (const QString &column : RecordColumns::columnNames<Index>())
+        values.append(QLatin1String("excluded.") + column);
+    return " on conflict(objectindex) do update set " +
+           RecordColumns::assignments<Index>(values).toStdString();
 }
 
 /// Gives the object's index.
-quint16 readIndexRow(RecordColumns::Reader values, ObjectDataBase::INDEX_DATA_T &data)
+quint16 readIndexRow(RecordColumns::Reader values, Index &data)
 {
-    const auto index = quint16(values.key());
     RecordColumns::visit(values, data);
-    return index;
+    return quint16(values.key());
+}
+
+template <typename Values>
+void writeIndexRow(Values &list, StringTable &strings, quint16 index, const Index &data)
+{
+    RecordColumns::Writer values(list, strings);
+    values.intern({&data.description, &data.name, &data.deviceclass});
+    values.keys({index});
+    RecordColumns::visit(values, data);
 }
 
 } // namespace
@@ -91,13 +104,13 @@ QString ObjectDataBase::getIndexName(quint8 line, quint16 index)
                                    SqlText::number(index)));
 }
 
-QString ObjectDataBase::columnLiteral(const char *stringIds, const QString &column,
-                                      const QVariant &value)
+QString ObjectDataBase::State::columnLiteral(const QStringList &stringIds, const QString &column,
+                                             const QVariant &value)
 {
-    if (!QString::fromLatin1(stringIds).split(u',').contains(column))
+    if (!stringIds.contains(column))
         return QLatin1String(" = ") + SqlText::quoted(value.toString());
     QStringList ids;
-    for (const qint64 id : d->strings.idsOf(value.toString()))
+    for (const qint64 id : strings.idsOf(value.toString()))
         ids.append(QString::number(id));
     return QLatin1String(" in (") + ids.join(u',') + u')';
 }
@@ -108,7 +121,7 @@ QList<quint16> ObjectDataBase::findIndices(quint8 line, const QString &column,
     QList<quint16> indices;
     d->runner.forEachRow(
         QLatin1String("select objectindex from ") + objectTable(line) + QLatin1String(" where ") +
-            column + columnLiteral("name,description,device_class", column, value),
+            column + d->columnLiteral(RecordColumns::columnNames<Index>(true), column, value),
         [&](const ResultRow &row) { indices.append(quint16(row.value(0).toUInt())); });
     return indices;
 }
@@ -117,40 +130,30 @@ bool ObjectDataBase::addIndex(quint8 line, quint16 index, const INDEX_DATA_T &da
 {
     if (d->refusesWrites())
         return false;
-    const bool done = writeIndex(line, index, data);
+    const bool done = d->writeIndex(line, index, data);
     d->objects.dropWalk(line);
     notify({.kind = IndexAdded, .index = index, .line = line});
     return done;
 }
 
-bool ObjectDataBase::writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
+bool ObjectDataBase::State::writeIndex(quint8 line, quint16 index, const INDEX_DATA_T &data)
 {
-    const QString description = d->internedId(data.description);
-    const QString name = d->internedId(data.name);
-    const QString deviceClass = d->internedId(data.deviceclass);
-    const QString key = SqlText::number(index);
-    const QString where = QLatin1String("objectindex = ") + key;
-    const QList<std::pair<QString, QString>> values = {
-        {QStringLiteral("objectindex"), key},
-        {QStringLiteral("name"), name},
-        {QStringLiteral("datatype"), SqlText::number(data.datatype)},
-        {QStringLiteral("objecttype"), SqlText::number(data.objecttype)},
-        {QStringLiteral("description"), description},
-        {QStringLiteral("category"), SqlText::number(data.category)},
-        {QStringLiteral("device_class"), deviceClass},
-        {QStringLiteral("fwsupported"), SqlText::number(data.fwsupported)},
-        {QStringLiteral("metadata"), QStringLiteral("0")}};
+    RecordColumns::LiteralList list;
+    writeIndexRow(list, strings, index, data);
     // An update with an empty map leaves the metadata that is there.
-    const bool done =
-        d->upsert(objectTable(line), where, values,
-                  {QStringLiteral("objectindex"), QStringLiteral("metadata")}, Q_FUNC_INFO);
+    const bool done = upsert({.table = objectTable(line),
+                              .where = QLatin1String("objectindex = ") + SqlText::number(index),
+                              .assignments = RecordColumns::assignments<Index>(list.literals()),
+                              .columns = RecordColumns::columnNames<Index>(),
+                              .literals = list.literals()},
+                             Q_FUNC_INFO);
     return writeIndexMetaData(line, index, data.metadata) && done;
 }
 
-bool ObjectDataBase::writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata)
+bool ObjectDataBase::State::writeIndexMetaData(quint8 line, quint16 index, const MetaData &metadata)
 {
     return metadata.isEmpty() ||
-           d->runner.execBound(
+           runner.execBound(
                QLatin1String("update ") + objectTable(line) +
                    QLatin1String(" SET metadata = :metadata where objectindex = :objectindex"),
                {{QStringLiteral(":metadata"), MetaDataBlob::toBlob(metadata)},
@@ -165,7 +168,7 @@ bool ObjectDataBase::addIndices(const QList<IndexEntry> &entries)
     bool done = true;
     const bool committed = d->runner.transaction([&] {
         for (qsizetype from = 0; from < entries.size();)
-            from = writeBatch(entries, from, done);
+            from = d->writeBatch(entries, from, done);
     });
     for (const IndexEntry &entry : entries)
         d->objects.dropWalk(entry.line);
@@ -175,27 +178,23 @@ bool ObjectDataBase::addIndices(const QList<IndexEntry> &entries)
 }
 
 /// Writes neighbouring rows of one line with one statement; gives the place behind the last.
-qsizetype ObjectDataBase::writeBatch(const QList<IndexEntry> &entries, qsizetype from, bool &done)
+qsizetype ObjectDataBase::State::writeBatch(const QList<IndexEntry> &entries, qsizetype from,
+                                            bool &done)
 {
     const quint8 line = entries.at(from).line;
-    std::string statement = "insert " + d->intoClause("Objects", line);
+    std::string statement = "insert " + intoClause("Objects", line);
     qsizetype next = from;
-    for (; next < entries.size() && entries.at(next).line == line &&
-           next - from < State::mostRowsOfInsert;
+    for (; next < entries.size() && entries.at(next).line == line && next - from < mostRowsOfInsert;
          ++next) {
         if (next != from)
             statement += ',';
-        const INDEX_DATA_T &data = entries.at(next).data;
         statement += '(';
         SqlText::ValueList list(statement);
-        RecordColumns::Writer values(list, d->strings);
-        values.intern(std::array{&data.description, &data.name, &data.deviceclass});
-        values.key(entries.at(next).index);
-        RecordColumns::visit(values, data);
+        writeIndexRow(list, strings, entries.at(next).index, entries.at(next).data);
         statement += ')';
     }
     // A table without the key, as other programs leave behind, takes no such statement.
-    const bool written = d->runner.execUtf8(statement + updateOfOthers());
+    const bool written = runner.execUtf8(statement + updateOfOthers());
     for (; from < next; ++from) {
         const IndexEntry &entry = entries.at(from);
         done &= written ? writeIndexMetaData(line, entry.index, entry.data.metadata)

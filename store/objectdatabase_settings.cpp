@@ -86,26 +86,27 @@ ObjectDataBase::State::SettingChange ObjectDataBase::State::writeLineSetting(con
     return result;
 }
 
-bool ObjectDataBase::writeSetting(const char *table, const QString &key, const QString &value,
-                                  const ChangeSet &change)
+bool ObjectDataBase::State::setSetting(const char *table, const QString &key, const QString &value,
+                                       const ChangeSet &change)
 {
-    if (d->refusesWrites())
+    if (refusesWrites())
         return false;
-    const State::SettingChange result = d->writeSetting(table, key, value);
-    if (result == State::SettingChange::Written)
+    const SettingChange result = writeSetting(table, key, value);
+    if (result == SettingChange::Written)
         notify(change);
-    return result != State::SettingChange::Failed;
+    return result != SettingChange::Failed;
 }
 
-bool ObjectDataBase::writeLineSetting(const char *table, const QString &key, const QString &value,
-                                      quint8 line, const ChangeSet &change)
+bool ObjectDataBase::State::setLineSetting(const char *table, const QString &key,
+                                           const QString &value, quint8 line,
+                                           const ChangeSet &change)
 {
-    if (d->refusesWrites())
+    if (refusesWrites())
         return false;
-    const State::SettingChange result = d->writeLineSetting(table, key, value, line);
-    if (result == State::SettingChange::Written)
+    const SettingChange result = writeLineSetting(table, key, value, line);
+    if (result == SettingChange::Written)
         notify(change);
-    return result != State::SettingChange::Failed;
+    return result != SettingChange::Failed;
 }
 
 // --- general ------------------------------------------------------------------------------------
@@ -117,12 +118,12 @@ QString ObjectDataBase::getGeneralSetting(const QString &key)
 
 bool ObjectDataBase::setGeneralSetting(const QString &key, const QString &value)
 {
-    return writeSetting(generalTable, key, value, {.kind = GeneralSettingChanged});
+    return d->setSetting(generalTable, key, value, {.kind = GeneralSettingChanged});
 }
 
 bool ObjectDataBase::setGeneralSettingForLine(const QString &key, const QString &value, quint8 line)
 {
-    return writeLineSetting(generalTable, key, value, line, {.kind = GeneralSettingChanged});
+    return d->setLineSetting(generalTable, key, value, line, {.kind = GeneralSettingChanged});
 }
 
 QString ObjectDataBase::getGeneralLineSetting(const QString &key, quint8 line)
@@ -163,7 +164,7 @@ const QStringList &ObjectDataBase::getMultiLineKeys()
 
 int ObjectDataBase::getLineType(quint8 line)
 {
-    return getGeneralSetting(QStringLiteral("line%1type").arg(line)).toInt();
+    return getGeneralSetting(LineType::settingKey(line)).toInt();
 }
 
 // --- description --------------------------------------------------------------------------------
@@ -175,8 +176,8 @@ QString ObjectDataBase::getDescriptionSetting(const QString &key)
 
 bool ObjectDataBase::setDescriptionSetting(const QString &key, const QString &value)
 {
-    return writeSetting(descriptionTable, d->descriptionKey(key), value,
-                        {.kind = DescriptionSettingChanged, .line = d->descriptionLine});
+    return d->setSetting(descriptionTable, d->descriptionKey(key), value,
+                         {.kind = DescriptionSettingChanged, .line = d->descriptionLine});
 }
 
 QStringList ObjectDataBase::getDescriptionSettingKeys()
@@ -240,7 +241,7 @@ QString ObjectDataBase::getEnergyBusSetting(const QString &key)
 
 bool ObjectDataBase::setEnergyBusSetting(const QString &key, const QString &value)
 {
-    return writeSetting(energyBusTable, key, value, {.kind = EnergyBusSettingChanged});
+    return d->setSetting(energyBusTable, key, value, {.kind = EnergyBusSettingChanged});
 }
 
 bool ObjectDataBase::deleteEnergyBusSetting(const QString &key)
@@ -274,7 +275,12 @@ QString ObjectDataBase::getMiscSetting(const QString &key)
 
 bool ObjectDataBase::setMiscSetting(const QString &key, const QString &value)
 {
-    return writeSetting(miscTable, key, value, {.kind = MiscSettingChanged});
+    return d->setSetting(miscTable, key, value, {.kind = MiscSettingChanged});
+}
+
+QStringList ObjectDataBase::getMiscSettingKeys()
+{
+    return d->settingKeys(miscTable);
 }
 
 bool ObjectDataBase::miscSettingExists(const QString &key)
@@ -299,12 +305,12 @@ QString ObjectDataBase::getJ1939OwnLineSetting(const QString &key, quint8 line)
 
 bool ObjectDataBase::setJ1939LineSetting(const QString &key, const QString &value, quint8 line)
 {
-    return writeLineSetting(j1939Table, key, value, line, {.kind = J1939SettingChanged});
+    return d->setLineSetting(j1939Table, key, value, line, {.kind = J1939SettingChanged});
 }
 
 bool ObjectDataBase::setJ1939Setting(const QString &key, const QString &value)
 {
-    return writeSetting(j1939Table, key, value, {.kind = J1939SettingChanged});
+    return d->setSetting(j1939Table, key, value, {.kind = J1939SettingChanged});
 }
 
 QStringList ObjectDataBase::getJ1939SettingKeys()

@@ -29,11 +29,10 @@ quint8 lineOfTable(const QString &table)
 
 } // namespace
 
-/// The text that a single column write stores; empty if there is nothing to write.
-QString ObjectDataBase::sqlValueText(const QString &column, const QVariant &value)
+QString ObjectDataBase::State::sqlValueText(const QString &column, const QVariant &value)
 {
     if (column == QLatin1String("name") || column == QLatin1String("description"))
-        return d->internedId(value.toString());
+        return internedId(value.toString());
     return value.toString().simplified();
 }
 
@@ -48,17 +47,17 @@ void ObjectDataBase::setObjectIndexSqlValue(const QString &table, const QString 
         if (line < 0)
             qDebug() << "error";
         else if (const MetaData map = metaDataOf(value);
-                 !map.isEmpty() && writeIndexMetaData(quint8(line), number, map))
-            tellIndexValue(quint8(line), number);
+                 !map.isEmpty() && d->writeIndexMetaData(quint8(line), number, map))
+            d->tellIndexValue(quint8(line), number);
         return;
     }
-    const QString text = sqlValueText(column, value);
+    const QString text = d->sqlValueText(column, value);
     const State::Row row{table, QLatin1String(" where objectindex = ") + index,
                          QLatin1String(" (objectindex,name,datatype,objecttype,description,"
                                        "category,device_class,fwsupported,metadata) values(") +
                              index + QLatin1String(",0,0,0,0,0,0,0,0)")};
     if (!text.isEmpty() && d->writeColumn(row, column, text))
-        tellIndexValue(lineOfTable(table), number);
+        d->tellIndexValue(lineOfTable(table), number);
 }
 
 void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &index,
@@ -74,11 +73,11 @@ void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &in
         if (line < 0)
             qDebug() << "error";
         else if (const MetaData map = metaDataOf(value);
-                 !map.isEmpty() && writeSubMetaData(quint8(line), number, sub, map))
-            tellSubIndexValue(quint8(line), number, sub);
+                 !map.isEmpty() && d->writeSubMetaData(quint8(line), number, sub, map))
+            d->tellSubIndexValue(quint8(line), number, sub);
         return;
     }
-    const QString text = sqlValueText(column, value);
+    const QString text = d->sqlValueText(column, value);
     const State::Row row{
         table,
         QLatin1String(" where objectindex = ") + index + QLatin1String(" and subindex = ") +
@@ -86,7 +85,7 @@ void ObjectDataBase::setSubindexSqlValue(const QString &table, const QString &in
         QLatin1String(" (objectindex,subindex,datatype,accesstype,implementation) values(") +
             index + u',' + subindex + QLatin1String(",0,0,0)")};
     if (!text.isEmpty() && d->writeColumn(row, column, text))
-        tellSubIndexValue(lineOfTable(table), number, sub);
+        d->tellSubIndexValue(lineOfTable(table), number, sub);
 }
 
 bool ObjectDataBase::State::writeColumn(const Row &row, const QString &column, const QString &text)
@@ -102,15 +101,15 @@ bool ObjectDataBase::State::writeColumn(const Row &row, const QString &column, c
     return done;
 }
 
-void ObjectDataBase::tellIndexValue(quint8 line, quint16 index)
+void ObjectDataBase::State::tellIndexValue(quint8 line, quint16 index)
 {
-    d->objects.dropWalk(line);
+    objects.dropWalk(line);
     notify({.kind = IndexAdded, .index = index, .line = line});
 }
 
-void ObjectDataBase::tellSubIndexValue(quint8 line, quint16 index, quint8 subindex)
+void ObjectDataBase::State::tellSubIndexValue(quint8 line, quint16 index, quint8 subindex)
 {
-    d->objects.removeSub(line, index, subindex);
-    d->objects.dropWalk(line);
+    objects.removeSub(line, index, subindex);
+    objects.dropWalk(line);
     notify({.kind = SubIndexAdded, .index = index, .subindex = subindex, .line = line});
 }

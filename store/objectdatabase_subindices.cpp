@@ -2,7 +2,7 @@
 
 #include "store/metadatablob.h"
 #include "store/recordcolumns.h"
-#include "store/schema.h"
+#include "store/rowvalues.h"
 
 #include <QDebug>
 
@@ -15,9 +15,8 @@ void writeSubIndex(Values &list, StringTable &strings, quint16 index, quint8 sub
                    const ObjectDataBase::SUBINDEX_DATA_T &data)
 {
     RecordColumns::Writer values(list, strings);
-    values.intern(std::array{&data.description, &data.name, &data.denotation});
-    values.key(index);
-    values.key(subindex);
+    values.intern({&data.description, &data.name, &data.denotation});
+    values.keys({index, subindex});
     RecordColumns::visit(values, data);
 }
 
@@ -35,19 +34,24 @@ QString whereKey(quint16 index, quint8 subindex)
 /// Reads rows for `readSubIndexRow`.
 QString selectSubIndices(quint8 line)
 {
-    static const QString select = QLatin1String("select ") +
-                                  Schema::columnList(Schema::table(QStringLiteral("SubObjects"))) +
-                                  QLatin1String(" from ");
+    static const QString select =
+        QLatin1String("select ") +
+        RecordColumns::columnNames<ObjectDataBase::SUBINDEX_DATA_T>().join(u',') +
+        QLatin1String(" from ");
     return select + subTable(line);
 }
 
 /// Gives the key of the cache.
 quint32 readSubIndexRow(RecordColumns::Reader values, ObjectDataBase::SUBINDEX_DATA_T &data)
 {
-    const quint32 index = values.key();
-    const quint32 subindex = values.key();
     RecordColumns::visit(values, data);
-    return ObjectCache::key(quint16(index), quint8(subindex));
+    return ObjectCache::key(quint16(values.key(0)), quint8(values.key(1)));
+}
+
+void traceDeviceType(quint16 index, quint8 subindex, const ObjectDataBase::SUBINDEX_DATA_T &data)
+{
+    if (index == 0x1000 && subindex == 1)
+        qDebug() << "ODB:aSI 0x1000:1 = " << data.defaultvalue;
 }
 
 } // namespace
@@ -94,38 +98,38 @@ bool ObjectDataBase::subIndexExists(quint8 line, quint16 index, quint8 subindex)
                             whereKey(index, subindex));
 }
 
-QVariant ObjectDataBase::subIndexColumn(quint8 line, quint16 index, quint8 subindex,
-                                        const char *column)
+QVariant ObjectDataBase::State::subIndexColumn(quint8 line, quint16 index, quint8 subindex,
+                                               const char *column)
 {
-    return d->runner.value(QLatin1String("select ") + QLatin1String(column) +
-                           QLatin1String(" from ") + subTable(line) + whereKey(index, subindex));
+    return runner.value(QLatin1String("select ") + QLatin1String(column) + QLatin1String(" from ") +
+                        subTable(line) + whereKey(index, subindex));
 }
 
 QString ObjectDataBase::getSubIndexName(quint8 line, quint16 index, quint8 subindex)
 {
     if (const auto cached = d->objects.sub(line, index, subindex))
         return cached->name;
-    return d->text(subIndexColumn(line, index, subindex, "name"));
+    return d->text(d->subIndexColumn(line, index, subindex, "name"));
 }
 
 QString ObjectDataBase::getSubIndexDefaultValue(quint8 line, quint16 index, quint8 subindex)
 {
     if (const auto cached = d->objects.sub(line, index, subindex))
         return cached->defaultvalue;
-    return subIndexColumn(line, index, subindex, "defaultvalue").toString();
+    return d->subIndexColumn(line, index, subindex, "defaultvalue").toString();
 }
 
 quint16 ObjectDataBase::getSubIndexDataType(quint8 line, quint16 index, quint8 subindex)
 {
     if (const auto cached = d->objects.sub(line, index, subindex))
         return cached->datatype;
-    return quint16(subIndexColumn(line, index, subindex, "datatype").toUInt());
+    return quint16(d->subIndexColumn(line, index, subindex, "datatype").toUInt());
 }
 
-QList<ObjectDataBase::SubIndexKey> ObjectDataBase::selectKeys(const QString &statement)
+QList<ObjectDataBase::SubIndexKey> ObjectDataBase::State::selectKeys(const QString &statement)
 {
     QList<SubIndexKey> keys;
-    d->runner.forEachRow(statement, [&](const ResultRow &row) {
+    runner.forEachRow(statement, [&](const ResultRow &row) {
         keys.append({quint16(row.value(0).toUInt()), quint8(row.value(1).toUInt())});
     });
     return keys;
@@ -134,37 +138,32 @@ QList<ObjectDataBase::SubIndexKey> ObjectDataBase::selectKeys(const QString &sta
 QList<ObjectDataBase::SubIndexKey>
 ObjectDataBase::findSubIndices(quint8 line, const QString &column, const QVariant &value)
 {
-    return selectKeys(QLatin1String("select objectindex,subindex from ") + subTable(line) +
-                      QLatin1String(" where ") + column +
-                      columnLiteral("name,description,denotation", column, value) +
-                      QLatin1String(" order by objectindex,subindex ASC"));
+    return d->selectKeys(
+        QLatin1String("select objectindex,subindex from ") + subTable(line) +
+        QLatin1String(" where ") + column +
+        d->columnLiteral(RecordColumns::columnNames<SUBINDEX_DATA_T>(true), column, value) +
+        QLatin1String(" order by objectindex,subindex ASC"));
 }
 
 QList<ObjectDataBase::SubIndexKey> ObjectDataBase::getMappableSubIndices(quint8 line)
 {
-    return selectKeys(QLatin1String("select objectindex,subindex from ") + subTable(line) +
-                      QLatin1String(" where pdomapping != 0 order by objectindex, subindex"));
+    return d->selectKeys(QLatin1String("select objectindex,subindex from ") + subTable(line) +
+                         QLatin1String(" where pdomapping != 0 order by objectindex, subindex"));
 }
 
-void ObjectDataBase::appendSubIndexValues(std::string &statement, quint16 index, quint8 subindex,
-                                          const SUBINDEX_DATA_T &data)
+void ObjectDataBase::State::appendSubIndexValues(std::string &statement, quint16 index,
+                                                 quint8 subindex, const SUBINDEX_DATA_T &data)
 {
     statement += '(';
     SqlText::ValueList values(statement);
-    writeSubIndex(values, d->strings, index, subindex, data);
+    writeSubIndex(values, strings, index, subindex, data);
     statement += ')';
 }
 
-void ObjectDataBase::traceDeviceType(quint16 index, quint8 subindex, const SUBINDEX_DATA_T &data)
+bool ObjectDataBase::State::writeSubMetaData(quint8 line, quint16 index, quint8 subindex,
+                                             const MetaData &metadata)
 {
-    if (index == 0x1000 && subindex == 1)
-        qDebug() << "ODB:aSI 0x1000:1 = " << data.defaultvalue;
-}
-
-bool ObjectDataBase::writeSubMetaData(quint8 line, quint16 index, quint8 subindex,
-                                      const MetaData &metadata)
-{
-    return d->runner.execBound(
+    return runner.execBound(
         QLatin1String("update ") + subTable(line) +
             QLatin1String(" SET metadata = :metadata where objectindex = :objectindex and "
                           "subindex = :subindex"),
@@ -181,10 +180,10 @@ bool ObjectDataBase::addSubIndex(quint8 line, quint16 index, quint8 subindex,
         return false;
     traceDeviceType(index, subindex, data);
     std::string statement = "insert or replace " + d->intoClause("SubObjects", line);
-    appendSubIndexValues(statement, index, subindex, data);
+    d->appendSubIndexValues(statement, index, subindex, data);
     bool done = d->runner.execUtf8(statement, Q_FUNC_INFO);
     if (!data.metadata.isEmpty())
-        done &= writeSubMetaData(line, index, subindex, data.metadata);
+        done &= d->writeSubMetaData(line, index, subindex, data.metadata);
     if (!d->objects.replaceSub(line, index, subindex, data))
         d->objects.dropWalk(line);
     notify({.kind = SubIndexAdded, .index = index, .subindex = subindex, .line = line});
@@ -200,12 +199,12 @@ bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
     const bool committed = d->runner.transaction([&] {
         for (qsizetype from = 0; from < entries.size();) {
             lines.insert(entries.at(from).line);
-            const qsizetype behind = writeBatch(entries, from, done);
+            const qsizetype behind = d->writeBatch(entries, from, done);
             for (; from < behind; ++from) {
                 const SubEntry &entry = entries.at(from);
                 if (!entry.data.metadata.isEmpty())
-                    done &= writeSubMetaData(entry.line, entry.index, entry.subindex,
-                                             entry.data.metadata);
+                    done &= d->writeSubMetaData(entry.line, entry.index, entry.subindex,
+                                                entry.data.metadata);
             }
         }
     });
@@ -215,9 +214,10 @@ bool ObjectDataBase::addSubIndices(const QList<SubEntry> &entries)
 }
 
 /// Writes neighbouring rows of one line; gives the place behind the last.
-qsizetype ObjectDataBase::writeBatch(const QList<SubEntry> &entries, qsizetype from, bool &done)
+qsizetype ObjectDataBase::State::writeBatch(const QList<SubEntry> &entries, qsizetype from,
+                                            bool &done)
 {
-    if (!d->runner.isDirect())
+    if (!runner.isDirect())
         return writeBatchAsText(entries, from, done);
     const quint8 line = entries.at(from).line;
     const auto isOther = [line](const SubEntry &entry) { return entry.line != line; };
@@ -225,31 +225,30 @@ qsizetype ObjectDataBase::writeBatch(const QList<SubEntry> &entries, qsizetype f
         std::find_if(entries.begin() + from, entries.end(), isOther) - entries.begin();
     // One statement for all rows: to read the text of each takes most of the time otherwise.
     static const std::string places = [] {
-        const auto columns =
-            Schema::columnNames(Schema::table(QStringLiteral("SubObjects"))).size();
+        const auto columns = RecordColumns::columnNames<SUBINDEX_DATA_T>().size();
         return '(' + QByteArray("?,").repeated(columns).chopped(1).toStdString() + ')';
     }();
-    done &= d->runner.execMany(
-        "insert or replace " + d->intoClause("SubObjects", line) + places, next - from,
+    done &= runner.execMany(
+        "insert or replace " + intoClause("SubObjects", line) + places, next - from,
         [&](qsizetype row, BoundRow &values) {
             const SubEntry &entry = entries.at(from + row);
             traceDeviceType(entry.index, entry.subindex, entry.data);
-            writeSubIndex(values, d->strings, entry.index, entry.subindex, entry.data);
+            writeSubIndex(values, strings, entry.index, entry.subindex, entry.data);
         },
         Q_FUNC_INFO);
     return next;
 }
 
 /// The same with some rows a statement.
-qsizetype ObjectDataBase::writeBatchAsText(const QList<SubEntry> &entries, qsizetype from,
-                                           bool &done)
+qsizetype ObjectDataBase::State::writeBatchAsText(const QList<SubEntry> &entries, qsizetype from,
+                                                  bool &done)
 {
     constexpr size_t mostText = 200000;
     const quint8 line = entries.at(from).line;
-    std::string statement = "insert or replace " + d->intoClause("SubObjects", line);
+    std::string statement = "insert or replace " + intoClause("SubObjects", line);
     qsizetype next = from;
     for (; next < entries.size() && entries.at(next).line == line &&
-           next - from < State::mostRowsOfInsert && statement.size() < mostText;
+           next - from < mostRowsOfInsert && statement.size() < mostText;
          ++next) {
         const SubEntry &entry = entries.at(next);
         traceDeviceType(entry.index, entry.subindex, entry.data);
@@ -257,14 +256,14 @@ qsizetype ObjectDataBase::writeBatchAsText(const QList<SubEntry> &entries, qsize
             statement += ',';
         appendSubIndexValues(statement, entry.index, entry.subindex, entry.data);
     }
-    if (d->runner.execUtf8(statement))
+    if (runner.execUtf8(statement))
         return next;
     // One row that can't be written takes no other with it.
     for (; from < next; ++from) {
         const SubEntry &entry = entries.at(from);
-        std::string single = "insert or replace " + d->intoClause("SubObjects", line);
+        std::string single = "insert or replace " + intoClause("SubObjects", line);
         appendSubIndexValues(single, entry.index, entry.subindex, entry.data);
-        done &= d->runner.execUtf8(single, Q_FUNC_INFO);
+        done &= runner.execUtf8(single, Q_FUNC_INFO);
     }
     return next;
 }

@@ -26,8 +26,7 @@ UdsService ObjectDataBase::State::udsService(quint8 line, UDS::SID sid)
     return service;
 }
 
-bool ObjectDataBase::State::changeUdsService(quint8 line, UDS::SID sid,
-                                             const std::function<void(UdsService &)> &change)
+bool ObjectDataBase::State::changeUdsService(quint8 line, UDS::SID sid, const UdsChange &change)
 {
     bool written = false;
     runner.exclusive([&] {
@@ -78,30 +77,29 @@ QString ObjectDataBase::getUDSAuthentication(quint8 line, UDS::SID sid)
     return d->udsService(line, sid).authentication;
 }
 
-template <typename Change>
-void ObjectDataBase::changeUDSService(quint8 line, UDS::SID sid, const Change &change)
+void ObjectDataBase::State::setUdsService(quint8 line, UDS::SID sid, const UdsChange &change)
 {
-    if (!d->refusesWrites() && d->changeUdsService(line, sid, change))
+    if (!refusesWrites() && changeUdsService(line, sid, change))
         notify({.kind = GeneralSettingChanged, .line = line});
 }
 
 void ObjectDataBase::setUDSServiceActive(quint8 line, UDS::SID sid, bool active)
 {
-    changeUDSService(line, sid, [&](UdsService &service) { service.active = active; });
+    d->setUdsService(line, sid, [&](UdsService &service) { service.active = active; });
 }
 
 void ObjectDataBase::setUDSServiceSessions(quint8 line, UDS::SID sid, const QString &sessions)
 {
-    changeUDSService(line, sid, [&](UdsService &service) { service.sessions = sessions; });
+    d->setUdsService(line, sid, [&](UdsService &service) { service.sessions = sessions; });
 }
 
 void ObjectDataBase::setUDSServiceUserLevels(quint8 line, UDS::SID sid, const QString &levels)
 {
-    changeUDSService(line, sid, [&](UdsService &service) { service.userLevels = levels; });
+    d->setUdsService(line, sid, [&](UdsService &service) { service.userLevels = levels; });
 }
 
 void ObjectDataBase::setUDSAuthentication(quint8 line, UDS::SID sid, const QString &authentication)
 {
-    changeUDSService(line, sid,
+    d->setUdsService(line, sid,
                      [&](UdsService &service) { service.authentication = authentication; });
 }

@@ -1,5 +1,6 @@
 #include "store/projectconverter.h"
 
+#include "canopen/j1939numbers.h"
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
@@ -9,8 +10,6 @@
 namespace {
 
 constexpr quint16 extendedObject = 0x1032;
-constexpr quint32 addressClaim = 60928;
-constexpr quint8 highestJ1939Line = 32;
 
 } // namespace
 
@@ -102,7 +101,7 @@ void ProjectConverter::correctEnergyBusValue(const QString &key)
 void ProjectConverter::doJ1939Correction()
 {
     for (const quint8 line : m_store->getLines()) {
-        if (line > highestJ1939Line)
+        if (line > LineType::maximumLines)
             continue;
         m_store->repairMappingCounts(line);
         m_store->foldPageKeys(line);
@@ -112,6 +111,6 @@ void ProjectConverter::doJ1939Correction()
 void ProjectConverter::doCanCorrection()
 {
     for (const quint8 line : m_store->getLines())
-        m_store->deletePGN(line, addressClaim, ObjectDataBase::transmit);
+        m_store->deletePGN(line, J1939::addressClaimed, ObjectDataBase::transmit);
     doJ1939Correction();
 }

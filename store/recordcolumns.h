@@ -1,198 +1,349 @@
 #pragma once
 
-#include "store/metadatablob.h"
-#include "store/objectdatabase.h"
-#include "store/resultrow.h"
-#include "store/sqltext.h"
-#include "store/stringtable.h"
+#include "store/records.h"
 
-#include <array>
-#include <concepts>
-#include <cstring>
+#include <QStringList>
 
-/// How the records of the object dictionary lie in their tables. Reading and writing go by the same
-/// list of columns, which has the schema's order without the key columns at the front.
+#include <tuple>
+#include <type_traits>
+
+/// How the records lie in their tables: the one list of columns a record, by which the schema is
+/// made and records are written, read, cached and compared. A new member of a record is one row
+/// here (and one in `compare/recordproperties.cpp`, which won't compile without it).
 namespace RecordColumns {
 
-template <typename Record, typename Kind>
-concept RecordOf = std::same_as<std::remove_const_t<Record>, Kind>;
+enum class Form : quint8 {
+    Plain,   ///< the value itself
+    StringId ///< a text's number in `Strings`
+};
+enum class Role : quint8 {
+    Value,
+    Key,       ///< part of what the row is found by
+    InsertOnly ///< an update leaves it alone
+};
 
-template <typename Values, RecordOf<ObjectDataBase::INDEX_DATA_T> Record>
-void visit(Values &values, Record &data)
+/// A column that holds a member. `definition` is the exact text between two commas of the statement
+/// that makes the table, blanks included: it is part of the file format.
+template <auto memberPointer, Form columnForm = Form::Plain, Role columnRole = Role::Value>
+struct Column
 {
-    values.string(data.name);
-    values.number(data.datatype);
-    values.number(data.objecttype);
-    values.string(data.description);
-    values.number(data.category);
-    values.string(data.deviceclass);
-    values.number(data.fwsupported);
-    values.metaData(data.metadata);
+    static constexpr auto member = memberPointer;
+    static constexpr Form form = columnForm;
+    static constexpr Role role = columnRole;
+    const char *definition;
+};
+
+/// A part of the row's key that is no member of the record.
+struct KeyColumn
+{
+    static constexpr Form form = Form::Plain;
+    static constexpr Role role = Role::Key;
+    const char *definition;
+};
+
+/// Name of a record's table (without the line) and its columns in the schema's order.
+template <typename Record>
+struct Table;
+
+template <>
+struct Table<Records::Node>
+{
+    using R = Records::Node;
+    static constexpr const char *name = "Nodes";
+    static constexpr std::tuple columns{
+        KeyColumn{"nodeId integer primary key"},
+        Column<&R::name>{" name text"},
+        Column<&R::edspath>{" edspath text"},
+        Column<&R::xddpath>{" xddpath text"},
+        Column<&R::dcfpath>{" dcfpath text"},
+        Column<&R::tpdocnt>{" tpdocnt integer"},
+        Column<&R::rpdocnt>{" rpdocnt integer"},
+        Column<&R::ismaster>{" ismaster integer"},
+        Column<&R::issyncproducer>{" issyncproducer integer"},
+        Column<&R::issyncconsumer>{" issyncconsumer integer"},
+        Column<&R::ishbconsumer>{" ishbconsumer integer"},
+        Column<&R::isemergencyproducer>{" isemergencyproducer integer"},
+        Column<&R::isemergencyconsumer>{" isemergencyconsumer integer"},
+        Column<&R::ismpdosupported>{" ismpdosupported integer"},
+        Column<&R::iscanopengateway>{" iscanopengateway integer"},
+        Column<&R::allpdosstatic>{" allpdosstatic integer"},
+        Column<&R::excludegeneration>{" excludegeneration integer"},
+        Column<&R::generatedcf>{" generatedcf integer"},
+        Column<&R::prefix>{" prefix text"},
+        Column<&R::outputpath>{" outputpath text"},
+        Column<&R::iconpath>{" iconpath text"},
+        Column<&R::isbootupmanager, Form::Plain, Role::InsertOnly>{" isbootupmanager integer"},
+        Column<&R::isconfigmanager, Form::Plain, Role::InsertOnly>{" isconfigmanager integer"},
+        Column<&R::excludepdolinking, Form::Plain, Role::InsertOnly>{" excludepdolinking integer"},
+        Column<&R::multilinedata, Form::Plain, Role::InsertOnly>{" multilinedata integer"},
+        Column<&R::lssslave, Form::Plain, Role::InsertOnly>{" lssslave"}};
+};
+
+template <>
+struct Table<Records::Index>
+{
+    using R = Records::Index;
+    static constexpr const char *name = "Objects";
+    static constexpr std::tuple columns{
+        KeyColumn{"objectindex integer primary key"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::datatype>{" datatype integer not null"},
+        Column<&R::objecttype>{" objecttype integer not null"},
+        Column<&R::description, Form::StringId>{" description integer"},
+        Column<&R::category>{" category integer"},
+        Column<&R::deviceclass, Form::StringId>{" device_class integer"},
+        Column<&R::fwsupported>{" fwsupported integer"},
+        Column<&R::metadata, Form::Plain, Role::InsertOnly>{" metadata blob"}};
+};
+
+template <>
+struct Table<Records::SubIndex>
+{
+    using R = Records::SubIndex;
+    static constexpr const char *name = "SubObjects";
+    static constexpr std::tuple columns{
+        KeyColumn{"objectindex integer not null"},
+        KeyColumn{" subindex integer not null"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::datatype>{" datatype integer not null"},
+        Column<&R::accesstype>{" accesstype text not null"},
+        Column<&R::defaultvalue>{" defaultvalue text"},
+        Column<&R::currentvalue>{" currentvalue text"},
+        Column<&R::pdomapping>{" pdomapping integer"},
+        Column<&R::lowlimit>{"lowlimit text"},
+        Column<&R::uplimit>{" uplimit text"},
+        Column<&R::size>{" size integer"},
+        Column<&R::defaultineds>{" defaultineds integer"},
+        Column<&R::limitineds>{" limitineds integer"},
+        Column<&R::refuseread>{" refuseread integer"},
+        Column<&R::refusewrite>{" refusewrite integer"},
+        Column<&R::allowedaccesstypes>{" allowedaccesstypes text"},
+        Column<&R::implementation>{" implementation integer not null"},
+        Column<&R::varname>{" varname text"},
+        Column<&R::description, Form::StringId>{" description integer"},
+        Column<&R::category>{" category integer"},
+        Column<&R::writedefaulttoeds>{" writedefaulttoeds integer"},
+        Column<&R::cyclicread>{" cyclicread integer"},
+        Column<&R::dcfcomponent>{" dcfcomponent integer"},
+        Column<&R::changedbyuser>{" changedbyuser integer"},
+        Column<&R::wizardsource>{" wizardsource integer"},
+        Column<&R::denotation, Form::StringId>{" denotation integer"},
+        Column<&R::sharedlines>{" sharedlines integer"},
+        Column<&R::managedbytsk>{" managedbytsk integer"},
+        Column<&R::signalid>{" signalid integer"},
+        Column<&R::nvstorage>{" nvstorage integer"},
+        Column<&R::metadata>{"metadata blob"}};
+};
+
+template <>
+struct Table<Records::PGN>
+{
+    using R = Records::PGN;
+    static constexpr const char *name = "PGNs";
+    static constexpr std::tuple columns{
+        Column<&R::number, Form::Plain, Role::Key>{"number integer not null"},
+        Column<&R::edpDpKey>{" edp_dp_key integer"},
+        Column<&R::priority>{" priority integer"},
+        Column<&R::cycleTime>{" cycletime_ms integer"},
+        Column<&R::inhibitTime>{" inhibittime_ms integer"},
+        Column<&R::mappingCount>{" mappingcount integer"},
+        Column<&R::direction, Form::Plain, Role::Key>{" direction integer"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::desc, Form::StringId>{" desc integer"},
+        Column<&R::isSafe>{"issafe integer"},
+        Column<&R::srvt>{"srvt_ms integer"},
+        Column<&R::fdTrailerFormat>{" FD_TrailerFormat integer"},
+        Column<&R::fdAssuranceType>{"FD_AssuranceType integer"},
+        Column<&R::fdAssuranceDataSize>{"FD_AssuranceDataSize integer"},
+        Column<&R::multiSourceAddress>{"multisourceaddress integer"},
+        Column<&R::safetyType>{"safetytype integer"},
+        Column<&R::fdDataId>{"FD_DataId integer"}};
+};
+
+template <>
+struct Table<Records::SPN>
+{
+    using R = Records::SPN;
+    static constexpr const char *name = "SPNs";
+    static constexpr std::tuple columns{
+        Column<&R::pgn, Form::Plain, Role::Key>{"pgnnumber integer not null"},
+        Column<&R::spn, Form::Plain, Role::Key>{" spnnumber integer not null"},
+        Column<&R::dataType>{" datatype integer"},
+        Column<&R::implementation>{" implementation integer"},
+        Column<&R::varName>{" varname text"},
+        Column<&R::defaultValue>{" defaultvalue text"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::desc, Form::StringId>{" desc integer"},
+        Column<&R::pos>{" pos integer"},
+        Column<&R::bitSize>{" bitsize integer"},
+        Column<&R::direction, Form::Plain, Role::Key>{" direction integer"},
+        Column<&R::slotDf>{" slot_df integer"},
+        Column<&R::bitPosition>{" bitposition integer"}};
+};
+
+template <>
+struct Table<Records::CANID>
+{
+    using R = Records::CANID;
+    static constexpr const char *name = "CANIDs";
+    static constexpr std::tuple columns{
+        Column<&R::id, Form::Plain, Role::Key>{"id integer not null"},
+        Column<&R::cycleTime>{" cycletime_ms integer"},
+        Column<&R::inhibitTime>{" inhibittime_ms integer"},
+        Column<&R::mappingCount>{" mappingcount integer"},
+        Column<&R::direction, Form::Plain, Role::Key>{" direction integer"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::desc, Form::StringId>{" desc integer"}};
+};
+
+template <>
+struct Table<Records::DataElement>
+{
+    using R = Records::DataElement;
+    static constexpr const char *name = "DataElements";
+    static constexpr std::tuple columns{
+        Column<&R::canId, Form::Plain, Role::Key>{"canid integer not null"},
+        Column<&R::number, Form::Plain, Role::Key>{" number integer not null"},
+        Column<&R::dataType>{" datatype integer"},
+        Column<&R::implementation>{" implementation integer"},
+        Column<&R::varName>{" varname text"},
+        Column<&R::defaultValue>{" defaultvalue text"},
+        Column<&R::name, Form::StringId>{" name integer"},
+        Column<&R::desc, Form::StringId>{" desc integer"},
+        Column<&R::pos, Form::Plain, Role::InsertOnly>{" pos integer"},
+        Column<&R::bitSize, Form::Plain, Role::InsertOnly>{" bitsize integer"},
+        Column<&R::direction, Form::Plain, Role::Key>{" direction integer"},
+        Column<&R::bitPos>{" bitpos integer"}};
+};
+
+template <typename Record, typename Visit>
+void forEachColumn(const Visit &visit)
+{
+    std::apply([&](const auto &...column) { (visit(column), ...); }, Table<Record>::columns);
 }
 
-template <typename Values, RecordOf<ObjectDataBase::SUBINDEX_DATA_T> Record>
-void visit(Values &values, Record &data)
+template <typename C, typename Values, typename Field>
+void visitMember(Values &values, Field &field)
 {
-    values.string(data.name);
-    values.number(data.datatype);
-    values.text(data.accesstype);
-    values.text(data.defaultvalue);
-    values.text(data.currentvalue);
-    values.mapping(data.pdomapping);
-    values.text(data.lowlimit);
-    values.text(data.uplimit);
-    values.number(data.size);
-    values.number(data.defaultineds);
-    values.number(data.limitineds);
-    values.number(data.refuseread);
-    values.number(data.refusewrite);
-    values.text(data.allowedaccesstypes);
-    values.number(data.implementation);
-    values.text(data.varname);
-    values.string(data.description);
-    values.number(data.category);
-    values.number(data.writedefaulttoeds);
-    values.number(data.cyclicread);
-    values.number(data.dcfcomponent);
-    values.number(data.changedbyuser);
-    values.number(data.wizardsource);
-    values.string(data.denotation);
-    values.number(data.sharedlines);
-    values.number(data.managedbytsk);
-    values.number(data.signalid);
-    values.number(data.nvstorage);
-    values.metaData(data.metadata);
+    using Value = std::remove_const_t<Field>;
+    if constexpr (C::form == Form::StringId)
+        values.string(field);
+    else if constexpr (std::is_same_v<Value, QString>)
+        values.text(field);
+    else if constexpr (std::is_same_v<Value, PDOMapping>)
+        values.mapping(field);
+    else if constexpr (std::is_same_v<Value, Records::MetaData>)
+        values.metaData(field);
+    else
+        values.number(field);
 }
 
-/// Makes texts of bytes. Short ones come again and again in a dictionary ("rw", "0"), so they are
-/// made once and shared as long as none of the same place takes over.
-class TextPool
+/// Shows a record's values in the order of the columns to a reader or writer.
+template <typename Values, typename Record>
+void visit(Values &values, Record &data)
 {
-public:
-    QString text(QByteArrayView utf8)
-    {
-        if (utf8.isEmpty())
-            return {};
-        if (utf8.size() > longest)
-            return ResultRow::textOf(utf8);
-        Entry &entry = m_entries[place(utf8)];
-        if (utf8 != QByteArrayView(entry.bytes.data(), entry.size)) {
-            std::memcpy(entry.bytes.data(), utf8.data(), size_t(utf8.size()));
-            entry.size = utf8.size();
-            entry.text = ResultRow::textOf(utf8);
-        }
-        return entry.text;
-    }
+    forEachColumn<std::remove_const_t<Record>>([&]<typename C>(const C &) {
+        if constexpr (std::is_same_v<C, KeyColumn>)
+            values.nextKey();
+        else
+            visitMember<C>(values, data.*C::member);
+    });
+}
 
-private:
-    static constexpr qsizetype longest = 32;
-    static constexpr size_t placeBits = 8;
-
-    struct Entry
-    {
-        std::array<char, longest> bytes;
-        qsizetype size = 0;
-        QString text;
-    };
-
-    static size_t place(QByteArrayView utf8)
-    {
-        constexpr quint64 spread = 0x9E3779B97F4A7C15;
-        quint64 front = 0;
-        quint64 back = 0;
-        if (utf8.size() >= qsizetype(sizeof front)) {
-            std::memcpy(&front, utf8.data(), sizeof front);
-            std::memcpy(&back, utf8.data() + utf8.size() - sizeof back, sizeof back);
-        } else {
-            for (const char byte : utf8)
-                front = front << 8 | quint8(byte);
-        }
-        return size_t((front ^ back * 31 ^ quint64(utf8.size())) * spread >> (64 - placeBits));
-    }
-
-    std::array<Entry, size_t(1) << placeBits> m_entries;
-};
-
-/// Takes the values of a row one by one.
-class Reader
+/// What stands between the parentheses of the statement that makes the table.
+template <typename Record>
+[[nodiscard]] QByteArray definition()
 {
-public:
-    /// Without a pool for a single row.
-    Reader(const ResultRow &row, const StringTable::Texts &strings, TextPool *pool = nullptr)
-        : m_row(row), m_strings(strings), m_pool(pool)
-    {
-    }
+    QByteArrayList parts;
+    forEachColumn<Record>([&](const auto &column) { parts.append(column.definition); });
+    return parts.join(',');
+}
 
-    [[nodiscard]] quint32 key() { return quint32(m_row.integer(m_column++)); }
-
-    template <typename Number>
-    void number(Number &field)
-    {
-        field = Number(m_row.integer(m_column++));
-    }
-    void mapping(PDOMapping &field)
-    {
-        field = PDOMapping::fromUInt(quint8(m_row.integer(m_column++)));
-    }
-    void text(QString &field)
-    {
-        const QByteArrayView utf8 = m_row.bytes(m_column++);
-        field = m_pool == nullptr ? ResultRow::textOf(utf8) : m_pool->text(utf8);
-    }
-    void string(QString &field) { field = m_strings.text(m_row.integer(m_column++)); }
-    void metaData(ObjectDataBase::MetaData &field)
-    {
-        if (m_row.isBlob(m_column))
-            field = MetaDataBlob::fromValue(m_row.value(m_column));
-        ++m_column;
-    }
-
-private:
-    const ResultRow &m_row;
-    const StringTable::Texts &m_strings;
-    TextPool *m_pool;
-    int m_column = 0;
-};
-
-/// Hands the values of a row on, into the list of a statement or its places. Metadata are a matter
-/// of their own.
-template <typename Values>
-class Writer
+[[nodiscard]] inline QString columnName(const char *definition)
 {
-public:
-    Writer(Values &values, StringTable &strings) : m_strings(strings), m_values(values) {}
+    return QString::fromLatin1(definition).trimmed().section(u' ', 0, 0);
+}
 
-    /// The texts get their ids in this order, whatever that of the columns is.
-    template <size_t count>
-    void intern(const std::array<const QString *, count> &texts)
-    {
-        static_assert(count == std::tuple_size_v<decltype(m_ids)>);
-        for (size_t i = 0; i < count; ++i)
-            m_ids[i] = {texts[i], m_strings.intern(*texts[i])};
-    }
-    void key(quint64 value) { m_values.number(value); }
+/// Names of all columns, or of those that are texts' numbers.
+template <typename Record>
+[[nodiscard]] QStringList columnNames(bool onlyStringIds = false)
+{
+    QStringList names;
+    forEachColumn<Record>([&]<typename C>(const C &column) {
+        if (!onlyStringIds || C::form == Form::StringId)
+            names.append(columnName(column.definition));
+    });
+    return names;
+}
 
-    template <typename Number>
-    void number(Number value)
-    {
-        m_values.number(value);
-    }
-    void mapping(const PDOMapping &value) { m_values.number(value.toUInt()); }
-    void text(const QString &value) { m_values.text(value); }
-    void string(const QString &value)
-    {
-        for (const auto &[text, id] : m_ids) {
-            if (text == &value)
-                return m_values.id(id);
+/// The columns that tell rows apart in a comparison: neither keys nor metadata.
+template <typename Record>
+constexpr size_t comparedColumns = std::apply(
+    []<typename... C>(const C &...) {
+        const auto isCompared = []<typename One>(const One *) {
+            if constexpr (std::is_same_v<One, KeyColumn>)
+                return false;
+            else
+                return One::role != Role::Key &&
+                       !std::is_same_v<decltype(std::declval<Record>().*One::member),
+                                       Records::MetaData &&>;
+        };
+        return (size_t(isCompared(static_cast<const C *>(nullptr))) + ...);
+    },
+    Table<Record>::columns);
+
+/// Takes what an update leaves alone from the record as it was.
+template <typename Record>
+void keepUnwritten(Record &record, const Record &former)
+{
+    forEachColumn<Record>([&]<typename C>(const C &) {
+        if constexpr (C::role == Role::InsertOnly)
+            record.*C::member = former.*C::member;
+    });
+}
+
+/// Whether a text of the record comes back from the database as another one: SQL knows neither NUL
+/// nor half of a surrogate pair.
+template <typename Record>
+[[nodiscard]] bool hasOddText(const Record &record)
+{
+    bool odd = false;
+    forEachColumn<Record>([&]<typename C>(const C &) {
+        if constexpr (!std::is_same_v<C, KeyColumn>) {
+            if constexpr (std::is_same_v<std::remove_cvref_t<decltype(record.*C::member)>,
+                                         QString>) {
+                const QString &text = record.*C::member;
+                odd |= text.contains(QChar(u'\0')) || !text.isValidUtf16();
+            }
         }
-        Q_UNREACHABLE();
-    }
-    void metaData(const ObjectDataBase::MetaData &) { m_values.number(0); }
+    });
+    return odd;
+}
 
-private:
-    StringTable &m_strings;
-    Values &m_values;
-    std::array<std::pair<const QString *, qint64>, 3> m_ids{};
-};
+/// "column = value" for each column that an update writes; `values` are literals of all columns, or
+/// empty for places.
+template <typename Record>
+[[nodiscard]] QString assignments(const QStringList &values)
+{
+    QStringList terms;
+    qsizetype i = 0;
+    forEachColumn<Record>([&]<typename C>(const C &column) {
+        const QString value = values.isEmpty() ? QStringLiteral("?") : values.at(i++);
+        if (C::role == Role::Value)
+            terms.append(columnName(column.definition) + u'=' + value);
+    });
+    return terms.join(u',');
+}
+
+/// Passes on what an update writes, in the order of `assignments`, and the texts of the other
+/// columns not at all.
+template <typename Values, typename Record>
+void visitUpdated(Values &values, Record &data)
+{
+    forEachColumn<std::remove_const_t<Record>>([&]<typename C>(const C &) {
+        if constexpr (C::role == Role::Value)
+            visitMember<C>(values, data.*C::member);
+    });
+}
 
 } // namespace RecordColumns

@@ -380,6 +380,28 @@ void StatementRunner::setBlock(bool block)
     m_blockActive = block ? 1 : 0;
 }
 
+bool StatementRunner::enterBlock()
+{
+    const QMutexLocker locker(&m_threadMutex);
+    const Qt::HANDLE current = QThread::currentThreadId();
+    if (m_blockActive.load() != 0 && m_blockingThreads.contains(current))
+        return false;
+    if (!m_blockingThreads.contains(current))
+        m_blockingThreads.append(current);
+    m_blockActive = 1;
+    return true;
+}
+
+bool StatementRunner::leaveBlock()
+{
+    const QMutexLocker locker(&m_threadMutex);
+    m_blockingThreads.removeAll(QThread::currentThreadId());
+    if (!m_blockingThreads.isEmpty())
+        return false;
+    m_blockActive = 0;
+    return true;
+}
+
 bool StatementRunner::waitForStatements()
 {
     QElapsedTimer timer;

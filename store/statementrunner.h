@@ -75,6 +75,10 @@ public:
     /// While active, only threads that activated it run statements. Blocks do not nest: the first
     /// release ends it for all.
     void setBlock(bool block);
+    /// For guards, whose blocks nest: this thread joins the block; false if it has it already.
+    bool enterBlock();
+    /// The block ends with its last thread, which is told by true.
+    bool leaveBlock();
     /// Waits up to 5 s for the statements in flight; false if some are left.
     bool waitForStatements();
 

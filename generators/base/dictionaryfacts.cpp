@@ -3,22 +3,20 @@
 #include "canopen/canopentypes.h"
 #include "canopen/objectranges.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 #include <numeric>
 
 DictionaryOptions DictionaryOptions::of(ObjectDataBase &store, bool addressRows)
 {
-    const auto number = [&store](const char *key) {
-        return store.getGeneralSetting(QLatin1String(key)).trimmed().toInt();
-    };
+    const ProjectSettings settings(store);
     DictionaryOptions options;
-    options.compactDescription = number("compact_array_description") == 1;
-    options.limitCheck = number("limit_check") >= 1;
-    options.staticSrdo = number("static_srdo_data") == 1;
-    options.bitwiseMapping = number("bitwise_mapping") > 0;
-    options.generateML =
-        store.getMiscSetting(QStringLiteral("generateML")) == QLatin1String("true");
+    options.compactDescription = settings.decimal("compact_array_description") == 1;
+    options.limitCheck = settings.decimal("limit_check") >= 1;
+    options.staticSrdo = settings.decimal("static_srdo_data") == 1;
+    options.bitwiseMapping = settings.decimal("bitwise_mapping") > 0;
+    options.generateML = settings.isTrue(SettingKey::misc(QStringLiteral("generateML")));
     options.addressRows = addressRows;
     return options;
 }

@@ -3,6 +3,7 @@
 #include "canopen/linetype.h"
 #include "generators/base/codewriter.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 #include <array>
@@ -240,7 +241,7 @@ bool isOnAnyLine(ObjectDataBase &store, const char *key)
 {
     const QList<quint8> lines = store.getLines();
     return std::any_of(lines.begin(), lines.end(), [&](quint8 line) {
-        return store.getGeneralLineSetting(QLatin1String(key), line).trimmed().toInt() > 0;
+        return ProjectSettings(store).lineDecimal(key, line) > 0;
     });
 }
 
@@ -268,7 +269,7 @@ std::span<const UdsBinding> udsBindings()
 
 QString functionName(ObjectDataBase &store, const char *key)
 {
-    const QString text = store.getGeneralSetting(QLatin1String(key)).trimmed();
+    const QString text = ProjectSettings(store).text(key).trimmed();
     return text.isEmpty() ? QString() : CodeWriter::identifier(text);
 }
 

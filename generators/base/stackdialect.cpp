@@ -1,6 +1,6 @@
 #include "generators/base/stackdialect.h"
 
-#include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 const StackDialect &StackDialect::v4()
 {
@@ -54,7 +54,7 @@ const StackDialect &StackDialect::v3()
 
 const StackDialect &StackDialect::of(ObjectDataBase *store)
 {
-    const bool isV4 = store && store->getGeneralSetting(QStringLiteral("use_core_headers")) ==
-                                   QLatin1String("V4");
+    const bool isV4 =
+        store && ProjectSettings(*store).text("use_core_headers") == QLatin1String("V4");
     return isV4 ? v4() : v3();
 }

@@ -1,18 +1,18 @@
 #include "generators/canopen/objdictcontext.h"
 
 #include "canopen/canopentypes.h"
-#include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 
 int ObjDictContext::number(const char *key) const
 {
-    return store.getGeneralSetting(QLatin1String(key)).trimmed().toInt();
+    return ProjectSettings(store).decimal(key);
 }
 
 int ObjDictContext::lineNumber(const char *key, quint8 line) const
 {
-    return store.getGeneralLineSetting(QLatin1String(key), line).trimmed().toInt();
+    return ProjectSettings(store).lineDecimal(key, line);
 }
 
 bool ObjDictContext::isOnAnyLine(const char *key) const

@@ -4,6 +4,7 @@
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/canopen/objdictindications.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <QCoreApplication>
 #include <QFileInfo>
@@ -80,9 +81,9 @@ void ObjDictHead::writeIncludes(const QString &outputFolder, bool serverOnly)
 void ObjDictHead::writeApplicationHeaders()
 {
     static const QRegularExpression separators(QStringLiteral("[\\s,;\"]+"));
-    const QStringList headers =
-        m_context.store.getGeneralSetting(QStringLiteral("applicationheader"))
-            .split(separators, Qt::SkipEmptyParts);
+    const QStringList headers = ProjectSettings(m_context.store)
+                                    .text("applicationheader")
+                                    .split(separators, Qt::SkipEmptyParts);
     if (headers.isEmpty())
         return;
     m_out << "/* application header file(s) */\n";

@@ -3,6 +3,7 @@
 #include "canopen/canopentypes.h"
 #include "generators/base/codewriter.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 #include <array>
@@ -143,7 +144,7 @@ void ObjDictTables::writeManagedVariables()
 {
     m_out << "\n/* definition of managed variables */\n";
     const QString specifier =
-        m_context.store.getGeneralSetting(QStringLiteral("static_memory_specifier")).simplified();
+        ProjectSettings(m_context.store).text("static_memory_specifier").simplified();
     const bool isInitialised = m_context.number("init_static_variables") == 1;
     for (std::size_t slot = 0; slot < numericGroupCount; ++slot) {
         if (!m_context.facts.managed[slot].empty())

@@ -66,7 +66,7 @@ void CoDefineGenerator::writeContent(QIODevice &device)
         discard(device);
         return;
     }
-    const DefineSettings settings(*store());
+    const ProjectSettings settings(*store());
     const DefineFacts facts =
         DefineFacts::collect(*store(), m_dialect.isV4, [this] { return bool(stopRequested()); });
     {
@@ -105,7 +105,7 @@ void CoDefineGenerator::writeSections(DefineSections &sections, const DefineFact
 
     const bool isBootLoader =
         m_dialect.isV4 && facts.lines.size() == 1 &&
-        store()->getGeneralSetting(QStringLiteral("uds_bl_setting")) == QLatin1String("1");
+        ProjectSettings(*store()).text("uds_bl_setting") == QLatin1String("1");
     if (isBootLoader)
         sections.writeBootLoaderBuffers();
     sections.writeLines(!isBootLoader, withCANopen && (!isBootLoader || facts.hasCANopen));
@@ -145,7 +145,7 @@ QString CoDefineGenerator::bannerDate() const
 
 void CoDefineGenerator::writeGenerationCount(CodeWriter &out, const DefineFacts &facts) const
 {
-    const DefineSettings settings(*store());
+    const ProjectSettings settings(*store());
     if (settings.number(QStringLiteral("generate_generation_counter")) == 1) {
         const quint64 count =
             m_fromNetworkTool
@@ -156,7 +156,7 @@ void CoDefineGenerator::writeGenerationCount(CodeWriter &out, const DefineFacts 
     }
     const bool overwritesCobIds =
         std::any_of(facts.lines.begin(), facts.lines.end(), [&](const DefineFacts::Line &line) {
-            return settings.lineNumber(QStringLiteral("overwrite_predef"), line.line) > 0;
+            return settings.lineCount(QStringLiteral("overwrite_predef"), line.line) > 0;
         });
     if (m_dialect.isV4 && overwritesCobIds)
         out << "#define GEN_OVERWRITE_PREDEF_CONN_SET\t1u\n";

@@ -46,7 +46,7 @@ constexpr quint32 j1939Cobs = 10;
 constexpr quint32 udsServerCobs = 3; // physical and functional request, response (ISO 15765-2)
 constexpr quint32 isoTpCobs = 2;
 
-quint32 canopenCobs(const DefineFacts &facts, const Line &line, const DefineSettings &settings)
+quint32 canopenCobs(const DefineFacts &facts, const Line &line, const ProjectSettings &settings)
 {
     quint32 cobs = basicCobs;
     for (const CountedService &service : countedServices)
@@ -61,7 +61,7 @@ quint32 canopenCobs(const DefineFacts &facts, const Line &line, const DefineSett
     cobs += line.maximumAssignments;
     cobs += (line.usdoServers + line.usdoClients) * cobsOfUsdo;
     const auto add = [&cobs](bool isUsed, quint32 number) { cobs += isUsed ? number : 0; };
-    add(settings.lineNumber(QStringLiteral("lss_supported"), line.line) > 0, lssCobs);
+    add(settings.lineCount(QStringLiteral("lss_supported"), line.line) > 0, lssCobs);
     add(facts.hasFlyingMaster, flyingMasterCobs);
     add(settings.isOn(QStringLiteral("idnego_supported")), negotiationCobs);
     add(settings.isOn(QStringLiteral("sleep_mode_selection")), sleepCobs);
@@ -71,7 +71,7 @@ quint32 canopenCobs(const DefineFacts &facts, const Line &line, const DefineSett
 } // namespace
 
 quint32 DefineCobs::count(const DefineFacts &facts, const Line &line,
-                          const DefineSettings &settings)
+                          const ProjectSettings &settings)
 {
     quint32 cobs = 0;
     if (line.hasCANopen)
@@ -86,6 +86,6 @@ quint32 DefineCobs::count(const DefineFacts &facts, const Line &line,
     if (settings.isOn(QStringLiteral("isotp_supported")) || facts.hasUds)
         cobs += (line.isoTpClients + line.isoTpServers) * isoTpCobs;
     for (const char *key : {"user_tx_cob", "user_rx_cob", "additional_cob_count"})
-        cobs += settings.lineNumber(QLatin1String(key), line.line);
+        cobs += settings.lineCount(QLatin1String(key), line.line);
     return cobs;
 }

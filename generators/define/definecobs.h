@@ -7,6 +7,6 @@
 namespace DefineCobs {
 
 [[nodiscard]] quint32 count(const DefineFacts &facts, const DefineFacts::Line &line,
-                            const DefineSettings &settings);
+                            const ProjectSettings &settings);
 
 } // namespace DefineCobs

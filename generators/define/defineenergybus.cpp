@@ -67,7 +67,7 @@ QList<int> deviceNumbers(ObjectDataBase &store)
     }
     std::sort(numbers.begin(), numbers.end());
     const quint32 used =
-        DefineSettings::toNumber(store.getEnergyBusSetting(QStringLiteral("device_cnt")));
+        ProjectSettings(store).count(SettingKey::energyBus(QStringLiteral("device_cnt")));
     return numbers.first(std::min<qsizetype>(numbers.size(), used));
 }
 
@@ -94,8 +94,8 @@ std::array<quint32, kinds.size()> countDevices(ObjectDataBase &store)
 void DefineSections::writeEnergyBus()
 {
     ObjectDataBase &store = m_settings.store();
-    const auto value = [&store](const QString &key) {
-        return DefineSettings::toNumber(store.getEnergyBusSetting(key));
+    const auto value = [this](const QString &key) {
+        return m_settings.count(SettingKey::energyBus(key));
     };
     m_out.out() << "/* EnergyBus Defines */\n";
     const std::array<quint32, kinds.size()> counts = countDevices(store);

@@ -4,6 +4,7 @@
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/define/definecobs.h"
+#include "signals/signalwalk.h"
 #include "store/objectdatabase.h"
 
 #include <QRegularExpression>
@@ -24,7 +25,6 @@ constexpr quint16 nmtStartup = 0x1F80;
 constexpr quint64 flyingMasterBit = 1u << 5; // CiA 302-2
 constexpr quint16 carProfile = 447;
 constexpr quint16 virtualFunctionObject = 0x6000;
-constexpr quint32 addressClaim = 60928;
 
 /// A function or a pointer to one, as "&getNodeId"; what is no plain expression becomes a name.
 QString functionText(const QString &text)
@@ -53,7 +53,7 @@ private:
     void collectPgns(Line &line);
     void countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn);
     static void countSafePgn(Line &line, const ObjectDataBase::PGN &pgn);
-    [[nodiscard]] bool isLong(quint8 line, const ObjectDataBase::PGN &pgn);
+    [[nodiscard]] static bool isLong(const SignalWalk::Pgn &pgn);
     void collectProfiles();
     [[nodiscard]] bool hasFlyingMaster() const;
     [[nodiscard]] quint32 entries(quint8 line, quint16 index) const;
@@ -63,7 +63,7 @@ private:
 
     ObjectDataBase &m_store;
     CommonGeneratorHelper m_helper;
-    DefineSettings m_settings;
+    ProjectSettings m_settings;
     bool m_isV4;
     DefineFacts m_facts;
 };
@@ -77,7 +77,7 @@ DefineFacts Collector::run(const std::function<bool()> &stop)
     m_facts.hasIsoTp = m_helper.hasIsoTp();
     selectLines();
     m_facts.isMaster = std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [&](const Line &l) {
-        return m_settings.lineNumber(QStringLiteral("nmtmaster"), l.line) > 0;
+        return m_settings.lineCount(QStringLiteral("nmtmaster"), l.line) > 0;
     });
     m_facts.hasFlyingMaster = hasFlyingMaster();
     for (Line &line : m_facts.lines) {
@@ -99,14 +99,15 @@ void Collector::selectLines()
     for (const quint8 number : all) {
         Line line;
         line.line = number;
-        const int type = m_store.getLineType(number);
+        const LineType &type = m_store.lineType(number);
         const DictionaryFacts::LineCounts *counts = m_facts.dictionary.countsOf(number);
         if (counts)
             line.counts = *counts;
         // A line whose type was never set is what its objects make it.
-        line.hasCANopen = type == 1 || type == 5 || type == 6 || (type == 0 && line.counts.objects);
-        line.hasJ1939 = type == 2 || type == 5 || type == 7;
-        line.hasRawCAN = type == 4 || type == 6 || type == 7;
+        line.hasCANopen =
+            type.hasCANopen || (type.number == LineType::Unknown && line.counts.objects);
+        line.hasJ1939 = type.hasJ1939;
+        line.hasRawCAN = type.hasRawCan;
         m_facts.lines.append(line);
     }
     m_facts.hasCANopen = m_facts.any(&Line::hasCANopen);
@@ -134,7 +135,7 @@ quint64 Collector::value(quint8 line, quint16 index, quint8 sub) const
 
 quint32 Collector::bufferSize(const QString &key, quint8 line, quint32 offered) const
 {
-    const quint32 size = m_settings.lineNumber(key, line);
+    const quint32 size = m_settings.lineCount(key, line);
     return size > 0 ? size : offered;
 }
 
@@ -145,10 +146,10 @@ void Collector::collectLine(Line &line)
     line.profile = quint32(value(number, deviceType, m_facts.fdMode ? 1 : 0) & 0xFFFF);
     line.activeErrorHistory = entries(number, activeErrorHistory);
     line.storeEntries = std::max(entries(number, storeObject), entries(number, restoreObject));
-    line.routings = m_settings.lineNumber(QStringLiteral("routing_counts"), number);
+    line.routings = m_settings.lineCount(QStringLiteral("routing_counts"), number);
     if (m_isV4)
         line.routings = std::max(line.routings, entries(number, routingObject));
-    const quint32 chosen = m_settings.lineNumber(QStringLiteral("max_slave_assignment"), number);
+    const quint32 chosen = m_settings.lineCount(QStringLiteral("max_slave_assignment"), number);
     const auto possible = quint32(line.counts.slaveAssignments);
     line.maximumAssignments = chosen > 0 ? std::min(chosen, possible) : possible;
     if (line.hasJ1939)
@@ -164,7 +165,7 @@ void Collector::collectSettings(Line &line)
 {
     const quint8 number = line.line;
     const auto setting = [&](const char *key) {
-        return m_settings.lineNumber(QLatin1String(key), number);
+        return m_settings.lineCount(QLatin1String(key), number);
     };
     constexpr quint32 offeredReceiveSize = 10;
     constexpr quint32 offeredTransmitSize = 5;
@@ -204,36 +205,27 @@ void Collector::countSafePgn(Line &line, const ObjectDataBase::PGN &pgn)
 /// Safety messages are data of their own, and the stack brings the address claim.
 void Collector::collectPgns(Line &line)
 {
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        const bool isReceive = direction == ObjectDataBase::receive;
-        for (const quint32 number : m_store.getPGNList(line.line, direction)) {
-            ObjectDataBase::PGN pgn;
-            if (!m_store.getPGN(line.line, number, direction, pgn) ||
-                (!isReceive && number == addressClaim))
-                continue;
-            if (m_helper.isSafetyMessage(pgn))
-                countSafePgn(line, pgn);
-            else if (isReceive)
-                countReceivePgn(line, pgn);
-            else
-                ++line.transmitPgns;
-            line.hasLongPgns |= isLong(line.line, pgn);
-        }
-    }
+    SignalWalk::pgns(m_store, line.line, [&](const SignalWalk::Pgn &pgn) {
+        const bool isReceive = pgn.group.direction == ObjectDataBase::receive;
+        if (!isReceive && pgn.isAddressClaim())
+            return;
+        if (m_helper.isSafetyMessage(pgn.group))
+            countSafePgn(line, pgn.group);
+        else if (isReceive)
+            countReceivePgn(line, pgn.group);
+        else
+            ++line.transmitPgns;
+        line.hasLongPgns |= isLong(pgn);
+    });
 }
 
-bool Collector::isLong(quint8 line, const ObjectDataBase::PGN &pgn)
+bool Collector::isLong(const SignalWalk::Pgn &pgn)
 {
     constexpr int frameBits = 64;
-    for (const quint32 number : m_store.getSPNList(line, pgn.number, pgn.direction)) {
-        ObjectDataBase::SPN spn;
-        if (!m_store.getSPN(line, pgn.number, pgn.direction, number, spn))
-            continue;
+    return std::ranges::any_of(pgn.spns, [](const ObjectDataBase::SPN &spn) {
         const int length = std::max<int>(COHelper::getDataLengthBits(spn.dataType), spn.bitSize);
-        if (spn.bitPosition + length > frameBits)
-            return true;
-    }
-    return false;
+        return spn.bitPosition + length > frameBits;
+    });
 }
 
 void Collector::collectProfiles()
@@ -258,48 +250,6 @@ bool Collector::hasFlyingMaster() const
 }
 
 } // namespace
-
-// --- Settings ------------------------------------------------------------------------------------
-
-QString DefineSettings::text(const QString &key) const
-{
-    return m_store.getGeneralSetting(key);
-}
-
-quint32 DefineSettings::number(const QString &key) const
-{
-    return toNumber(text(key));
-}
-
-QString DefineSettings::lineText(const QString &key, quint8 line) const
-{
-    return m_store.getGeneralLineSetting(key, line);
-}
-
-quint32 DefineSettings::lineNumber(const QString &key, quint8 line) const
-{
-    return toNumber(lineText(key, line));
-}
-
-quint32 DefineSettings::j1939Number(const QString &key) const
-{
-    return toNumber(m_store.getJ1939Setting(key));
-}
-
-quint32 DefineSettings::toNumber(const QString &text)
-{
-    QString digits = text.trimmed();
-    // "1,0" of a value that has one item a line, asked for the project: on if the first one is.
-    if (const qsizetype comma = digits.indexOf(QLatin1Char(',')); comma >= 0)
-        digits = digits.first(comma).trimmed();
-    bool ok = false;
-    quint32 value = digits.toUInt(&ok, 0);
-    // A leading zero is no octal mark for who types "08" into a field of numbers.
-    if (!ok || (digits.startsWith(QLatin1Char('0')) &&
-                !digits.startsWith(QLatin1String("0x"), Qt::CaseInsensitive)))
-        value = digits.toUInt(&ok, 10);
-    return ok ? value : 0;
-}
 
 // --- Sums ----------------------------------------------------------------------------------------
 

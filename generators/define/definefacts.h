@@ -1,6 +1,7 @@
 #pragma once
 
 #include "generators/base/dictionaryfacts.h"
+#include "store/projectsettings.h"
 
 #include <QList>
 #include <QString>
@@ -8,28 +9,6 @@
 #include <functional>
 
 class ObjectDataBase;
-
-/// Settings of the project as numbers. A value that is missing or no number reads as 0; bases are
-/// told by the text ("0x1f").
-class DefineSettings
-{
-public:
-    explicit DefineSettings(ObjectDataBase &store) : m_store(store) {}
-
-    [[nodiscard]] QString text(const QString &key) const;
-    [[nodiscard]] quint32 number(const QString &key) const;
-    [[nodiscard]] bool isOn(const QString &key) const { return number(key) > 0; }
-    [[nodiscard]] QString lineText(const QString &key, quint8 line) const;
-    [[nodiscard]] quint32 lineNumber(const QString &key, quint8 line) const;
-    [[nodiscard]] quint32 j1939Number(const QString &key) const;
-    [[nodiscard]] bool isJ1939On(const QString &key) const { return j1939Number(key) > 0; }
-    [[nodiscard]] ObjectDataBase &store() const { return m_store; }
-
-    [[nodiscard]] static quint32 toNumber(const QString &text);
-
-private:
-    ObjectDataBase &m_store;
-};
 
 /// What gen_define.h tells beyond the dictionary's own counts: the lines with their protocols, and
 /// how many CAN messages and connections each of them needs. A plain value.

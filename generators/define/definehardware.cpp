@@ -40,9 +40,9 @@ DefineSections::Target DefineSections::target(int number, bool isActive) const
 
 void DefineSections::writeTarget(const Target &target)
 {
-    m_out.count(QStringLiteral("CORE_TIMER_INTERVAL"), DefineSettings::toNumber(target.timer));
+    m_out.count(QStringLiteral("CORE_TIMER_INTERVAL"), ProjectSettings::toCount(target.timer));
     const auto flag = [this](const QString &value, const char *name) {
-        m_out.flagIf(DefineSettings::toNumber(value) > 0, QLatin1String(name));
+        m_out.flagIf(ProjectSettings::toCount(value) > 0, QLatin1String(name));
     };
     flag(target.bigEndian, "CORE_BIG_ENDIAN");
     flag(target.filter, "CORE_DRV_FILTER");
@@ -55,7 +55,7 @@ void DefineSections::writeHardware()
 {
     m_out.out() << "/* Hardware settings */\n";
     const int targets = int(number("targetsettings_cnt"));
-    const int active = m_settings.text(QStringLiteral("targetsettings_active")).toInt();
+    const int active = m_settings.decimal("targetsettings_active");
     if (targets <= 1) {
         // The one target is what the plain keys say; its numbered keys fill what they leave open.
         Target only = target(0, true);

@@ -77,15 +77,18 @@ void DefineSections::writeJ1939(bool isJ1939Only)
     writeFd();
     writeJ1939Services();
     writeDiagnostics();
-    if (isJ1939Only && m_settings.j1939Number(QStringLiteral("cia510serversupport")) == 1)
+    if (isJ1939Only &&
+        m_settings.count(SettingKey::j1939(QStringLiteral("cia510serversupport"))) == 1)
         writeServerCase();
     m_out.out() << '\n';
 }
 
 void DefineSections::writePgnCounts()
 {
-    const bool hasServer = m_settings.isJ1939On(QStringLiteral("cia510serversupport"));
-    const bool hasClient = m_settings.isJ1939On(QStringLiteral("cia510clientsupport"));
+    const bool hasServer =
+        m_settings.isOn(SettingKey::j1939(QStringLiteral("cia510serversupport")));
+    const bool hasClient =
+        m_settings.isOn(SettingKey::j1939(QStringLiteral("cia510clientsupport")));
     m_out.flagIf(hasServer || hasClient, QStringLiteral("J1939_CAM11_CAM21_SUPPORTED"));
     if (isV4()) {
         m_out.count(QStringLiteral("J1939_RECEIVE_PGN_CFG_CNT"),
@@ -114,16 +117,16 @@ void DefineSections::writePgnCounts()
 
 void DefineSections::writeSafety()
 {
-    if (!m_settings.isJ1939On(QStringLiteral("safetysupport")))
+    if (!m_settings.isOn(SettingKey::j1939(QStringLiteral("safetysupport"))))
         return;
     m_out.flag(QStringLiteral("J1939_SDG_SUPPORTED"));
     m_out.flagIf(isV4() && m_facts.hasSafetyType(1), QStringLiteral("J1939_SDG_TYPE_1_SUPPORTED"));
     m_out.flagIf(isV4() && m_facts.hasSafetyType(2), QStringLiteral("J1939_SDG_TYPE_2_SUPPORTED"));
     m_out.count(QStringLiteral("J1939_SDG_TIMER_INTERVAL"),
-                m_settings.j1939Number(QStringLiteral("sdm_timer_interval")));
+                m_settings.count(SettingKey::j1939(QStringLiteral("sdm_timer_interval"))));
     if (isV4())
         m_out.count(QStringLiteral("J1939_SDG_REC_ADDR_CNT"),
-                    m_settings.j1939Number(QStringLiteral("sdm_rec_addr_cnt")));
+                    m_settings.count(SettingKey::j1939(QStringLiteral("sdm_rec_addr_cnt"))));
     m_out.count(QStringLiteral("J1939_SDG_TRANS_CNT"), m_facts.sum(&Line::safeTransmitPgns));
     m_out.list(QStringLiteral("J1939_SDG_TRANS_COUNTS"), m_facts.list(&Line::safeTransmitPgns));
     m_out.count(QStringLiteral("J1939_SDG_REC_CNT"), m_facts.sum(&Line::safeReceivePgns));
@@ -136,13 +139,13 @@ void DefineSections::writeFd()
     if (!m_facts.fdMode)
         return;
     const QString text =
-        m_settings.store().getJ1939Setting(QStringLiteral("j1939fd_multipgbuffer"));
+        m_settings.text(SettingKey::j1939(QStringLiteral("j1939fd_multipgbuffer")));
     const QStringList items =
         (text.trimmed().isEmpty() ? QStringLiteral("1,1") : text).split(QLatin1Char(','));
     QList<quint32> buffers;
     quint64 all = 0;
     for (qsizetype i = 0; i < m_facts.lines.size(); ++i) {
-        buffers.append(DefineSettings::toNumber(items.at(std::min(i, items.size() - 1))));
+        buffers.append(ProjectSettings::toCount(items.at(std::min(i, items.size() - 1))));
         all += buffers.back();
     }
     m_out.count(QStringLiteral("J1939_DEST_BUFFER_CNT"), all);
@@ -153,9 +156,9 @@ void DefineSections::writeJ1939Services()
 {
     for (const SettingRow &row : serviceRows) {
         if ((row.onlyV3 && isV4()) ||
-            (row.parent && !m_settings.isJ1939On(QLatin1String(row.parent))))
+            (row.parent && !m_settings.isOn(SettingKey::j1939(QLatin1String(row.parent)))))
             continue;
-        const quint32 stored = m_settings.j1939Number(QLatin1String(row.key));
+        const quint32 stored = m_settings.count(SettingKey::j1939(QLatin1String(row.key)));
         const quint32 value = stored > 0 ? stored : row.offered;
         m_out.count(QLatin1String(row.define), row.isNumber ? value : (value > 0 ? 1 : 0));
     }
@@ -164,11 +167,12 @@ void DefineSections::writeJ1939Services()
 void DefineSections::writeDiagnostics()
 {
     for (const DiagnosticFamily &family : diagnosticFamilies) {
-        if (!m_settings.isJ1939On(QLatin1String(family.parent)))
+        if (!m_settings.isOn(SettingKey::j1939(QLatin1String(family.parent))))
             continue;
         for (int message = 1; message <= diagnosticMessages; ++message)
-            m_out.flagIf(m_settings.isJ1939On(QString::fromLatin1(family.key).arg(message)),
-                         QString::fromLatin1(family.define).arg(message));
+            m_out.flagIf(
+                m_settings.isOn(SettingKey::j1939(QString::fromLatin1(family.key).arg(message))),
+                QString::fromLatin1(family.define).arg(message));
     }
 }
 

@@ -55,7 +55,7 @@ constexpr std::array<VirtualCount, 11> virtualCounts = {
 bool DefineSections::isOnAnyLine(const char *key) const
 {
     return std::any_of(m_facts.lines.begin(), m_facts.lines.end(), [&](const Line &line) {
-        return m_settings.lineNumber(QLatin1String(key), line.line) > 0;
+        return m_settings.lineCount(QLatin1String(key), line.line) > 0;
     });
 }
 

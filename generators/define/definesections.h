@@ -8,7 +8,7 @@
 class DefineSections
 {
 public:
-    DefineSections(DefineWriter &out, const DefineFacts &facts, const DefineSettings &settings)
+    DefineSections(DefineWriter &out, const DefineFacts &facts, const ProjectSettings &settings)
         : m_out(out), m_facts(facts), m_settings(settings)
     {
     }
@@ -78,10 +78,10 @@ private:
     /// The first item of a setting as a number.
     [[nodiscard]] quint32 number(const char *key) const
     {
-        return m_settings.number(QLatin1String(key));
+        return m_settings.count(QLatin1String(key));
     }
 
     DefineWriter &m_out;
     const DefineFacts &m_facts;
-    const DefineSettings &m_settings;
+    const ProjectSettings &m_settings;
 };

@@ -5,6 +5,7 @@
 #include "generators/base/dictionaryfacts.h"
 #include "generators/base/indicationtable.h"
 #include "store/objectdatabase.h"
+#include "store/projectsettings.h"
 
 #include <algorithm>
 
@@ -16,8 +17,7 @@ bool isMultiLine(ObjectDataBase &store)
 {
     const QList<quint8> all = CommonGeneratorHelper(&store).lines();
     const bool isMixed = std::any_of(all.begin(), all.end(), [&store](quint8 line) {
-        constexpr int onlyCANopen = 1;
-        return store.getLineType(line) > onlyCANopen;
+        return store.getLineType(line) > LineType::CANopen;
     });
     bool hasSecondDictionary = false;
     const QList<quint8> dictionaries = DictionaryFacts::selectLines(store, hasSecondDictionary);
@@ -76,8 +76,8 @@ QString indicationgenerator::prototypes(bool hasLines) const
 
 QString indicationgenerator::udsPrototypes() const
 {
-    const QString isBound = store()->getGeneralSetting(QStringLiteral("uds_static_indication"));
-    if (!m_dialect.isV4 || isBound.trimmed().toInt() != 1)
+    const bool isBound = ProjectSettings(*store()).decimal("uds_static_indication") == 1;
+    if (!m_dialect.isV4 || !isBound)
         return {};
     QString text;
     for (const IndicationTable::UdsBinding &binding : IndicationTable::udsBindings()) {
@@ -95,7 +95,7 @@ QString indicationgenerator::udsPrototypes() const
 /// nothing in it ends the comment.
 QString indicationgenerator::note(const char *key) const
 {
-    QString text = store()->getGeneralSetting(QLatin1String("note_") + QLatin1String(key));
+    QString text = ProjectSettings(*store()).text(QLatin1String("note_") + QLatin1String(key));
     if (text.isEmpty())
         return {};
     text.replace(QLatin1String("\r\n"), QLatin1String("\n"));

@@ -197,10 +197,12 @@ private slots:
     void everyTabStopShowsTheFocus()
     {
         Session session;
+        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        session.window.appendOutput(u"message"_s);
         session.window.show();
         session.window.activateWindow();
         QVERIFY(QTest::qWaitForWindowActive(&session.window));
-        int stops = 0;
+        int stops = 1;
         session.lines()->setFocus();
         QTest::keyClick(session.lines(), Qt::Key_Tab); // from now on it goes by the keyboard
         QWidget *first = QApplication::focusWidget();

@@ -2,14 +2,14 @@
 
 #include "testproject.h"
 
-/// A fault in the clean project and what the run then says, and a change that comes near to the
+/// A fault in the clean project and what the run then finds, and a change that comes near to the
 /// fault and is none.
 struct CheckCase
 {
     const char *name;
-    Change fault;
-    QStringList messages; ///< exactly these, in this order
     int errors;
+    const char *said; ///< exactly this, as `TestProject::said` has it
+    Change fault;
     Change nearMiss;
     QList<quint8> lines = {0};
 };

@@ -5,10 +5,6 @@ namespace {
 using Project = TestProject;
 using Sub = TestProject::Sub;
 
-const QString error = "<strong>Error: </strong>";
-const QString conversionText = error + "Value conversion failed with Object 0x2100-0x%1.";
-const QString subText = error + "Object 0x2100-0x00: ";
-
 /// A new variable 0x2100.
 Change variable(const char *value, const std::function<void(Sub &)> &change)
 {
@@ -61,9 +57,8 @@ Change record(const char *zero, const std::function<void(Sub &)> &change = {})
         p.setObjectType(0x2100, CANopen::RECORD);
         p.remove(0x2100, 2);
         p.value(0x2100, 0, QLatin1String(zero));
-        if (change) {
+        if (change)
             p.edit(0x2100, 0, change);
-        }
     };
 }
 
@@ -76,10 +71,8 @@ void withoutDefault(Sub &sub)
 Change mapping(const char *access, const char *count)
 {
     return [=](Project &p) {
-        p.pdo(0x1A10 - 0x200, "$NODEID+0x80000190", {"0x20000108", "0x20000208", "0x20000108"},
-              access);
+        p.pdo(0x1810, "$NODEID+0x80000190", {"0x20000108", "0x20000208", "0x20000108"}, access);
         p.value(0x1A10, 0, QLatin1String(count));
-        p.granularity(8);
     };
 }
 
@@ -92,199 +85,90 @@ QList<CheckCase> valueCases()
     };
     return {
         // printed once, counted twice, and the subindex decimal
-        {"unsigned", tenth("1x"), {conversionText.arg("10")}, 2, tenth("300")},
-        {"node-ID in lower case",
-         typed(CAN::UNSIGNED32, "$nodeid+0x100"),
-         {conversionText.arg("0")},
-         2,
+        {"unsigned", 2, "CO-VALUE 2100 10", tenth("1x"), tenth("300")},
+        {"node-ID in lower case", 2, "CO-VALUE 2100 0", typed(CAN::UNSIGNED32, "$nodeid+0x100"),
          typed(CAN::UNSIGNED32, "$NODEID+0x100")},
-        {"octal",
-         typed(CAN::UNSIGNED16, "08"),
-         {conversionText.arg("0")},
-         2,
-         typed(CAN::UNSIGNED16, "07")},
-        {"signed",
-         typed(CAN::INTEGER16, "0x80000000"),
-         {conversionText.arg("0")},
-         2,
+        {"octal", 2, "CO-VALUE 2100 0", typed(CAN::UNSIGNED16, "08"), typed(CAN::UNSIGNED16, "07")},
+        {"signed", 2, "CO-VALUE 2100 0", typed(CAN::INTEGER16, "0x80000000"),
          typed(CAN::INTEGER40, "0x80000000")},
-        {"real",
-         typed(CAN::REAL32, "1,5"),
-         {conversionText.arg("0")},
-         2,
-         typed(CAN::REAL32, "-1.5e3")},
-        {"bits", typed(CAN::BITS7, "x"), {conversionText.arg("0")}, 2, typed(CAN::BITS9, "x")},
-        {"56 bits",
-         typed(CAN::UNSIGNED48, "x"),
-         {conversionText.arg("0")},
-         2,
-         typed(CAN::UNSIGNED56, "x")},
+        {"real", 2, "CO-VALUE 2100 0", typed(CAN::REAL32, "1,5"), typed(CAN::REAL32, "-1.5e3")},
+        {"bits", 2, "CO-VALUE 2100 0", typed(CAN::BITS7, "x"), typed(CAN::BITS9, "x")},
+        {"56 bits", 2, "CO-VALUE 2100 0", typed(CAN::UNSIGNED48, "x"), typed(CAN::UNSIGNED56, "x")},
     };
 }
 
 QList<CheckCase> subZeroCases()
 {
-    const QString corrected =
-        "<i>Corrected: Object 0x%1</i>: The value of subindex 0 does not fit to the highest "
-        "subindex.";
     return {
-        {"no subindices",
+        {"no subindices", 1, "CO-OBJ-EMPTY 2100",
          [](Project &p) { p.object(0x2100, CANopen::ARRAY); },
-         {error + "Object 0x2100: This array does not contain any sub-indices"},
-         1,
          [](Project &p) { p.object(0x2100, CANopen::VAR); }},
-        {"highest subindex", record("2"), {corrected.arg("2100")}, 0, record("0x103")},
-        {"error field is exempt",
+        {"highest subindex", 0, "CO-SUB0-VALUE 2100 00", record("2"), record("0x103")},
+        {"error field is exempt", 1, "CO-OBJ-NAME 1003",
          [](Project &p) { p.setObjectName(0x1003, ""); },
-         {error + "Object 0x1003: The object does not have a name. (Required for EDS)"},
-         1,
-         [](Project &p) {
-             p.value(0x1003, 0, "0");
-             p.edit(0x1003, 0, withoutDefault);
-         }},
-        {"static mapping",
-         mapping("const", "2"),
-         {corrected.arg("1a10")},
-         0,
+         values({{0x1003, 0, "0"}}) + edited(0x1003, 0, withoutDefault)},
+        {"static mapping", 0, "CO-SUB0-VALUE 1a10 00", mapping("const", "2"),
          mapping("const", "254")},
-        {"default value flag",
-         record("3", withoutDefault),
-         {error + "Object 0x2100-0:The 'default value' flag must be set for this subindex."},
-         1,
-         [](Project &p) {
-             mapping("rw", "2")(p);
-             p.edit(0x1A10, 0, withoutDefault);
-         }},
-        {"constant subindex 0",
+        {"default value flag", 1, "CO-SUB0-DEFAULT 2100 00", record("3", withoutDefault),
+         mapping("rw", "2") + edited(0x1A10, 0, withoutDefault)},
+        {"constant subindex 0", 0, "CO-SUB0-CONST 2100 00",
          record("3", Make::implementation(CANopen::Variable, "count")),
-         {"<i>Corrected: Object 0x2100-0</i>:'Managed Const' is used as implementation type for "
-          "this subindex."},
-         0,
          record("3", Make::implementation(CANopen::VirtualObject))},
-        {"constant subindex 0, not of a DOMAIN",
+        {"constant subindex 0, not of a DOMAIN", 0, "CO-SUB0-VALUE 2100 00; CO-SUB0-CONST 2100 00",
          record("2", Make::implementation(CANopen::Variable, "text")),
-         {corrected.arg("2100"),
-          "<i>Corrected: Object 0x2100-0</i>:'Managed Const' is used as implementation type for "
-          "this subindex."},
-         0,
          [](Project &p) {
              record("2", Make::implementation(CANopen::Variable, "text"))(p);
              p.setObjectType(0x2100, CANopen::DOMAIN_OBJECT);
          }},
-        {"subindex 0 not in the EDS",
-         record("3", [](Sub &sub) { sub.writedefaulttoeds = 0; }),
-         {"Warning: Object 0x2100-0:The defaultvalue of this subindex should be written into the "
-          "EDS/XDD file."},
-         0,
-         record("3", [](Sub &sub) { sub.writedefaulttoeds = 2; })},
+        {"subindex 0 not in the EDS", 0, "CO-SUB0-EDS 2100 00", record("3", Make::inEds(0)),
+         record("3", Make::inEds(2))},
     };
 }
 
 QList<CheckCase> subIndexCases()
 {
-    const QString managed = subText + "The implementation type 'Managed Variable' is not possible "
-                                      "for %1";
     return {
-        {"object name",
-         [](Project &p) { p.setObjectName(0x2010, ""); },
-         {error + "Object 0x2010: The object does not have a name. (Required for EDS)"},
-         1,
+        {"object name", 1, "CO-OBJ-NAME 2010", [](Project &p) { p.setObjectName(0x2010, ""); },
          [](Project &p) { p.edit(0x2010, 0, [](Sub &sub) { sub.name.clear(); }); }},
-        {"variable with subindices",
+        {"variable with subindices", 1, "CO-OBJ-VARIABLE 2010",
          [](Project &p) { p.sub(0x2010, 1, "1"); },
-         {error + "Object 0x2010: The object is a VARIABLE but has multiple subindices."},
-         1,
          [](Project &p) {
              p.sub(0x2010, 1, "1");
              p.setObjectType(0x2010, CANopen::RECORD);
              p.value(0x2010, 0, "1");
          }},
-        {"limit check off",
-         [](Project &p) { p.general("limit_check", "0"); },
-         {"Warning: Object 0x2010-0x00: Limit Check is activated, but it is deactivated in the "
-          "global settings."},
-         0,
-         [](Project &p) {
-             p.general("limit_check", "0");
-             p.edit(0x2010, 0, [](Sub &sub) { sub.limitineds = false; });
-         }},
-        {"name of an entry",
+        {"limit check off", 0, "CO-SUB-LIMIT-OFF 2010 00", settings({{"limit_check", "0"}}),
+         settings({{"limit_check", "0"}}) +
+             edited(0x2010, 0, [](Sub &sub) { sub.limitineds = false; })},
+        {"name of an entry", 1, "CO-SUB-NAME 1f81 02",
          [](Project &p) { p.edit(0x1F81, 2, [](Sub &sub) { sub.name = ""; }); },
-         {error + "Object 0x1f81-0x02: The object does not have a name. (Required for EDS)"},
-         1,
          [](Project &p) { p.edit(0x1017, 0, [](Sub &sub) { sub.name = ""; }); }},
-        {"variable name",
-         named(CANopen::Variable, ""),
-         {subText + "The variable name is missing."},
-         1,
+        {"variable name", 1, "CO-SUB-VARIABLE 2100 00", named(CANopen::Variable, ""),
          named(CANopen::VirtualObject, "")},
-        {"variable name with a blank",
-         named(CANopen::Variable, "a b"),
-         {subText + "The variable name contains invalid characters like spaces or commas."},
-         1,
-         named(CANopen::Variable, "myData[3].value")},
-        {"variable name with a line break",
-         named(CANopen::Variable, "a\nb"),
-         {subText + "The variable name contains invalid characters like spaces or commas."},
-         1,
-         named(CANopen::ManagedVariable, "a\tb")},
-        {"variable name with a semicolon",
-         named(CANopen::Variable, "a;b"),
-         {subText + "The variable name contains invalid characters like spaces or commas."},
-         1,
-         named(CANopen::ManagedVariable, "a;b")},
-        {"access type",
-         accessed("RW", 0),
-         {subText + "The access type 'RW' is invalid. Use ro, rw, const, wo, rww or rwr instead."},
-         1,
-         accessed("rwr", 0)},
-        {"constant that is written",
-         accessed("rww", CANopen::ManagedConst),
-         {subText + "The implementation type is Managed Const, but the access type allows write "
-                    "access."},
-         1,
-         accessed("const", CANopen::ManagedConst)},
-        {"octet string",
-         ofKind(CAN::OCTET_STRING, 0),
-         {managed.arg("octet strings.")},
-         1,
+        {"variable name with a blank", 1, "CO-SUB-VARIABLE-CHARS 2100 00",
+         named(CANopen::Variable, "a b"), named(CANopen::Variable, "myData[3].value")},
+        {"variable name with a line break", 1, "CO-SUB-VARIABLE-CHARS 2100 00",
+         named(CANopen::Variable, "a\nb"), named(CANopen::ManagedVariable, "a\tb")},
+        {"variable name with a semicolon", 1, "CO-SUB-VARIABLE-CHARS 2100 00",
+         named(CANopen::Variable, "a;b"), named(CANopen::ManagedVariable, "a;b")},
+        {"access type", 1, "CO-SUB-ACCESS 2100 00 RW", accessed("RW", 0), accessed("rwr", 0)},
+        {"constant that is written", 1, "CO-SUB-CONST-WRITE 2100 00",
+         accessed("rww", CANopen::ManagedConst), accessed("const", CANopen::ManagedConst)},
+        {"octet string", 1, "CO-SUB-OCTET-STRING 2100 00", ofKind(CAN::OCTET_STRING, 0),
          ofKind(CAN::OCTET_STRING, CANopen::Variable)},
-        {"visible string",
-         ofKind(CAN::VISIBLE_STRING, 0),
-         {managed.arg("visible strings. Use 'Managed Const' or 'Variable' instead.")},
-         1,
+        {"visible string", 1, "CO-SUB-VISIBLE-STRING 2100 00", ofKind(CAN::VISIBLE_STRING, 0),
          ofKind(CAN::VISIBLE_STRING, CANopen::Variable)},
-        {"UTF8 string",
-         ofKind(CAN::UTF8_STRING, 0),
-         {managed.arg("UTF8 strings. Use 'Managed Const' or 'Variable' instead.")},
-         1,
+        {"UTF8 string", 1, "CO-SUB-UTF8-STRING 2100 00", ofKind(CAN::UTF8_STRING, 0),
          ofKind(CAN::UTF8_STRING, CANopen::Variable)},
-        {"data type",
-         typed(0, "x"),
-         {subText + "Unknown or unsupported datatype."},
-         1,
-         typed(CAN::DOMAIN_TYPE, "")},
-        {"default above the limit",
-         limited("300", "0", "255"),
-         {subText + "The defaultvalue is not in the range of the limits."},
-         1,
+        {"data type", 1, "CO-SUB-TYPE 2100 00", typed(0, "x"), typed(CAN::DOMAIN_TYPE, "")},
+        {"default above the limit", 1, "CO-SUB-LIMITS 2100 00", limited("300", "0", "255"),
          limited("300", "0", "0x7FFFFF")},
-        {"default below the limit",
-         limited("-3", "-2", "2", CAN::INTEGER8),
-         {subText + "The defaultvalue is not in the range of the limits."},
-         1,
-         limited("$NODEID+1", "5", "4", CAN::UNSIGNED32)},
-        {"limit that can't be read",
-         limited("1", "0", "x"),
-         {subText + "The defaultvalue is not in the range of the limits."},
-         1,
+        {"default below the limit", 1, "CO-SUB-LIMITS 2100 00",
+         limited("-3", "-2", "2", CAN::INTEGER8), limited("$NODEID+1", "5", "4", CAN::UNSIGNED32)},
+        {"limit that can't be read", 1, "CO-SUB-LIMITS 2100 00", limited("1", "0", "x"),
          limited("1", "5", "4", CAN::DOMAIN_TYPE)},
-        {"variable used twice",
-         named(CANopen::Variable, "a.b[2]"),
-         {"<strong>Warning: </strong>Object 0x2100-0x00: Variable name 'a.b[2]' is already used by "
-          "object 0x2000-0x02."},
-         0,
-         named(CANopen::VirtualObject, "a.b[2]")},
+        {"variable used twice", 0, "CO-VARIABLE-TWICE 2100 00 a.b[2] 2000 02",
+         named(CANopen::Variable, "a.b[2]"), named(CANopen::VirtualObject, "a.b[2]")},
     };
 }
 

@@ -19,22 +19,20 @@ TestProject::TestProject()
     QDir(folder.path()).mkdir(QStringLiteral("stack"));
     QFile feature(folder.filePath(QStringLiteral("stack/co_featureinfo_1.xml")));
     if (!feature.open(QIODevice::WriteOnly) || feature.write(featureFile) < 0 ||
-        !database.createNewDataBase()) {
+        !database.createNewDataBase())
         qFatal("no test project");
-    }
     feature.close();
     QObject::connect(&checker, &ModelChecker::newError, &checker,
                      [this](const QString &text) { messages.append(text); });
 
     misc("costackpath", QStringLiteral("stack"));
-    const QList<std::pair<const char *, const char *>> settings = {
+    const QList<std::pair<const char *, const char *>> defaults = {
         {"line0type", "1"},          {"co_timer_interval", "1000"}, {"co_node_id", "32"},
         {"receivebuffersize", "20"}, {"transmitbuffersize", "20"},  {"limit_check", "1"},
         {"nmtmaster", "0"},          {"canfd_supported", "0"},      {"bitwise_mapping", "0"},
         {"emcy_routing", "0"},       {"overwrite_predef", "0"},     {"use_core_headers", ""}};
-    for (const auto &[key, text] : settings) {
-        general(key, QLatin1String(text));
-    }
+    for (const auto &[key, text] : defaults)
+        general(key, text);
     granularity(8);
 
     variable(0x1000, QStringLiteral("0x00000191"), unsigned32);
@@ -66,9 +64,9 @@ TestProject::TestProject()
     array(0x1381, {"0x20000108", "0x20000208"}, unsigned32);
 }
 
-void TestProject::general(const char *key, const QString &value)
+void TestProject::general(const char *key, const char *value)
 {
-    database.setGeneralSetting(QLatin1String(key), value);
+    database.setGeneralSetting(QLatin1String(key), QLatin1String(value));
 }
 
 void TestProject::misc(const char *key, const QString &value)
@@ -98,9 +96,8 @@ void TestProject::sub(quint16 index, quint8 subindex, const QString &value,
     data.defaultvalue = value;
     data.defaultineds = true;
     data.writedefaulttoeds = 1;
-    if (change) {
+    if (change)
         change(data);
-    }
     database.addSubIndex(0, index, subindex, data);
 }
 
@@ -119,17 +116,15 @@ void TestProject::array(quint16 index, const QStringList &entries,
         data.accesstype = QStringLiteral("const");
         data.implementation = CANopen::ManagedConst;
     });
-    for (int i = 0; i < entries.size(); ++i) {
+    for (int i = 0; i < entries.size(); ++i)
         sub(index, static_cast<quint8>(i + 1), entries.at(i), change);
-    }
 }
 
 void TestProject::edit(quint16 index, quint8 subindex, const std::function<void(Sub &)> &change)
 {
     Sub data;
-    if (!database.getSubIndexData(0, index, subindex, data)) {
+    if (!database.getSubIndexData(0, index, subindex, data))
         qFatal("no subindex %x-%x to edit", index, subindex);
-    }
     change(data);
     database.addSubIndex(0, index, subindex, data);
 }
@@ -149,19 +144,12 @@ void TestProject::remove(quint16 index, quint8 subindex)
     database.deleteSubIndex(0, index, subindex);
 }
 
-void TestProject::setObjectType(quint16 index, quint32 type)
+void TestProject::editObject(quint16 index,
+                             const std::function<void(ObjectDataBase::INDEX_DATA_T &)> &change)
 {
     ObjectDataBase::INDEX_DATA_T data;
     database.getIndexData(0, index, data);
-    data.objecttype = type;
-    database.addIndex(0, index, data);
-}
-
-void TestProject::setObjectName(quint16 index, const QString &name)
-{
-    ObjectDataBase::INDEX_DATA_T data;
-    database.getIndexData(0, index, data);
-    data.name = name;
+    change(data);
     database.addIndex(0, index, data);
 }
 
@@ -194,12 +182,85 @@ void TestProject::pdo(quint16 communication, const QString &cobId, const QString
 
 int TestProject::check(const QList<quint8> &lines)
 {
-    for (const quint8 line : lines) {
+    const qsizetype first = checker.findings().size();
+    const qsizetype firstMessage = messages.size();
+    for (const quint8 line : lines)
         database.cacheAllSubs(line);
-    }
     int errors = checker.checkProject(&database, folder.path());
-    for (const quint8 line : lines) {
-        errors += checker.checkCANopenLine(line, &database, &changed);
+    for (const quint8 line : lines)
+        errors += checker.checkLine(line, &database, &changed);
+    QStringList parts;
+    QStringList texts;
+    for (const CheckFinding &finding : checker.findings().mid(first)) {
+        if (finding.suppressed)
+            continue;
+        parts.append((QStringList(finding.identifier()) + finding.arguments).join(u' '));
+        texts.append(finding.text());
     }
+    if (texts != messages.mid(firstMessage))
+        qFatal("what was sent is not what was found");
+    said = parts.join(QLatin1String("; "));
     return errors;
+}
+
+Change settings(const QList<std::pair<const char *, const char *>> &pairs)
+{
+    return [=](TestProject &project) {
+        for (const auto &[key, value] : pairs)
+            project.general(key, value);
+    };
+}
+
+Change removed(const QList<quint16> &indices)
+{
+    return [=](TestProject &project) {
+        for (const quint16 index : indices)
+            project.remove(index);
+    };
+}
+
+Change values(const QList<std::tuple<quint16, quint8, const char *>> &list)
+{
+    return [=](TestProject &project) {
+        for (const auto &[index, subindex, value] : list)
+            project.value(index, subindex, QLatin1String(value));
+    };
+}
+
+Change edited(quint16 index, quint8 subindex, const std::function<void(TestProject::Sub &)> &change)
+{
+    return [=](TestProject &project) { project.edit(index, subindex, change); };
+}
+
+Change variable(quint16 index, const char *value)
+{
+    return [=](TestProject &p) { p.variable(index, QLatin1String(value), unsigned32); };
+}
+
+Change entry(quint16 index, quint8 subindex, const char *value)
+{
+    return [=](TestProject &p) { p.sub(index, subindex, QLatin1String(value), unsigned32); };
+}
+
+Change list(quint16 index, const QStringList &entries)
+{
+    return [=](TestProject &project) {
+        project.remove(index);
+        project.array(index, entries, unsigned32);
+    };
+}
+
+Change operator+(const Change &first, const Change &second)
+{
+    return [=](TestProject &project) {
+        first(project);
+        second(project);
+    };
+}
+
+void canFd(TestProject &project)
+{
+    project.general("canfd_supported", "1");
+    project.remove(0x1000);
+    project.array(0x1000, {"0x191"}, Make::type(CAN::UNSIGNED32));
 }

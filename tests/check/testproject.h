@@ -1,5 +1,6 @@
 #pragma once
 
+#include "canopen/canopentypes.h"
 #include "check/modelchecker.h"
 #include "store/objectdatabase.h"
 
@@ -18,7 +19,7 @@ public:
 
     TestProject();
 
-    void general(const char *key, const QString &value);
+    void general(const char *key, const char *value);
     void misc(const char *key, const QString &value);
     void granularity(int bits);
 
@@ -38,8 +39,16 @@ public:
     void value(quint16 index, quint8 subindex, const QString &value);
     void remove(quint16 index);
     void remove(quint16 index, quint8 subindex);
-    void setObjectType(quint16 index, quint32 type);
-    void setObjectName(quint16 index, const QString &name);
+    void setObjectType(quint16 index, quint32 type)
+    {
+        editObject(index, [=](auto &data) { data.objecttype = type; });
+    }
+    void setObjectName(quint16 index, const QString &name)
+    {
+        editObject(index, [=](auto &data) { data.name = name; });
+    }
+    void editObject(quint16 index,
+                    const std::function<void(ObjectDataBase::INDEX_DATA_T &)> &change);
     /// Another line with the content of line 0.
     void addLine(quint8 line, int type);
     /// A PDO: communication object with a COB-ID, and mapping entries.
@@ -48,10 +57,13 @@ public:
 
     /// A run over these lines: fills the caches, makes all passes and gives the sum of errors.
     int check(const QList<quint8> &lines = {0});
+    /// What the last run found and did not withhold: identifier and arguments parted by blanks,
+    /// findings by "; ". Their texts stand in the documentation, which a test compares.
+    QString said;
 
     ObjectDataBase database;
     ModelChecker checker;
-    QStringList messages;
+    QStringList messages; ///< the texts of all runs
     bool changed = false;
     QTemporaryDir folder; ///< the project's; holds the folder "stack"
 };
@@ -77,4 +89,24 @@ inline auto implementation(quint8 kind, const char *varname = "")
         sub.varname = QLatin1String(varname);
     };
 }
+inline auto inEds(quint8 choice)
+{
+    return [choice](Sub &sub) { sub.writedefaulttoeds = choice; };
+}
 } // namespace Make
+
+// Changes of several kinds of case.
+
+[[nodiscard]] Change settings(const QList<std::pair<const char *, const char *>> &pairs);
+[[nodiscard]] Change removed(const QList<quint16> &indices);
+[[nodiscard]] Change values(const QList<std::tuple<quint16, quint8, const char *>> &list);
+[[nodiscard]] Change edited(quint16 index, quint8 subindex,
+                            const std::function<void(TestProject::Sub &)> &change);
+/// A new variable, entry, or list of these entries, of UNSIGNED32.
+[[nodiscard]] Change variable(quint16 index, const char *value);
+[[nodiscard]] Change entry(quint16 index, quint8 subindex, const char *value);
+[[nodiscard]] Change list(quint16 index, const QStringList &entries);
+/// Both, one after the other.
+[[nodiscard]] Change operator+(const Change &first, const Change &second);
+/// CAN FD with the device type that it wants.
+void canFd(TestProject &project);

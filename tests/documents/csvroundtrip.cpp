@@ -275,8 +275,15 @@ void TestCsvImport::existingObjects()
     QVERIFY(lines.contains("2000 7 3 'Level {$I}' ''"));
     QVERIFY(lines.contains("  0: 'Level' 'rwr' '7' '-10' '10' 'level$i' 'TPDO' '3' '0' '2' '0' '0' "
                            "'1' '' '1'"));
+    // Limits of another type would mean nothing.
+    QCOMPARE(import("index,sub,datatype\n0x2000,0,UNSIGNED8\n"), QStringList());
+    Entry level;
+    QVERIFY(m_project->store().getSubIndexData(0, 0x2000, 0, level));
+    QCOMPARE(level.lowlimit + '-' + level.uplimit, "0-255");
     // A record that is stated to be a variable has no other subindices any more.
-    QCOMPARE(import("index,objectcode\n0x1018,VARIABLE\n"), QStringList());
+    QCOMPARE(import("index,objectcode\n0x1018,VARIABLE\n"),
+             QStringList("in.csv: Arrays or records have become variables; subindices that went "
+                         "with that: 1."));
     QCOMPARE(m_project->store().getSubIndices(0, 0x1018), QList<quint8>({0}));
 }
 
@@ -367,7 +374,7 @@ void TestCsvImport::messages()
              QStringList({"in.csv:2: The index 'x' can't be read; the row is passed over.",
                           "in.csv:3: The sub-index '256' can't be read; the row is passed over.",
                           "in.csv:4: The object code 'SHAPE' is unknown.",
-                          "in.csv:4: The data type 'THING' is unknown.",
+                          "in.csv:4: The data type 'THING' is unknown; it becomes UNSIGNED8.",
                           "in.csv:4: The implementation 'magic' is unknown.",
                           "in.csv:4: The size 'big' can't be read.",
                           "in.csv:5: The delete command can't be read; it is passed over.",

@@ -9,8 +9,8 @@ EdsReading::EdsReading(const QByteArray &text)
     QObject::connect(&parser, &EdsParser::newSubIndex,
                      [this](const CANopenSubindex &record) { entries.append(record); });
     loaded = parser.LoadEdsContent(text, QStringLiteral("a.eds"));
-    error = parser.errorString();
-    messages = parser.messages();
+    error = parser.result().error();
+    messages = parser.result().texts();
 }
 
 CANopen::CANopenIndex EdsReading::object(quint16 index) const

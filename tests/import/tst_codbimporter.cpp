@@ -297,7 +297,7 @@ void TestCodbImporter::faultyLinesAreToldAndPassedOver()
 
     import.run("2004::Odd:optional::VAR:m:NUMBER\n2005:01:Odd:optional::VAR:m:BOOLEAN:m:rx\n");
     QCOMPARE(import.messages.size(), 2);
-    QVERIFY(import.messages.at(0).endsWith(u":1: 'NUMBER' is no data type"_s));
+    QVERIFY(import.messages.at(0).endsWith(u":1: 'NUMBER' is no data type; it becomes 0"_s));
     QVERIFY(import.messages.at(1).endsWith(u":2: 'rx' is no access type"_s));
 
     // Latin-1, as older files have it, and any other bytes.

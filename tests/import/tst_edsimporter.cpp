@@ -187,6 +187,23 @@ void joinVariableDescriptions(ObjectDataBase &store)
     }
 }
 
+QByteArray replaced(QByteArray text, const char *before, const char *after)
+{
+    return text.replace(before, after);
+}
+
+/// A project with the settings that the model check asks of every one.
+Store checkableStore()
+{
+    Store store = ImportSupport::newStore();
+    const std::pair<const char *, const char *> settings[] = {
+        {"co_node_id", "32"},        {"co_timer_interval", "1000"}, {"limit_check", "1"},
+        {"receivebuffersize", "20"}, {"transmitbuffersize", "20"},  {"line0type", "1"}};
+    for (const auto &[key, value] : settings)
+        store->setGeneralSetting(QLatin1String(key), QLatin1String(value));
+    return store;
+}
+
 QStringList errorsOf(ObjectDataBase &store)
 {
     QStringList errors;
@@ -314,6 +331,71 @@ private slots:
                  qPrintable(errors.join(u'\n')));
     }
 
+    /// PDO mappings as device files of the market write them.
+    void mappingsPassTheCheck_data()
+    {
+        QTest::addColumn<QByteArray>("device");
+        QTest::addColumn<QByteArray>("mapping");
+        QTest::addColumn<QString>("count"); // access and value of subindex 0, number of subindices
+        QTest::addColumn<QString>("cobId");
+        QTest::addColumn<QString>("granularity");
+        const QByteArray compact =
+            "DataType=7\nAccessType=rw\nCompactSubObj=2\n[1600Value]\n1=0x20000010\n";
+        const QByteArray full = compact + "2=0x20000010\n";
+        const QString cobId = u"$NODEID+0x200"_s;
+        QTest::newRow("dynamic") << QByteArray("Granularity=8\n") << full << u"rw 2 3"_s << cobId
+                                 << u"8"_s;
+        QTest::newRow("static") << QByteArray() << replaced(full, "rw", "const") << u"const 2 3"_s
+                                << cobId << u"0"_s;
+        QTest::newRow("granularity 0")
+            << QByteArray("Granularity=0x0\n") << full << u"rw 2 3"_s << cobId << u"8"_s;
+        QTest::newRow("in part") << QByteArray("Granularity=0x08\n") << compact << u"rw 1 3"_s
+                                 << cobId << u"8"_s;
+        QTest::newRow("in part, static")
+            << QByteArray() << replaced(compact, "rw", "ro") << u"ro 1 2"_s << cobId << u"0"_s;
+        QTest::newRow("structure as type")
+            << QByteArray() << replaced(full, "DataType=7", "DataType=0x21") << u"rw 2 3"_s << cobId
+            << u"8"_s;
+        QTest::newRow("nothing mapped") << QByteArray() << replaced(compact, "1=", "; ")
+                                        << u"rw 0 3"_s << u"$NODEID+0x80000200"_s << u"8"_s;
+        QTest::newRow("no subindex 0")
+            << QByteArray()
+            << QByteArray("[1600sub1]\nParameterName=Entry\nDataType=7\nAccessType=rw\n"
+                          "DefaultValue=0x20000010\n")
+            << u"rw 1 2"_s << cobId << u"8"_s;
+        QTest::newRow("completed")
+            << QByteArray("NrOfTXPDO=2\nNrOfRXPDO=1\n") << full << u"rw 2 3"_s << cobId << u"8"_s;
+    }
+
+    void mappingsPassTheCheck()
+    {
+        QFETCH(QByteArray, device);
+        QFETCH(QByteArray, mapping);
+        const QTemporaryDir folder;
+        const Store store = checkableStore();
+        EDSImporter importer;
+        ImportSupport::run(
+            importer, *store,
+            ImportSupport::write(
+                folder, u"a.eds"_s,
+                "[DeviceInfo]\n" + device +
+                    "[2000]\nParameterName=Speed\nObjectType=7\nDataType=6\nAccessType=rww\n"
+                    "PDOMapping=1\n[1400]\nParameterName=PDO\nObjectType=9\n[1400sub1]\n"
+                    "ParameterName=COB-ID\nDataType=7\nAccessType=rw\n"
+                    "DefaultValue=$NODEID+0x200\n[1400sub2]\nParameterName=Type\nDataType=5\n"
+                    "AccessType=rw\nDefaultValue=255\n[1600]\nParameterName=Mapping\n"
+                    "ObjectType=9\n" +
+                    mapping));
+        const QStringList errors = errorsOf(*store).filter(QRegularExpression(u"PDO|apping"_s));
+        QCOMPARE(errors.join(u'\n'), QString());
+        const Entry count = ImportSupport::entry(*store, 0x1600);
+        QTEST(count.accesstype + u' ' + count.defaultvalue + u' ' +
+                  QString::number(store->getSubIndices(0, 0x1600).size()),
+              "count");
+        QTEST(ImportSupport::entry(*store, 0x1400, 1).defaultvalue, "cobId");
+        QTEST(store->getDescriptionSetting(u"Granularity"_s), "granularity");
+    }
+
     void compactObjects_data()
     {
         QTest::addColumn<QByteArray>("code");
@@ -404,6 +486,7 @@ private slots:
         ImportSupport::run(importer, *store,
                            ImportSupport::write(folder, u"a.eds"_s, variableFile));
         QCOMPARE(store->getSubIndices(0, 0x2000), QList<quint8>{0});
+        QVERIFY(importer.messages().last().contains(u"went with that: 2."_s));
         QCOMPARE(ImportSupport::entry(*store, 0x2000).defaultvalue, u"5"_s);
     }
 
@@ -443,7 +526,7 @@ private slots:
         const Store store = ImportSupport::newStore();
         const QString before = store->contentHash();
         EDSImporter importer;
-        QObject::connect(&importer, &BaseDataImporter::newIndex, [&] { importer.cancel(); });
+        QObject::connect(&importer, &DictionaryImporter::newIndex, [&] { importer.cancel(); });
         ImportSupport::run(importer, *store,
                            QStringLiteral(QUILLFORGE_SOURCE_DIR "/tests/import/device.eds"));
         QVERIFY(importer.errorString().contains(u"stopped"_s));
@@ -453,13 +536,7 @@ private slots:
     /// A file as devices bring it: with node-ID, signed hexadecimal limits, strings, empty limits.
     void realShapePassesTheCheck()
     {
-        const QTemporaryDir folder;
-        const Store store = ImportSupport::newStore();
-        const std::pair<const char *, const char *> settings[] = {
-            {"co_node_id", "32"},        {"co_timer_interval", "1000"}, {"limit_check", "1"},
-            {"receivebuffersize", "20"}, {"transmitbuffersize", "20"},  {"line0type", "1"}};
-        for (const auto &[key, value] : settings)
-            QVERIFY(store->setGeneralSetting(QLatin1String(key), QLatin1String(value)));
+        const Store store = checkableStore();
         EDSImporter importer;
         ImportSupport::run(importer, *store,
                            QStringLiteral(QUILLFORGE_SOURCE_DIR "/tests/import/device.eds"));

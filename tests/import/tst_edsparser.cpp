@@ -183,6 +183,14 @@ private slots:
             << u"a.eds: The file has no lists of its objects."_s << 3 << 4;
         QTest::newRow("count of subindices") << changed("SubNumber=2", "SubNumber=9")
                                              << u"SubNumber is 9, but the file has 2"_s << 3 << 4;
+        QTest::newRow("count that is none") << changed("SubNumber=2", "SubNumber=two")
+                                            << u"SubNumber: 'two' is no number"_s << 3 << 4;
+        QTest::newRow("no name of a subindex")
+            << changed("ParameterName=Vendor-ID", "ParameterName=")
+            << u"a.eds:36: 0x1018sub1 has no name."_s << 3 << 4;
+        QTest::newRow("device data twice")
+            << plainFile + "[deviceinfo]\nVendorName=Other\nOrderCode=7\n"
+            << u"a.eds:53: The section [deviceinfo] stands a second time and is joined"_s << 3 << 4;
         QTest::newRow("object twice")
             << plainFile + "[2000]\nParameterName=Other\n"
             << u"a.eds:53: The section [2000] stands a second time"_s << 3 << 4;
@@ -211,8 +219,9 @@ private slots:
             << 4;
         QTest::newRow("no data type")
             << changed("DataType=0x0003\n", "") << u"0x2000 has no data type"_s << 3 << 4;
-        QTest::newRow("structure as type") << changed("DataType=0x0003", "DataType=0x20")
-                                           << u"the data type '0x20' is not supported"_s << 3 << 4;
+        QTest::newRow("structure as type")
+            << changed("DataType=0x0003", "DataType=0x20")
+            << u"the data type '0x20' is not supported; it becomes 0"_s << 3 << 4;
         QTest::newRow("type number of signals")
             << changed("DataType=0x0003", "DataType=100") << u"'100' is not supported"_s << 3 << 4;
         QTest::newRow("access type") << changed("AccessType=rww", "AccessType=maybe")
@@ -246,6 +255,11 @@ private slots:
         QCOMPARE(reading.object(0x1018).objectCode, quint8(9));
         QVERIFY(reading.entry(0x1018, 0).hasDefaultValue);
         QCOMPARE(reading.object(0x2000).name, u"Speed"_s);
+        QVERIFY(!reading.entry(0x1018, 1).name.isEmpty());
+        QVERIFY(!reading.tells(u"SubNumber is 0"_s));
+        QCOMPARE(reading.parser.deviceValue(u"DeviceInfo"_s, u"VendorName"_s), u"Nobody, Inc."_s);
+        QCOMPARE(reading.parser.deviceValue(u"DeviceInfo"_s, u"OrderCode"_s).isEmpty(),
+                 !message.contains(u"joined"_s));
     }
 
     void readsValues_data()
@@ -425,12 +439,12 @@ private slots:
         const QTemporaryDir folder;
         EdsParser parser;
         QVERIFY(!parser.LoadEds(folder.filePath(u"none.eds"_s)));
-        QVERIFY(parser.errorString().contains(u"can't be opened"_s));
+        QVERIFY(parser.result().error().contains(u"can't be opened"_s));
         QVERIFY(!parser.LoadEds(folder.path()));
         QFile large(folder.filePath(u"large.eds"_s));
         QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(200 * 1024 * 1024));
         QVERIFY(!parser.LoadEds(large.fileName()));
-        QVERIFY(parser.errorString().contains(u"larger than 64 MB"_s));
+        QVERIFY(parser.result().error().contains(u"larger than 64 MB"_s));
         QVERIFY(!parser.LoadEds(u"/dev/zero"_s));
     }
 

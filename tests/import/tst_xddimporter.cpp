@@ -54,8 +54,9 @@ private slots:
                          "<CANopenFDDataElement subIndex=\"00\" dataType=\"05\"/>"
                          "</CANopenFDDataObject>")));
         QCOMPARE(importer.errorString(), QString());
-        QCOMPARE(importer.messages().size(), 1);
-        QVERIFY(importer.messages().first().contains(u"a.xdd:3: The object index 'xyz'"_s));
+        QCOMPARE(importer.messages().size(), 2);
+        QVERIFY(importer.messages().first().contains(u"a.xdd:3: 0x2001 has no name."_s));
+        QVERIFY(importer.messages().last().contains(u"a.xdd:3: The object index 'xyz'"_s));
         QCOMPARE(store->getDescriptionSetting(u"ProductName"_s), u"Node"_s);
         QCOMPARE(store->getIndices(0), (QList<quint16>{0x2000, 0x2001}));
         const auto speed = ImportSupport::object(*store, 0x2000);

@@ -140,6 +140,11 @@ void TestFileImportDialog::remembersFileAndRange()
         path = session.write(u"a.csv"_s, table);
         session.read(path, u"0x2000"_s, u"0x2FFF"_s);
         QCOMPARE(session.shown(), (QStringList{u"0x2000 - Motor"_s, u"0x2001 - Pump"_s}));
+        // What is listed is of the file that stands above it.
+        session.get<QComboBox>("cbFile")->setEditText(path + u'x');
+        QCOMPARE(session.shown(), QStringList());
+        QCOMPARE(session.text("lblObjects"), QString());
+        QVERIFY(!session.get<QPushButton>("btnImport")->isEnabled());
     }
     QCOMPARE(UserSettings::general(u"importpath"_s).toString(), path);
     const Session again;
@@ -152,7 +157,7 @@ void TestFileImportDialog::offersProfilesAndFiles()
 {
     const Session session;
     auto *files = session.get<QComboBox>("cbFile");
-    const int profile = files->findText(u"v401.codb"_s);
+    const int profile = files->findText(u"CiA 401 - I/O modules"_s);
     QVERIFY(profile >= 0);
     files->setCurrentIndex(profile);
     QVERIFY(session.get<QCheckBox>("chkObjectCopies")->isEnabled());
