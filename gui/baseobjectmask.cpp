@@ -12,13 +12,13 @@ bool BaseObjectMask::setDatabase(const std::shared_ptr<ObjectDataBase> &database
 {
     if (database == nullptr)
         return false;
-    m_database = database;
+    m_context.project = database;
     return true;
 }
 
 bool BaseObjectMask::confirmOverwrite(quint8 line, quint16 objectIndex)
 {
-    if (m_database == nullptr || !m_database->indexExists(line, objectIndex))
+    if (database() == nullptr || !database()->indexExists(line, objectIndex))
         return true;
     const int answer = GuiHelper::showMessageBox(
         this, {.title = QCoreApplication::applicationName(),

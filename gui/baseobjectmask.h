@@ -32,5 +32,4 @@ public slots:
 protected:
     quint16 index = 0;
     bool serviceMode = false;
-    bool m_expert = false;
 };

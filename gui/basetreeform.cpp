@@ -24,6 +24,16 @@ bool isOffered(quint16 type, bool withBits)
 
 BaseTreeForm::BaseTreeForm(QWidget *parent) : QWidget(parent) {}
 
+void BaseTreeForm::open(const FormContext &context, const Place &place)
+{
+    m_context = context;
+    m_line = place.line;
+    m_index = place.index;
+    m_subindex = place.subindex;
+    m_canEdit = place.canEdit;
+    m_expert = place.expert;
+}
+
 bool BaseTreeForm::selectComboItem(QComboBox &comboBox, const QVariant &data)
 {
     for (int row = 0; row < comboBox.count(); ++row) {
