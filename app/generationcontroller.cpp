@@ -11,12 +11,12 @@
 #include "store/edition.h"
 #include "store/objectdatabase.h"
 #include "store/projectsettings.h"
+#include "store/storeguards.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 
 #include <QApplication>
 #include <QProgressDialog>
-#include <QSignalBlocker>
 
 namespace {
 
@@ -84,7 +84,7 @@ void GenerationController::generate()
     m_generator->setProject(session.sharedStore(), session.folder(), session.baseName());
 
     const UndoManager::Suspension suspension(session.undo());
-    const QSignalBlocker blocker(session.store());
+    const StoreSilence silence(session.store());
     m_generator->generate(ignoreErrors);
 }
 

@@ -10,12 +10,12 @@
 #include "session/projectlines.h"
 #include "session/projectsession.h"
 #include "store/projectsettings.h"
+#include "store/storeguards.h"
 #include "store/undomanager.h"
 #include "store/usersettings.h"
 
 #include <QDir>
 #include <QPointer>
-#include <QSignalBlocker>
 
 namespace {
 
@@ -150,7 +150,7 @@ void ImportController::exportDocument(DocumentExport::Kind kind)
     {
         const WaitCursor cursor;
         const UndoManager::Suspension suspension(session.undo());
-        const QSignalBlocker blocker(session.store());
+        const StoreSilence silence(session.store());
         error = DocumentExport::write(
             kind, {&session.store(), m_context.currentLine(), session.baseName(), path});
     }

@@ -1,6 +1,8 @@
 #include "app/latestart.h"
 
 #include "app/vxmmainwindow.h"
+#include "canopen/j1939numbers.h"
+#include "import/basedataimporter.h"
 #include "import/dictionaryimporter.h"
 #include "import/fileimportformat.h"
 #include "import/importhandler.h"
@@ -20,8 +22,6 @@
 
 namespace {
 
-constexpr quint8 lastCopiedLine = 31;
-constexpr quint32 highestPgn = 0x3FFFF;
 constexpr quint32 firstImported = 0x1000;
 constexpr quint32 lastImported = 0xBFFF;
 
@@ -75,8 +75,10 @@ void copyForeignPgns(VxmMainWindow &window)
     }
     ObjectDataBase &target = window.database();
     for (const quint8 line : target.getLines()) {
-        if (line <= lastCopiedLine && source.lineExists(line))
-            ObjectDataBase::copyPGNs(target, source, line, line, highestPgn);
+        if (line < LineType::maximumLines && source.lineExists(line) &&
+            !ObjectDataBase::copyPGNs(target, source, line, line, J1939::highestPgn))
+            std::fprintf(stderr, "The PGNs of line %d of %s could not be copied.\n", line,
+                         qUtf8Printable(*path));
     }
     runEventsFor(200);
 }

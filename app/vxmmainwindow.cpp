@@ -16,6 +16,7 @@
 #include "gui/editionicon.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
+#include "odeditor/objectdictionaryform.h"
 #include "session/projectlines.h"
 #include "store/projectsettings.h"
 #include "store/undomanager.h"
@@ -87,6 +88,7 @@ VxmMainWindow::VxmMainWindow(const StartOptions &options, QWidget *parent)
     connectControllers();
     connectMenus();
     connectOutputPage();
+    connectDictionaryPage();
     makeExpertMode();
     WindowGeometry::restore(*this);
 
@@ -130,6 +132,8 @@ void VxmMainWindow::makePages()
                 &BaseMainForm::handleExpertMode);
         if (m_outputForm == nullptr)
             m_outputForm = qobject_cast<GeneratorOutputForm *>(page.form);
+        if (m_dictionaryForm == nullptr)
+            m_dictionaryForm = qobject_cast<ObjectDictionaryForm *>(page.form);
         m_pages.append(page);
     }
 }
@@ -211,6 +215,14 @@ void VxmMainWindow::connectMenus()
     }
 }
 
+void VxmMainWindow::connectDictionaryPage()
+{
+    connect(m_dictionaryForm, &ObjectDictionaryForm::importWanted, this,
+            &VxmMainWindow::on_action_Import_File_triggered);
+    connect(this, &VxmMainWindow::standardObjectsReady, m_dictionaryForm,
+            &ObjectDictionaryForm::libraryChanged);
+}
+
 /// Actions that carry a path open it.
 void VxmMainWindow::connectOpeners(QMenu &menu)
 {
@@ -250,6 +262,12 @@ void VxmMainWindow::setLibraryDatabase(const std::shared_ptr<ObjectDataBase> &da
 {
     m_imports->setLibrary(database);
     m_lines->setLibrary(database.get());
+    for (const Page &page : std::as_const(m_pages)) {
+        page.form->setContext({.project = nullptr,
+                               .library = database,
+                               .undo = &m_session->undo(),
+                               .navigator = this});
+    }
 }
 
 void VxmMainWindow::loadLibrary(const QString &profile)
@@ -313,8 +331,9 @@ void VxmMainWindow::fillToolBox(const QList<Page> &pages, const PageContext &con
     // The box puts each page into a frame that scrolls, and that shows nothing of having the focus.
     for (auto *frame : ui->toolBox->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly))
         frame->setFocusPolicy(Qt::NoFocus);
-    const int kept = former != nullptr ? ui->toolBox->indexOf(former) : -1;
-    ui->toolBox->setCurrentIndex(kept >= 0 ? kept : 0);
+    // The start page stands on the page of the output.
+    QWidget *wanted = former != nullptr ? former : m_outputForm;
+    ui->toolBox->setCurrentIndex(std::max(0, ui->toolBox->indexOf(wanted)));
     setCurrentPage(qobject_cast<BaseMainForm *>(ui->toolBox->currentWidget()));
 }
 
@@ -502,24 +521,25 @@ void VxmMainWindow::reloadPages()
 }
 
 /// Brings the line and its object dictionary to the front.
-void VxmMainWindow::showDictionaryPage(quint8 line, const QString &what)
+bool VxmMainWindow::showDictionaryPage(quint8 line, const QString &what)
 {
     if (m_busy)
-        return;
+        return false;
     if (!ProjectLines::of(database()).contains(line)) {
         showStatus(tr("The project has no line %1.").arg(line), 0);
-        return;
+        return false;
     }
     if (line != m_line) {
         storePendingInput();
         selectLine(line);
     }
-    for (const Page &page : std::as_const(m_pages)) {
-        if (page.factory->title == QLatin1String("CANopen Object Dictionary") &&
-            ui->toolBox->indexOf(page.form) >= 0)
-            ui->toolBox->setCurrentWidget(page.form);
+    if (ui->toolBox->indexOf(m_dictionaryForm) < 0) {
+        showStatus(tr("Line %1 has no CANopen object dictionary.").arg(line), 0);
+        return false;
     }
+    ui->toolBox->setCurrentWidget(m_dictionaryForm);
     showStatus(tr("%1 of line %2").arg(what).arg(line), 0);
+    return true;
 }
 
 void VxmMainWindow::bringOntoScreen()

@@ -3,6 +3,7 @@
 #include "app/startoptions.h"
 #include "app/windowcontext.h"
 #include "generation/generatormainhandler.h"
+#include "gui/formcontext.h"
 #include "store/objectdatabase.h"
 
 #include <QList>
@@ -20,6 +21,7 @@ class HelpController;
 class ImportController;
 class LineBox;
 class LineController;
+class ObjectDictionaryForm;
 class ProjectController;
 class UndoController;
 struct PageContext;
@@ -34,7 +36,7 @@ class VxmMainWindow;
 ///
 /// Whether the project is modified is kept nowhere but in the font of the path label: italic
 /// means modified. Project and library store are shared with the caller.
-class VxmMainWindow : public QMainWindow, public WindowContext
+class VxmMainWindow : public QMainWindow, public WindowContext, public FormNavigator
 {
     Q_OBJECT
 
@@ -56,6 +58,14 @@ public:
     [[nodiscard]] ProjectSession &session() const override { return *m_session; }
     [[nodiscard]] const StartOptions &options() const override { return m_options; }
     [[nodiscard]] quint8 currentLine() const override { return m_line; }
+    // What forms ask for.
+    void gotoIndex(quint8 line, quint16 index) override { handleGotoIndex(line, index); }
+    void gotoSubIndex(quint8 line, quint16 index, quint8 subindex) override
+    {
+        handleGoToSubindex(line, index, subindex);
+    }
+    void tell(const QString &text) override { showStatus(text); }
+
     void selectLine(quint8 line, bool blockSignal = false) override;
     void storePendingInput() override;
     [[nodiscard]] bool isBusy() const override { return m_busy; }
@@ -182,7 +192,8 @@ private:
     [[nodiscard]] bool showsPages(const QList<Page> &pages, const PageContext &context) const;
     void setCurrentPage(BaseMainForm *page);
     void reloadPages();
-    void showDictionaryPage(quint8 line, const QString &what);
+    bool showDictionaryPage(quint8 line, const QString &what);
+    void connectDictionaryPage();
     void refreshLines();
     void showFileOfProject();
     void connectOutputPage();
@@ -195,6 +206,7 @@ private:
     QList<Page> m_pages;
     QPointer<BaseMainForm> m_currentPage;
     GeneratorOutputForm *m_outputForm = nullptr;
+    ObjectDictionaryForm *m_dictionaryForm = nullptr;
     LineBox *m_lineBox = nullptr;     ///< child of the box
     QList<QAction *> m_pausedActions; ///< actions that a run has disabled
     QTimer m_refreshTimer;

@@ -13,6 +13,7 @@
 #include "app/windowgeometry.h"
 #include "canopen/indextext.h"
 #include "gui/guihelper.h"
+#include "odeditor/objectdictionaryform.h"
 #include "resources/codb/standardprofiles.h"
 #include "ui_vxmmainwindow.h"
 
@@ -86,6 +87,8 @@ void VxmMainWindow::finishOpenProcedure()
 {
     setActionEnabled("action_Import_File", true);
     showStatus(QStringLiteral("%1 is open.").arg(projectBaseName()));
+    if (isVisible() && m_currentPage == m_outputForm && ui->toolBox->indexOf(m_dictionaryForm) >= 0)
+        ui->toolBox->setCurrentWidget(m_dictionaryForm);
     if (isVisible() && m_currentPage != nullptr)
         m_currentPage->setFocus(Qt::OtherFocusReason);
 }
@@ -249,12 +252,15 @@ void VxmMainWindow::handleCheckError(QString errorString)
 
 void VxmMainWindow::handleGotoIndex(quint8 line, quint16 index)
 {
-    showDictionaryPage(line, objectText(index));
+    if (showDictionaryPage(line, objectText(index)))
+        m_dictionaryForm->gotoIndex(index);
 }
 
 void VxmMainWindow::handleGoToSubindex(quint8 line, quint16 index, quint8 subindex)
 {
-    showDictionaryPage(line, objectText(index) + QLatin1Char('-') + IndexText::subHex(subindex));
+    const QString what = objectText(index) + QLatin1Char('-') + IndexText::subHex(subindex);
+    if (showDictionaryPage(line, what))
+        m_dictionaryForm->gotoSubIndex(index, subindex);
 }
 
 void VxmMainWindow::searchRequestSlot(const QString &searchString)

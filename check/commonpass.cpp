@@ -43,7 +43,7 @@ bool isMultiProtocol(const CheckContext &context)
     bool hasOther = false;
     const QList<quint8> lines = context.lines();
     for (const quint8 line : lines) {
-        const LineType &type = LineType::of(context.database.getLineType(line));
+        const LineType &type = context.database.lineType(line);
         hasCANopen |= type.hasCANopen && !type.hasJ1939;
         hasOther |= type.hasJ1939 || type.hasRawCan;
     }

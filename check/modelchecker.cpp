@@ -81,7 +81,7 @@ int ModelChecker::runLinePasses(const LineType &type, quint8 line, ObjectDataBas
                                .changed = changed};
     if (type.number == LineType::Unknown)
         m_sink.report(CommonMessage::LineTypeMissing, {QString::number(line)},
-                      {.line = line, .field = QStringLiteral("line%1type").arg(line)});
+                      {.line = line, .field = LineType::settingKey(line)});
     for (std::size_t i = 0; i < std::size(passRows); ++i)
         if (passRows[i].protocol != nullptr && type.*(passRows[i].protocol))
             m_passes[i]->checkLine(context, line);

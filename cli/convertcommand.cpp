@@ -54,13 +54,6 @@ constexpr LeftOut leftOutTables[] = {
     {"LockedPDOs", false, "locked PDOs"},
 };
 
-int rowCount(ObjectDataBase &store, const QString &table)
-{
-    if (!store.executeSql(QStringLiteral("select count(*) from \"%1\"").arg(table)))
-        return 0;
-    return store.statementResults().value(0).section(u' ', 0, 0).toInt();
-}
-
 /// What the text form of a project will lack.
 QStringList leftOutContent(ObjectDataBase &store)
 {
@@ -70,9 +63,9 @@ QStringList leftOutContent(ObjectDataBase &store)
         const QString table = QLatin1String(entry.table);
         if (entry.isOfLine) {
             for (const quint8 line : store.getLines())
-                rows += rowCount(store, table + QString::number(line));
+                rows += store.rowCount(table + QString::number(line));
         } else {
-            rows = rowCount(store, table);
+            rows = store.rowCount(table);
         }
         if (rows != 0)
             result.append(QStringLiteral("%1 (%2)").arg(QLatin1String(entry.content)).arg(rows));

@@ -4,11 +4,8 @@
 #include "compare/recordproperties.h"
 #include "compare/settingscomparison.h"
 
-#include <QHash>
-
 #include <algorithm>
 #include <array>
-#include <functional>
 #include <utility>
 
 namespace {
@@ -124,50 +121,6 @@ private:
     quint8 m_line;
 };
 
-/// The same for the signals of J1939 messages.
-class CachedSignals
-{
-public:
-    CachedSignals(Store &current, Store &other, quint8 line) : m_stores{&current, &other}
-    {
-        for (Store *store : m_stores) {
-            if (store->lineExists(line))
-                store->loadSPNCache(line);
-        }
-    }
-    ~CachedSignals()
-    {
-        for (Store *store : m_stores)
-            store->clearSPNCache();
-    }
-    CachedSignals(const CachedSignals &) = delete;
-    CachedSignals &operator=(const CachedSignals &) = delete;
-
-private:
-    std::array<Store *, 2> m_stores;
-};
-
-/// The data elements of each message of a line as one text a message, by "<CAN-ID> <direction>".
-/// The store gives elements message by message only, which searches all of them each time; these
-/// texts tell in one pass which messages are worth that.
-QHash<QString, QString> elementTexts(Store &store, quint8 line)
-{
-    QHash<QString, QString> result;
-    if (!store.lineExists(line) ||
-        !store.executeSql(
-            QStringLiteral("select printf('%d %d/%d %d %d %d %d %d %Q %Q %Q %Q', e.canid, "
-                           "e.direction, e.number, e.datatype, e.implementation, e.pos, e.bitsize, "
-                           "e.bitpos, e.varname, e.defaultvalue, n.string, d.string) "
-                           "from DataElements%1 e left join Strings n on n.id = e.name "
-                           "left join Strings d on d.id = e.desc "
-                           "order by e.canid, e.direction, e.number")
-                .arg(line)))
-        return result;
-    for (const QString &element : store.statementResults())
-        result[element.section(u'/', 0, 0)] += element;
-    return result;
-}
-
 template <typename Numbers>
 QList<quint32> sorted(const Numbers &numbers)
 {
@@ -204,11 +157,8 @@ template <typename Group>
 class GroupComparison
 {
 public:
-    /// Whether all parts of an item that both have are known to be equal.
-    using Shortcut = std::function<bool(const DiffItem &)>;
-
-    GroupComparison(Store &current, Store &other, bool internal, Shortcut shortcut = {})
-        : m_current(current), m_other(other), m_internal(internal), m_shortcut(std::move(shortcut))
+    GroupComparison(Store &current, Store &other, bool internal)
+        : m_current(current), m_other(other), m_internal(internal)
     {
     }
 
@@ -284,10 +234,8 @@ private:
         compareRecords<typename Group::Record>(item, Group::read, "unnamed object");
         if (item.state == DiffState::Current || item.state == DiffState::Other)
             return;
-        if (!m_shortcut || !m_shortcut(item)) {
-            for (const DiffItem &part : parts(item))
-                item.differences += part.differences;
-        }
+        for (const DiffItem &part : parts(item))
+            item.differences += part.differences;
         if (item.differences != 0)
             item.state = DiffState::Different;
     }
@@ -311,7 +259,6 @@ private:
     Store &m_current;
     Store &m_other;
     bool m_internal;
-    Shortcut m_shortcut;
 };
 
 /// Calls `run` with the comparison of the item's group.
@@ -404,7 +351,6 @@ const QList<DiffItem> &ProjectComparison::pgns(quint8 line, quint8 direction)
 {
     QMap<quint8, QList<DiffItem>> &kept = m_lines[line].pgns;
     if (!kept.contains(direction)) {
-        const CachedSignals cache(m_current, m_other, line);
         kept.insert(direction,
                     GroupComparison<Pgns>(m_current, m_other, m_internal).items(line, direction));
     }
@@ -415,14 +361,8 @@ const QList<DiffItem> &ProjectComparison::canIds(quint8 line, quint8 direction)
 {
     QMap<quint8, QList<DiffItem>> &kept = m_lines[line].canIds;
     if (!kept.contains(direction)) {
-        const QHash<QString, QString> here = elementTexts(m_current, line);
-        const QHash<QString, QString> there = elementTexts(m_other, line);
-        const auto areEqual = [&](const DiffItem &item) {
-            const QString key = QStringLiteral("%1 %2").arg(item.number).arg(item.direction);
-            return here.value(key) == there.value(key);
-        };
-        kept.insert(direction, GroupComparison<CanIds>(m_current, m_other, m_internal, areEqual)
-                                   .items(line, direction));
+        kept.insert(direction,
+                    GroupComparison<CanIds>(m_current, m_other, m_internal).items(line, direction));
     }
     return kept[direction];
 }

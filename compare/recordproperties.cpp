@@ -1,6 +1,7 @@
 #include "compare/recordproperties.h"
 
 #include "canopen/cohelper.h"
+#include "store/recordcolumns.h"
 
 #include <type_traits>
 
@@ -212,6 +213,20 @@ constexpr Property<Node> nodeProperties[] = {
     property<&Node::multilinedata>("multilinedata"),
     property<&Node::lssslave, number>("lssslave"),
 };
+
+/// Every column that isn't part of a key is compared; metadata are told by key.
+template <typename Record, size_t count>
+constexpr bool isComplete(const Property<Record> (&)[count])
+{
+    return count == RecordColumns::comparedColumns<Record>;
+}
+static_assert(isComplete(objectProperties));
+static_assert(isComplete(subIndexProperties));
+static_assert(isComplete(pgnProperties));
+static_assert(isComplete(spnProperties));
+static_assert(isComplete(canIdProperties));
+static_assert(isComplete(elementProperties));
+static_assert(isComplete(nodeProperties));
 
 } // namespace
 

@@ -16,16 +16,6 @@ using Table = SettingDifference::Table;
 
 // --- tables of keys and values ------------------------------------------------------------------
 
-QStringList miscKeys(ObjectDataBase &store)
-{
-    QStringList keys;
-    if (store.executeSql(QStringLiteral("select item from MiscSettings")))
-        keys = store.statementResults();
-    for (QString &key : keys)
-        key.chop(3); // a row's values end in " | "
-    return keys;
-}
-
 /// The accessors of description settings add the suffix of the line that they are set to. Line 0
 /// has none, so that every key is reached by its full name.
 template <typename Access>
@@ -89,7 +79,7 @@ constexpr std::array keyTables{
              valueBy<&Store::getEnergyBusSetting>, writeEnergyBus},
     KeyTable{Table::J1939, keysBy<&Store::getJ1939SettingKeys>, valueBy<&Store::getJ1939Setting>,
              writeBy<&Store::setJ1939Setting>},
-    KeyTable{Table::Misc, miscKeys, valueBy<&Store::getMiscSetting>,
+    KeyTable{Table::Misc, keysBy<&Store::getMiscSettingKeys>, valueBy<&Store::getMiscSetting>,
              writeBy<&Store::setMiscSetting>},
 };
 
@@ -120,7 +110,7 @@ bool belongsToLine(const KeyTable &table, const QString &key, const QSet<QString
                    quint8 line)
 {
     if (table.table == Table::General)
-        return key == QStringLiteral("line%1type").arg(line);
+        return key == LineType::settingKey(line);
     const QString suffix = u'_' + QString::number(line);
     return table.table == Table::Description && line != 0 && key.endsWith(suffix) &&
            keys.contains(key.chopped(suffix.size()));

@@ -1,6 +1,7 @@
 #include "dictionary/edittransaction.h"
 
 #include "dictionary/subzero.h"
+#include "store/storeguards.h"
 
 #include <QCoreApplication>
 
@@ -39,6 +40,12 @@ struct EditTransaction::Writes
     {
         return removedObjects.size() + renewedObjects.size() + removedEntries.size() +
                objects.size() + entries.size();
+    }
+    /// Few are written one by one, so that what they tell says what has changed.
+    [[nodiscard]] bool isFew() const
+    {
+        constexpr qsizetype most = 64;
+        return size() <= most;
     }
 };
 
@@ -196,12 +203,12 @@ void EditTransaction::markChanged()
     }
 }
 
-EditTransaction::Writes EditTransaction::collect(bool backwards) const
+EditTransaction::Writes EditTransaction::collect() const
 {
     Writes writes;
     for (const auto &[key, change] : m_changes) {
-        const auto &from = backwards ? change.after : change.before;
-        const auto &to = backwards ? change.before : change.after;
+        const auto &from = change.before;
+        const auto &to = change.after;
         const auto &[line, index] = key;
         if (!to) {
             if (from)
@@ -230,7 +237,6 @@ EditTransaction::Writes EditTransaction::collect(bool backwards) const
 
 bool EditTransaction::write(const Writes &writes)
 {
-    constexpr qsizetype fewWrites = 64;
     bool done = true;
     for (const auto &[line, index] : writes.removedObjects)
         done &= m_store.deleteIndex(line, index);
@@ -238,37 +244,27 @@ bool EditTransaction::write(const Writes &writes)
         done &= m_store.deleteIndex(line, index, true);
     for (const auto &[key, subindex] : writes.removedEntries)
         done &= m_store.deleteSubIndex(key.first, key.second, subindex);
-    if (writes.size() <= fewWrites) {
+    if (writes.isFew()) {
         for (const ObjectDataBase::IndexEntry &object : writes.objects)
             done &= m_store.addIndex(object.line, object.index, object.data);
         for (const ObjectDataBase::SubEntry &entry : writes.entries)
             done &= m_store.addSubIndex(entry.line, entry.index, entry.subindex, entry.data);
         return done;
     }
-    done &= m_store.addSubIndices(writes.entries);
-    // That tells nobody, and goes past the caches. So the objects are written after it, which
-    // tells of each, and with them the objects whose subindices alone have changed.
-    QList<ObjectDataBase::IndexEntry> objects = writes.objects;
-    std::set<Key> told;
-    for (const ObjectDataBase::IndexEntry &object : writes.objects)
-        told.insert({object.line, object.index});
-    for (const ObjectDataBase::SubEntry &entry : writes.entries) {
-        if (!told.insert({entry.line, entry.index}).second)
-            continue;
-        objects.append({entry.line, entry.index, {}});
-        done &= m_store.getIndexData(entry.line, entry.index, objects.last().data);
-    }
-    for (const quint8 line : std::as_const(m_present).keys())
+    done &= m_store.addSubIndices(writes.entries); // goes past the caches
+    done &= m_store.addIndices(writes.objects);
+    std::set<quint8> lines;
+    for (const ObjectDataBase::SubEntry &entry : writes.entries)
+        lines.insert(entry.line);
+    for (const quint8 line : lines)
         m_store.clearSubCache(line);
-    for (const auto &[line, index] : told)
-        m_store.clearSubCache(line);
-    return m_store.addIndices(objects) && done;
+    return done;
 }
 
 EditResult EditTransaction::commit()
 {
     markChanged();
-    const Writes writes = collect(false);
+    const Writes writes = collect();
     if (writes.size() == 0)
         return EditResult::done();
     if (!m_isWhole)
@@ -277,13 +273,13 @@ EditResult EditTransaction::commit()
     if (m_store.writesBlocked() || m_store.isGenerating())
         return EditResult::refused(QCoreApplication::translate(
             "DictionaryEdit", "The project can't be changed while something else works on it."));
-    if (write(writes))
+    StoreBulkChange bulk(m_store);
+    if (!writes.isFew())
+        bulk.tellAs({.kind = ObjectDataBase::ProjectReplaced});
+    if (write(writes) && bulk.commit())
         return EditResult::done();
-    const QString reason = m_store.lastErrorText();
-    if (!write(collect(true)))
-        qWarning("A failed change of the object dictionary could not be taken back whole.");
     return EditResult::refused(
         QCoreApplication::translate("DictionaryEdit", "The change could not be written. %1")
-            .arg(reason)
+            .arg(m_store.lastErrorText())
             .trimmed());
 }

@@ -43,7 +43,8 @@ public:
     /// too, removed ones removed. An object that a line lacks is made from that of line 0.
     void spreadShared(quint8 line);
 
-    /// Writes what differs. After a failure the project is as it was.
+    /// Writes what differs, as one bulk change of the store: told once, and one undo step. After a
+    /// failure the project is as it was.
     EditResult commit();
 
 private:
@@ -62,7 +63,7 @@ private:
     void spreadEntries(quint16 index, const Change &change, quint8 line);
     bool spreadEntry(const DictionaryEntry &entry, const Change &change, quint8 line);
     void markChanged();
-    [[nodiscard]] Writes collect(bool backwards) const;
+    [[nodiscard]] Writes collect() const;
     [[nodiscard]] bool write(const Writes &writes);
 
     ObjectDataBase &m_store;

@@ -1,5 +1,6 @@
 #include "generation/generatormainhandler.h"
 
+#include "canopen/j1939numbers.h"
 #include "canopen/safefile.h"
 #include "check/modelchecker.h"
 #include "generation/outputlist.h"
@@ -26,7 +27,6 @@ namespace {
 /// How long the end of the program is put off for a command that the run did not wait for.
 constexpr int followMilliseconds = 10000;
 /// The address claim is made by the stack; a project's own message of that number is in its way.
-constexpr quint32 addressClaimPgn = 60928;
 
 QString errorLogPath(const QString &folder)
 {
@@ -111,7 +111,7 @@ void GeneratorMainHandler::classify()
     m_facts.classify();
     for (const quint8 line : std::as_const(m_facts.activeLines)) {
         if (m_facts.lineProtocols(line).testFlag(Protocol::J1939))
-            project.deletePGN(line, addressClaimPgn, ObjectDataBase::transmit);
+            project.deletePGN(line, J1939::addressClaimed, ObjectDataBase::transmit);
     }
 }
 

@@ -77,7 +77,7 @@ void PostGenProcessor::start()
     m_exitCode = 0;
     m_waitForCommand = false;
     if (m_store)
-        m_store->blockSignals(false);
+        m_store->endSilence();
     if (!m_settings.command.isEmpty() && runCommand())
         awaitCommand();
     else

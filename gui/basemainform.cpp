@@ -28,12 +28,19 @@ bool BaseMainForm::setDatabase(const std::shared_ptr<ObjectDataBase> &database)
 {
     if (database == nullptr)
         return false;
-    if (m_database != nullptr)
-        disconnect(m_database.get(), nullptr, this, nullptr);
-    m_database = database;
+    if (m_context.project != nullptr)
+        disconnect(m_context.project.get(), nullptr, this, nullptr);
+    m_context.project = database;
     connect(database.get(), &ObjectDataBase::updateNotify, this, &BaseMainForm::updateDataSlot);
     emit newDatabase();
     return true;
+}
+
+void BaseMainForm::setContext(const FormContext &context)
+{
+    const std::shared_ptr<ObjectDataBase> project = m_context.project;
+    m_context = context;
+    m_context.project = project;
 }
 
 void BaseMainForm::doAction(int)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "store/objectdatabase.h"
+#include "gui/formcontext.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -24,6 +24,8 @@ public:
 
     /// Shares the store; false for a null one.
     virtual bool setDatabase(const std::shared_ptr<ObjectDataBase> &database);
+    /// What the form works on besides the store, which `setDatabase` tells.
+    void setContext(const FormContext &context);
     /// By default a box tells that the form has no such command.
     virtual void doAction(int action);
     /// Whether `doAction` has something to do now; what can't be done is not offered.
@@ -46,14 +48,15 @@ public slots:
     void updateTimerSlot();
 
 protected:
-    [[nodiscard]] ObjectDataBase *database() const { return m_database.get(); }
+    [[nodiscard]] ObjectDataBase *database() const { return m_context.project.get(); }
+    [[nodiscard]] const FormContext &context() const { return m_context; }
     [[nodiscard]] quint8 line() const { return m_line; }
 
     /// Set while the form itself writes to the store: such changes do not come back to it.
     bool m_guard = false;
 
 private:
-    std::shared_ptr<ObjectDataBase> m_database;
+    FormContext m_context;
     quint8 m_line = 0;
     std::optional<ObjectDataBase::ChangeSet> m_pending;
     QTimer m_timer;

@@ -42,6 +42,8 @@ constexpr std::array drawings{
     Drawing{"question", "O 12 12 9 M 9.3 9.5 C 9.3 5.8 14.8 5.8 14.8 9.5 C 14.8 11.8 12 11.8 12 "
                         "14 M 12 16.7 L 12 17"},
     Drawing{"output", "M 3 4 L 21 4 L 21 20 L 3 20 Z M 6.5 9 L 9.5 12 L 6.5 15 M 12 15 L 17 15"},
+    Drawing{"dictionary", "M 5 3 L 5 18 L 11 18 M 5 9 L 11 9 M 11 6 L 20 6 L 20 12 L 11 12 Z "
+                          "M 11 15 L 20 15 L 20 21 L 11 21 Z"},
     Drawing{"recent", "O 12 12 9 M 12 7 L 12 12 L 15.5 14"},
     Drawing{"clear", "M 4 7 L 20 7 M 9 7 L 9 4 L 15 4 L 15 7 M 6 7 L 7 20 L 17 20 L 18 7 "
                      "M 10 11 L 10 16 M 14 11 L 14 16"},

@@ -17,6 +17,9 @@ struct FormPage
 };
 constexpr std::array formPages{
     FormPage{"GeneratorOutputForm", "generator-output.md"},
+    FormPage{"ObjectDictionaryForm", "object-dictionary.md"},
+    FormPage{"ManufacturerSegmentForm", "object-dictionary.md"},
+    FormPage{"SelectSubindexDialog", "object-dictionary.md"},
     FormPage{"SelectProtocolDialog", "lines.md"},
     FormPage{"FileViewerDialog", "viewer.md"},
     FormPage{"FileImportDialog", "import.md"},
@@ -48,7 +51,7 @@ QList<HelpViewerDialog::Chapter> ManualHandler::chapters()
         {tr("Start"),
          {QStringLiteral("first-project.md"), QStringLiteral("main-window.md"),
           QStringLiteral("keyboard.md")}},
-        {tr("Pages"), {QStringLiteral("generator-output.md")}},
+        {tr("Pages"), {QStringLiteral("object-dictionary.md"), QStringLiteral("generator-output.md")}},
         {tr("Tasks"),
          {QStringLiteral("lines.md"), QStringLiteral("import.md"), QStringLiteral("saving.md"),
           QStringLiteral("viewer.md"), QStringLiteral("updates.md")}},

@@ -1,9 +1,12 @@
 #include "import/basedataimporter.h"
 
 #include "store/objectdatabase.h"
+#include "store/storeguards.h"
 
 #include <QMetaObject>
 #include <QThread>
+
+#include <optional>
 
 BaseDataImporter::BaseDataImporter() = default;
 
@@ -58,13 +61,14 @@ void BaseDataImporter::run(const std::function<void()> &body)
         const std::lock_guard lock(m_resultMutex);
         m_result = ImportResult(m_file);
     }
-    if (m_store) {
-        m_store->setBlockUpdates(false);
-        m_store->setThreadBlock(true);
+    {
+        std::optional<StoreBlock> block;
+        if (m_store) {
+            m_store->setBlockUpdates(false);
+            block.emplace(*m_store);
+        }
+        body();
     }
-    body();
-    if (m_store)
-        m_store->setThreadBlock(false);
     finishRun();
 }
 

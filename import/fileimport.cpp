@@ -3,6 +3,7 @@
 #include "canopen/indextext.h"
 #include "import/dictionaryimporter.h"
 #include "import/vxmpimporter.h"
+#include "store/storeguards.h"
 
 #include <QFileInfo>
 #include <QHash>
@@ -39,7 +40,7 @@ FileImport::~FileImport()
     if (m_safety && m_isRunning) {
         if (!m_isTakeDone)
             (void)rollBack();
-        releaseProject();
+        m_silence.reset();
     }
 }
 
@@ -233,10 +234,8 @@ QString FileImport::take(const QList<ImportedItem> &items, ImportedImplementatio
     m_cancelled = false;
     m_isTakeDone = false;
     m_isRunning = true;
-    // The forms would read the project while it is half done. Whoever waits for the end of a block
-    // hears of this one all the same.
-    emit m_project.blockStateChanged(true);
-    m_project.blockSignals(true);
+    // The forms would read the project while it is half done.
+    m_silence = std::make_unique<StoreSilence>(m_project, StoreSilence::As::Block);
     const auto transfer =
         std::make_shared<FileImportTransfer>(m_project, m_line, m_scratch, staging);
     transfer->setItems(items);
@@ -258,13 +257,6 @@ bool FileImport::rollBack()
     return m_project.restoreSnapshot(m_safety->filePath(QStringLiteral("project.db")));
 }
 
-void FileImport::releaseProject()
-{
-    m_project.blockSignals(false);
-    emit m_project.blockStateChanged(false);
-    m_safety.reset();
-}
-
 void FileImport::finishTake()
 {
     m_worker->wait();
@@ -272,11 +264,10 @@ void FileImport::finishTake()
     if (!m_isTakeDone)
         outcome = m_cancelled ? Outcome::Cancelled : Outcome::Failed;
     const bool isAsBefore = outcome == Outcome::Done || rollBack();
-    releaseProject();
+    m_safety.reset();
     m_isRunning = false;
     if (outcome == Outcome::Done || !isAsBefore) {
-        emit m_project.databaseWriteExecuted();
-        emit m_project.updateNotify({.kind = ObjectDataBase::ProjectReplaced});
+        m_silence->endAndTell();
         const QList<quint16> present = m_project.getIndices(m_line);
         m_existing = QSet<quint16>(present.begin(), present.end());
         for (Object &object : m_objects)
@@ -284,6 +275,7 @@ void FileImport::finishTake()
     } else {
         m_resultText.clear();
     }
+    m_silence.reset();
     emit progress(complete);
     if (outcome == Outcome::Failed)
         emit importError((isAsBefore ? tr("The project refused a part of the import, and is as it "

@@ -18,6 +18,7 @@ class DictionaryImporter;
 class ObjectDataBase;
 class QThread;
 class QTemporaryDir;
+class StoreSilence;
 
 /// The work of an import in which a person chooses: reads a file into the staging line of a scratch
 /// store, lists its objects, and takes the chosen ones over into a line of the project.
@@ -89,7 +90,6 @@ private:
     void finishRead();
     void finishTake();
     [[nodiscard]] bool rollBack();
-    void releaseProject();
     /// Runs `work` on a thread of its own and then `done` on this one.
     void runBeside(const std::function<void()> &work, const std::function<void()> &done);
     void waitForEnd();
@@ -101,6 +101,7 @@ private:
     std::unique_ptr<DictionaryImporter> m_importer;
     std::unique_ptr<QThread> m_worker;
     std::unique_ptr<QTemporaryDir> m_safety; ///< the project as it was before a take-over
+    std::unique_ptr<StoreSilence> m_silence; ///< while the project takes over
     std::atomic<bool> m_cancelled{false};
     quint32 m_low = 0;  ///< of the range that was asked for
     quint32 m_high = 0; ///< likewise

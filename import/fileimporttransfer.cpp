@@ -2,8 +2,8 @@
 
 #include "canopen/objectranges.h"
 #include "import/objectwriter.h"
+#include "store/storeguards.h"
 
-#include <QScopeGuard>
 #include <QSet>
 
 #include <algorithm>
@@ -67,8 +67,7 @@ bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
                              const std::function<void(int)> &progress)
 {
     m_target.setBlockUpdates(false);
-    m_target.setThreadBlock(true);
-    const auto unblock = qScopeGuard([this] { m_target.setThreadBlock(false); });
+    const StoreBlock block(m_target);
     if (!m_source.isLineCached(m_sourceLine))
         m_source.cacheAllSubs(m_sourceLine);
     readPresent();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "canopen/j1939numbers.h"
+#include "import/basedataimporter.h"
 #include "import/dictionaryimporter.h"
 
 #include <QList>
@@ -12,7 +14,7 @@ class VXMPImporter : public DictionaryImporter
     Q_OBJECT
 
 public:
-    static constexpr quint32 highestPgn = 0x3FFFF; ///< 18 bits (SAE J1939-21)
+    static constexpr quint32 highestPgn = J1939::highestPgn;
     static constexpr quint8 bothDirections = 0;
 
     VXMPImporter();

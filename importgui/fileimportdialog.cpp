@@ -5,8 +5,8 @@
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
 #include "importgui/importobjectmodel.h"
-#include "importgui/indexdestinationdialog.h"
-#include "importgui/subselectdialog.h"
+#include "gui/indexdestinationdialog.h"
+#include "gui/subselectdialog.h"
 #include "store/usersettings.h"
 #include "ui_fileimportdialog.h"
 

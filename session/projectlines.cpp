@@ -69,7 +69,7 @@ bool ProjectLines::mayAdd(ObjectDataBase &store)
 
 void ProjectLines::setType(ObjectDataBase &store, quint8 line, int type)
 {
-    store.setGeneralSetting(QStringLiteral("line%1type").arg(line), QString::number(type));
+    store.setGeneralSetting(LineType::settingKey(line), QString::number(type));
 }
 
 QString ProjectLines::add(ObjectDataBase &store, quint8 line, int type, ObjectDataBase *library)

@@ -259,6 +259,52 @@ QString MessageStore<family>::where(const Line &line, const Key &key, qint64 id)
 
 template <const auto &family>
 template <typename Record>
+const auto &MessageStore<family>::rowsOf(const Line &line)
+{
+    if constexpr (std::is_same_v<Record, Message>)
+        return line.messages;
+    else
+        return line.rows;
+}
+
+template <const auto &family>
+template <typename Record>
+bool MessageStore<family>::insertRow(quint8 line, Line &present, const Record &record)
+{
+    const qint64 id = m_runner.insert(
+        QLatin1String("insert into ") + tableName<Record>(line) + QLatin1String(" (") +
+            columnList<Record>() + QLatin1String(") values(") + literals(record).join(u',') + u')',
+        Q_FUNC_INFO);
+    if (id < 0)
+        return false;
+    const std::unique_lock lock(m_mutex);
+    present.put(Row<Record>{record, id});
+    return true;
+}
+
+template <const auto &family>
+template <typename Record>
+bool MessageStore<family>::updateRow(quint8 line, Line &present, const Record &record,
+                                     const Row<Record> &former)
+{
+    const bool done =
+        m_runner.exec(QLatin1String("update ") + tableName<Record>(line) + QLatin1String(" set ") +
+                          RecordColumns::assignments<Record>(literals(record)) +
+                          where<Record>(present, keyOf(record), former.id),
+                      Q_FUNC_INFO);
+    if (!done || present.hasTwins) {
+        drop(line);
+        return done;
+    }
+    Record merged = record;
+    RecordColumns::keepUnwritten(merged, former.data);
+    const std::unique_lock lock(m_mutex);
+    present.put(Row<Record>{merged, former.id});
+    return true;
+}
+
+template <const auto &family>
+template <typename Record>
 bool MessageStore<family>::writeRow(quint8 line, const Record &record)
 {
     bool done = false;
@@ -266,49 +312,13 @@ bool MessageStore<family>::writeRow(quint8 line, const Record &record)
         const std::shared_ptr<Line> present = loadForWrite(line);
         if (!present)
             return;
-        const auto key = keyOf(record);
-        const auto found = [&]() -> std::optional<Row<Record>> {
-            const auto &rows = [&]() -> const auto &
-            {
-                if constexpr (std::is_same_v<Record, Message>)
-                    return present->messages;
-                else
-                    return present->rows;
-            }
-            ();
-            const auto row = rows.constFind(key);
-            return row == rows.cend() ? std::nullopt : std::optional(*row);
-        }();
-        const QStringList values = literals(record);
+        const auto &rows = rowsOf<Record>(std::as_const(*present));
+        const auto found = rows.constFind(keyOf(record));
+        done = found == rows.cend() ? insertRow(line, *present, record)
+                                    : updateRow(line, *present, record, Row<Record>(*found));
         // What the database makes of such texts is read again.
-        const bool isStoredOtherwise = RecordColumns::hasOddText(record);
-        if (!found) {
-            const qint64 id = m_runner.insert(
-                QLatin1String("insert into ") + tableName<Record>(line) + QLatin1String(" (") +
-                    columnList<Record>() + QLatin1String(") values(") + values.join(u',') + u')',
-                Q_FUNC_INFO);
-            done = id >= 0;
-            if (isStoredOtherwise)
-                drop(line);
-            else if (done) {
-                const std::unique_lock lock(m_mutex);
-                present->put(Row<Record>{record, id});
-            }
-            return;
-        }
-        done =
-            m_runner.exec(QLatin1String("update ") + tableName<Record>(line) +
-                              QLatin1String(" set ") + RecordColumns::assignments<Record>(values) +
-                              where<Record>(*present, key, found->id),
-                          Q_FUNC_INFO);
-        if (!done || present->hasTwins || isStoredOtherwise) {
+        if (RecordColumns::hasOddText(record))
             drop(line);
-            return;
-        }
-        Record merged = record;
-        RecordColumns::keepUnwritten(merged, found->data);
-        const std::unique_lock lock(m_mutex);
-        present->put(Row<Record>{merged, found->id});
     });
     return done;
 }

@@ -180,6 +180,12 @@ private:
     bool readTable(quint8 line, Line &result);
     template <typename Record>
     bool writeRow(quint8 line, const Record &record);
+    template <typename Record>
+    bool insertRow(quint8 line, Line &present, const Record &record);
+    template <typename Record>
+    bool updateRow(quint8 line, Line &present, const Record &record, const Row<Record> &former);
+    template <typename Record>
+    static const auto &rowsOf(const Line &line);
     template <typename Record, typename Rows>
     bool writeMany(quint8 line, const QList<Record> &records, const Rows &known);
     template <typename Record>

@@ -355,7 +355,7 @@ public:
                                             bool withoutSafe = false);
     /// In the order of their rows.
     [[nodiscard]] QList<quint32> getSPNList(quint8 line, quint32 pgn, quint8 direction);
-    [[nodiscard]] QList<SPN> getSPNs(quint8 line, quint32 pgn, quint8 direction);
+    [[nodiscard]] QList<SPN> getSPNs(quint8 line, const MessageKey &pgn);
     bool getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data);
     [[nodiscard]] quint16 getSPNDataType(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
     [[nodiscard]] QString getSPNName(quint8 line, quint32 pgn, quint32 spn, quint8 direction);
@@ -407,7 +407,7 @@ public:
                                              quint32 number);
     /// Ascending.
     [[nodiscard]] QList<quint32> getDataElementList(quint8 line, quint32 canId, quint8 direction);
-    [[nodiscard]] QList<DataElement> getDataElements(quint8 line, quint32 canId, quint8 direction);
+    [[nodiscard]] QList<DataElement> getDataElements(quint8 line, const MessageKey &canId);
     void deleteCANID(quint8 line, quint32 id, quint8 direction);
     void deleteDataElement(quint8 line, quint32 canId, quint32 number, quint8 direction);
     static bool copyCANID(ObjectDataBase &target, ObjectDataBase &source, quint8 sourceLine,
@@ -433,21 +433,6 @@ private:
     struct State;
     std::unique_ptr<State> d;
 
-    // life cycle
-    enum class Opened { No, WrongTool, Yes };
-    bool makeEmptyProject();
-    void noteCreator();
-    Opened openText(const QString &path);
-    Opened openSql(const QString &path);
-    bool openWorkingCopyOf(const QString &path);
-    void nameBackup(const QString &path);
-    bool checkExternalModification();
-    bool mayBeSaved(const QString &target);
-    bool writeSaveKeys();
-    bool writeProjectFile(const QString &target, const QString &hash);
-    bool refuseSave(const QString &target, const QString &reason);
-    bool writeText(const QString &path);
-    bool textHash(const QString &trial, QString &hash);
     void notify(const ChangeSet &change);
 };
 

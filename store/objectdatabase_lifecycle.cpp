@@ -113,32 +113,32 @@ ObjectDataBase::~ObjectDataBase()
 }
 
 /// The tables of a new project and its line 0, in a new working copy.
-bool ObjectDataBase::makeEmptyProject()
+bool ObjectDataBase::State::makeEmptyProject()
 {
-    const QString path = d->newWorkingFile();
+    const QString path = newWorkingFile();
     if (path.isEmpty()) {
-        d->lastError = WorkingCopy::noFolderText();
+        lastError = WorkingCopy::noFolderText();
         return false;
     }
-    bool created = d->openWorkingFile(path);
+    bool created = openWorkingFile(path);
     if (!created)
-        qDebug() << "error sqlDbFile.open()" << d->runner.lastError();
-    d->runPragmas(cachePagesNew);
+        qDebug() << "error sqlDbFile.open()" << runner.lastError();
+    runPragmas(cachePagesNew);
     for (const Schema::Table &table : Schema::tables()) {
         if (!created)
             break;
         if (table.scope != Schema::Scope::Project)
             continue;
-        created = d->runner.exec(Schema::createStatement(table));
+        created = runner.exec(Schema::createStatement(table));
         if (!created)
-            qDebug() << "Create" << table.name << d->runner.lastError();
+            qDebug() << "Create" << table.name << runner.lastError();
     }
-    d->projectPath.clear();
-    d->externallyModified = false;
-    if (created && addNode(0, NODE_DATA_T()) && !isDamaged())
+    projectPath.clear();
+    externallyModified = false;
+    if (created && face.addNode(0, NODE_DATA_T()) && !face.isDamaged())
         return true;
-    d->lastError = QStringLiteral("no new project can be made in \"%1\": %2")
-                       .arg(QDir::toNativeSeparators(path), d->runner.lastReason());
+    lastError = QStringLiteral("no new project can be made in \"%1\": %2")
+                    .arg(QDir::toNativeSeparators(path), runner.lastReason());
     return false;
 }
 
@@ -157,21 +157,22 @@ bool ObjectDataBase::createNewDataBase()
         return false;
     d->lastError.clear();
     const State::Former former = d->present();
-    if (!makeEmptyProject()) {
+    if (!d->makeEmptyProject()) {
         d->goBackTo(former);
         return false;
     }
     d->savedPath.clear();
     notify({.kind = ProjectReplaced});
-    noteCreator();
+    d->noteCreator();
     return true;
 }
 
-void ObjectDataBase::noteCreator()
+void ObjectDataBase::State::noteCreator()
 {
-    setMiscSetting(QStringLiteral("CreateToolVersion"), QCoreApplication::applicationVersion());
-    setMiscSetting(QStringLiteral("CreateToolName"), QCoreApplication::applicationName());
-    setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
+    face.setMiscSetting(QStringLiteral("CreateToolVersion"),
+                        QCoreApplication::applicationVersion());
+    face.setMiscSetting(QStringLiteral("CreateToolName"), QCoreApplication::applicationName());
+    face.setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
 }
 
 bool ObjectDataBase::openDataBase(const QString &path, bool)
@@ -183,63 +184,63 @@ bool ObjectDataBase::openDataBase(const QString &path, bool)
         return false;
     // What was open stays as it was if the new file turns out to be of no use.
     const State::Former former = d->present();
-    Opened opened = Opened::No;
+    State::Opened opened = State::Opened::No;
     {
         // Forms hear of the whole, or of nothing.
         const QSignalBlocker silence(this);
-        opened = path.endsWith(QLatin1String("vxmt"), Qt::CaseInsensitive) ? openText(path)
-                                                                           : openSql(path);
+        opened = path.endsWith(QLatin1String("vxmt"), Qt::CaseInsensitive) ? d->openText(path)
+                                                                           : d->openSql(path);
     }
-    if (opened == Opened::Yes) {
+    if (opened == State::Opened::Yes) {
         d->savedPath.clear();
         notify({.kind = ProjectReplaced});
         return true;
     }
     d->goBackTo(former);
-    if (opened == Opened::WrongTool)
+    if (opened == State::Opened::WrongTool)
         emit wrongTool();
     else
-        nameBackup(path);
+        d->nameBackup(path);
     return false;
 }
 
 /// Whoever can't open a file wants to know of the one before it.
-void ObjectDataBase::nameBackup(const QString &path)
+void ObjectDataBase::State::nameBackup(const QString &path)
 {
     const QString backup = ProjectFile::backupPath(path);
     if (!QFileInfo(backup).isFile())
         return;
-    if (d->lastError.isEmpty())
-        d->lastError = path + QLatin1String(": it is no project");
-    d->lastError += QLatin1String("; the version before it is in ") + backup;
+    if (lastError.isEmpty())
+        lastError = path + QLatin1String(": it is no project");
+    lastError += QLatin1String("; the version before it is in ") + backup;
 }
 
-ObjectDataBase::Opened ObjectDataBase::openText(const QString &path)
+ObjectDataBase::State::Opened ObjectDataBase::State::openText(const QString &path)
 {
     if (!makeEmptyProject())
         return Opened::No;
     noteCreator();
-    DatabaseTextConverter converter(*this, path);
+    DatabaseTextConverter converter(face, path);
     if (!converter.convertTextToSql()) {
-        d->lastError = converter.errorText();
+        lastError = converter.errorText();
         return Opened::No;
     }
-    d->projectPath = path;
+    projectPath = path;
     if (checkExternalModification()) {
-        d->adaptSignals(getLines());
-        if (!isDamaged())
+        adaptSignals(face.getLines());
+        if (!face.isDamaged())
             return Opened::Yes;
     }
-    d->lastError =
-        QStringLiteral("%1: no working copy can be made: %2").arg(path, d->runner.lastReason());
+    lastError =
+        QStringLiteral("%1: no working copy can be made: %2").arg(path, runner.lastReason());
     return Opened::No;
 }
 
 /// Copies the file and lets nothing pass that is no project, or that could do harm.
-bool ObjectDataBase::openWorkingCopyOf(const QString &path)
+bool ObjectDataBase::State::openWorkingCopyOf(const QString &path)
 {
     const auto fail = [&](const QString &reason) {
-        d->lastError = path + QLatin1String(": ") + reason;
+        lastError = path + QLatin1String(": ") + reason;
         return false;
     };
     if (QFileInfo(path).size() > ProjectGuard::mostBytesOfFile)
@@ -250,49 +251,49 @@ bool ObjectDataBase::openWorkingCopyOf(const QString &path)
     QString error;
     const QString working = WorkingCopy::reserveCopy(path, error);
     if (working.isEmpty()) {
-        d->lastError = QLatin1String("Error detected: ") + path + QLatin1String(" to ") +
-                       QDir::toNativeSeparators(folder) + QLatin1String(": ") + error;
+        lastError = QLatin1String("Error detected: ") + path + QLatin1String(" to ") +
+                    QDir::toNativeSeparators(folder) + QLatin1String(": ") + error;
         return false;
     }
-    d->workingFiles.append(working);
-    d->projectPath = path;
-    if (!d->openWorkingFile(working))
-        return fail(d->runner.lastReason());
-    if (const QString fault = ProjectGuard::structureFault(d->runner); !fault.isEmpty())
+    workingFiles.append(working);
+    projectPath = path;
+    if (!openWorkingFile(working))
+        return fail(runner.lastReason());
+    if (const QString fault = ProjectGuard::structureFault(runner); !fault.isEmpty())
         return fail(fault);
     const QString lines = QStringLiteral("select nodeId from nodes limit 1");
-    if (!d->runner.hasRow(lines)) {
+    if (!runner.hasRow(lines)) {
         // A database of another purpose has no such table and gives no text.
         const bool isForeign =
-            d->runner.exec(lines) || d->runner.lastError().contains(QLatin1String("no such table"));
-        return isForeign ? false : fail(d->runner.lastReason());
+            runner.exec(lines) || runner.lastError().contains(QLatin1String("no such table"));
+        return isForeign ? false : fail(runner.lastReason());
     }
     for (const auto check : {ProjectGuard::contentFault, ProjectGuard::integrityFault}) {
-        if (const QString fault = check(d->runner); !fault.isEmpty())
+        if (const QString fault = check(runner); !fault.isEmpty())
             return fail(fault);
     }
     return true;
 }
 
-ObjectDataBase::Opened ObjectDataBase::openSql(const QString &path)
+ObjectDataBase::State::Opened ObjectDataBase::State::openSql(const QString &path)
 {
     if (!openWorkingCopyOf(path))
         return Opened::No;
     if (!checkExternalModification()) {
-        d->lastError = path + QLatin1String(": ") + ProjectGuard::damagedText();
+        lastError = path + QLatin1String(": ") + ProjectGuard::damagedText();
         return Opened::No;
     }
-    d->runPragmas(State::cachePagesOpen);
-    d->runSchemaSteps();
-    if (!d->editionAllowed()) {
-        d->lastError = QStringLiteral("File was not created with this tool.");
+    runPragmas(State::cachePagesOpen);
+    runSchemaSteps();
+    if (!editionAllowed()) {
+        lastError = QStringLiteral("File was not created with this tool.");
         return Opened::WrongTool;
     }
-    d->runContentSteps();
-    if (!isDamaged())
+    runContentSteps();
+    if (!face.isDamaged())
         return Opened::Yes;
-    d->lastError = QStringLiteral("%1: the working copy can't be brought up to date: %2")
-                       .arg(path, d->runner.damage());
+    lastError = QStringLiteral("%1: the working copy can't be brought up to date: %2")
+                    .arg(path, runner.damage());
     return Opened::No;
 }
 

@@ -154,7 +154,21 @@ struct ObjectDataBase::State
 
     /// `DatabaseVersion` of what was opened.
     [[nodiscard]] int fileVersion();
-    // --- opening -----------------------------------------------------------------------------
+    // --- opening and saving ------------------------------------------------------------------
+    enum class Opened { No, WrongTool, Yes };
+    bool makeEmptyProject();
+    void noteCreator();
+    Opened openText(const QString &path);
+    Opened openSql(const QString &path);
+    bool openWorkingCopyOf(const QString &path);
+    void nameBackup(const QString &path);
+    bool checkExternalModification();
+    bool mayBeSaved(const QString &target);
+    bool writeSaveKeys();
+    bool writeProjectFile(const QString &target, const QString &hash);
+    bool refuseSave(const QString &target, const QString &reason);
+    bool writeText(const QString &path);
+    bool textHash(const QString &trial, QString &hash);
     void runSchemaSteps();
     [[nodiscard]] bool editionAllowed();
     void runContentSteps();

@@ -13,6 +13,7 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QSet>
+#include <QThread>
 
 namespace {
 
@@ -146,19 +147,19 @@ QString ObjectDataBase::contentHash()
 }
 
 /// False if the content can't be read.
-bool ObjectDataBase::checkExternalModification()
+bool ObjectDataBase::State::checkExternalModification()
 {
-    d->externallyModified = false;
-    const QString stored = getMiscSetting(fileHashKey);
+    externallyModified = false;
+    const QString stored = face.getMiscSetting(fileHashKey);
     if (stored.isEmpty())
         return true;
-    const QString found = contentHash();
+    const QString found = face.contentHash();
     if (found.isEmpty() || found == stored)
         return !found.isEmpty();
-    d->externallyModified = true;
+    externallyModified = true;
     const QString now = QDateTime::currentDateTime().toString(Qt::ISODate);
-    const QString log = getMiscSetting(tamperLogKey);
-    setMiscSetting(tamperLogKey, log.isEmpty() ? now : log + u';' + now);
+    const QString log = face.getMiscSetting(tamperLogKey);
+    face.setMiscSetting(tamperLogKey, log.isEmpty() ? now : log + u';' + now);
     return true;
 }
 
@@ -199,41 +200,43 @@ void ObjectDataBase::setBackupRule(BackupRule rule)
     d->backupRule = rule;
 }
 
-bool ObjectDataBase::refuseSave(const QString &target, const QString &reason)
+bool ObjectDataBase::State::refuseSave(const QString &target, const QString &reason)
 {
-    d->lastError = target + QLatin1String(": ") + reason;
-    qDebug() << Q_FUNC_INFO << d->lastError;
+    lastError = target + QLatin1String(": ") + reason;
+    qDebug() << Q_FUNC_INFO << lastError;
     return false;
 }
 
-bool ObjectDataBase::mayBeSaved(const QString &target)
+bool ObjectDataBase::State::mayBeSaved(const QString &target)
 {
-    if (d->refusesWrites())
+    // A bulk change of this thread would be saved half done; one of another thread is waited for.
+    if (refusesWrites() || bulk.thread.load() == QThread::currentThreadId())
         return refuseSave(target, QStringLiteral("a running job uses the project"));
-    if (isDamaged())
+    if (face.isDamaged())
         return refuseSave(
             target,
             QStringLiteral("not saved, as the working copy that it would be made from can't "
                            "be trusted: %1 (\"%2\")")
-                .arg(d->runner.damage(), QDir::toNativeSeparators(d->presentFile())));
-    d->lastError = ProjectFile::targetFault(target);
-    if (!d->lastError.isEmpty())
-        qDebug() << Q_FUNC_INFO << d->lastError;
-    return d->lastError.isEmpty();
+                .arg(runner.damage(), QDir::toNativeSeparators(presentFile())));
+    lastError = ProjectFile::targetFault(target);
+    if (!lastError.isEmpty())
+        qDebug() << Q_FUNC_INFO << lastError;
+    return lastError.isEmpty();
 }
 
-bool ObjectDataBase::writeSaveKeys()
+bool ObjectDataBase::State::writeSaveKeys()
 {
-    return setMiscSetting(QStringLiteral("SaveToolType"), QCoreApplication::applicationName()) &&
-           setMiscSetting(QStringLiteral("SaveToolVersion"),
-                          QCoreApplication::applicationVersion()) &&
-           setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
+    return face.setMiscSetting(QStringLiteral("SaveToolType"),
+                               QCoreApplication::applicationName()) &&
+           face.setMiscSetting(QStringLiteral("SaveToolVersion"),
+                               QCoreApplication::applicationVersion()) &&
+           face.setMiscSetting(QStringLiteral("DatabaseVersion"), QString::number(schemaVersion));
 }
 
 bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
 {
     const QString target = path.isEmpty() ? d->projectPath : path;
-    if (!mayBeSaved(target))
+    if (!d->mayBeSaved(target))
         return false;
     deleteNode(comparisonLine);
     deleteNode(stagingLine);
@@ -247,67 +250,67 @@ bool ObjectDataBase::saveDatabaseAsSql(const QString &path)
             Q_FUNC_INFO);
         d->objects.clear(0);
     }
-    const bool hasKeys = writeSaveKeys();
+    const bool hasKeys = d->writeSaveKeys();
     const QString hash = contentHash();
     if (!hasKeys || hash.isEmpty() || !setMiscSetting(fileHashKey, hash))
         d->runner.noteDamage(d->runner.lastReason());
-    return mayBeSaved(target) && writeProjectFile(target, hash);
+    return d->mayBeSaved(target) && d->writeProjectFile(target, hash);
 }
 
-bool ObjectDataBase::writeProjectFile(const QString &target, const QString &hash)
+bool ObjectDataBase::State::writeProjectFile(const QString &target, const QString &hash)
 {
     using ProjectFile::Backup;
-    const bool isAgain = d->backupRule == BackupRule::FirstSave && d->savedPath == target;
+    const bool isAgain = backupRule == BackupRule::FirstSave && savedPath == target;
     QString error;
     QString fault;
     bool written = false;
     // No statement of another thread may change the working copy while it is read.
-    d->runner.exclusive([&] {
-        fault = ProjectGuard::fileFault(d->presentFile(), hash);
+    runner.exclusive([&] {
+        fault = ProjectGuard::fileFault(presentFile(), hash);
         written =
-            fault.isEmpty() && ProjectFile::replace(target, d->presentFile(),
+            fault.isEmpty() && ProjectFile::replace(target, presentFile(),
                                                     isAgain ? Backup::Leave : Backup::Make, error);
     });
     if (written) {
-        d->projectPath = target;
-        d->savedPath = target;
+        projectPath = target;
+        savedPath = target;
         return true;
     }
     if (!fault.isEmpty()) {
-        d->runner.noteDamage(fault);
+        runner.noteDamage(fault);
         return mayBeSaved(target);
     }
-    d->lastError = error;
-    qDebug() << "ERROR copy " << d->presentFile() << "to " << target << error;
+    lastError = error;
+    qDebug() << "ERROR copy " << presentFile() << "to " << target << error;
     return false;
 }
 
-bool ObjectDataBase::writeText(const QString &path)
+bool ObjectDataBase::State::writeText(const QString &path)
 {
-    DatabaseTextConverter writer(*this, path);
+    DatabaseTextConverter writer(face, path);
     const bool written = writer.convertSqlToText();
     if (!written)
-        d->lastError = writer.errorText();
+        lastError = writer.errorText();
     return written;
 }
 
 /// A text project holds less than the database, so its hash is the one of what a reader of the text
 /// gets.
-bool ObjectDataBase::textHash(const QString &trial, QString &hash)
+bool ObjectDataBase::State::textHash(const QString &trial, QString &hash)
 {
     ObjectDataBase reader;
     if (!reader.createNewDataBase()) {
-        d->lastError = reader.lastErrorText();
+        lastError = reader.lastErrorText();
         return false;
     }
     DatabaseTextConverter trialReader(reader, trial);
     if (!trialReader.convertTextToSql()) {
-        d->lastError = trialReader.errorText();
+        lastError = trialReader.errorText();
         return false;
     }
     hash = reader.contentHash();
     if (reader.isDamaged() || hash.isEmpty()) {
-        d->lastError = reader.d->runner.damage();
+        lastError = reader.d->runner.damage();
         return false;
     }
     return true;
@@ -316,11 +319,11 @@ bool ObjectDataBase::textHash(const QString &trial, QString &hash)
 bool ObjectDataBase::saveDatabaseAsText(const QString &path)
 {
     const QString target = path.isEmpty() ? d->projectPath : path;
-    if (!mayBeSaved(target))
+    if (!d->mayBeSaved(target))
         return false;
     deleteNode(comparisonLine);
     deleteNode(stagingLine);
-    bool hasKeys = writeSaveKeys();
+    bool hasKeys = d->writeSaveKeys();
     // The key must be there already, as it will be for the reader.
     if (getMiscSetting(fileHashKey).isEmpty())
         hasKeys = setMiscSetting(fileHashKey, QStringLiteral("0")) && hasKeys;
@@ -328,21 +331,21 @@ bool ObjectDataBase::saveDatabaseAsText(const QString &path)
         d->runner.noteDamage(d->runner.lastReason());
     if (!ProjectGuard::integrityFault(d->runner).isEmpty())
         d->runner.noteDamage(QStringLiteral("it is damaged"));
-    if (!mayBeSaved(target))
+    if (!d->mayBeSaved(target))
         return false;
     const QString text = d->newWorkingFile();
     QString hash;
     bool written = false;
     if (text.isEmpty()) {
         d->lastError = WorkingCopy::noFolderText();
-    } else if (writeText(text) && textHash(text, hash) && setMiscSetting(fileHashKey, hash) &&
-               writeText(text)) {
+    } else if (d->writeText(text) && d->textHash(text, hash) && setMiscSetting(fileHashKey, hash) &&
+               d->writeText(text)) {
         written = ProjectFile::replace(target, text, ProjectFile::Backup::Leave, d->lastError);
     }
     d->dropWorkingFile(text);
     if (written)
         d->projectPath = target;
     else if (!d->lastError.startsWith(target))
-        return refuseSave(target, d->lastError);
+        return d->refuseSave(target, d->lastError);
     return written;
 }

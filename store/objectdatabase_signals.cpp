@@ -235,9 +235,9 @@ QList<quint32> ObjectDataBase::getSPNList(quint8 line, quint32 pgn, quint8 direc
     return d->pgns.signalNumbers(line, messageKey(pgn, direction));
 }
 
-QList<ObjectDataBase::SPN> ObjectDataBase::getSPNs(quint8 line, quint32 pgn, quint8 direction)
+QList<ObjectDataBase::SPN> ObjectDataBase::getSPNs(quint8 line, const MessageKey &pgn)
 {
-    return d->pgns.signalsOf(line, messageKey(pgn, direction));
+    return d->pgns.signalsOf(line, pgn);
 }
 
 bool ObjectDataBase::getSPN(quint8 line, quint32 pgn, quint8 direction, quint32 spn, SPN &data)
@@ -342,10 +342,11 @@ void ObjectDataBase::foldPageKeys(quint8 line)
                      << "keeps its page bits" << pgn.edpDpKey;
             continue;
         }
+        const MessageKey own = messageKey(pgn.number, pgn.direction);
         taken.insert(key);
-        former.insert(messageKey(pgn.number, pgn.direction));
+        former.insert(own);
         folded.append(whole);
-        QList<SPN> spns = getSPNs(line, pgn.number, pgn.direction);
+        QList<SPN> spns = getSPNs(line, own);
         for (SPN &spn : spns)
             spn.pgn = whole.number;
         moved.append(spns);
@@ -421,10 +422,10 @@ QList<quint32> ObjectDataBase::getDataElementList(quint8 line, quint32 canId, qu
     return d->canIds.signalNumbers(line, messageKey(canId, direction));
 }
 
-QList<ObjectDataBase::DataElement> ObjectDataBase::getDataElements(quint8 line, quint32 canId,
-                                                                   quint8 direction)
+QList<ObjectDataBase::DataElement> ObjectDataBase::getDataElements(quint8 line,
+                                                                   const MessageKey &canId)
 {
-    return d->canIds.signalsOf(line, messageKey(canId, direction));
+    return d->canIds.signalsOf(line, canId);
 }
 
 void ObjectDataBase::deleteCANID(quint8 line, quint32 id, quint8 direction)

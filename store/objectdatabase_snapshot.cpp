@@ -4,11 +4,19 @@
 
 #include <QFile>
 
+#include <mutex>
+
 bool ObjectDataBase::takeSnapshot(const QString &path)
 {
     // It would take the place of a good one.
     if (isDamaged()) {
         d->lastError = QLatin1String("the working copy can't be trusted: ") + d->runner.damage();
+        return false;
+    }
+    // Half a bulk change is no state to go back to.
+    const std::scoped_lock noBulkChange(d->bulk.mutex);
+    if (d->bulk.depth > 0) {
+        d->lastError = QStringLiteral("snapshot aborted, a change is being made");
         return false;
     }
     QFile::remove(path);
@@ -43,6 +51,12 @@ QString ObjectDataBase::State::copyInPlaceOfDamaged(const QString &snapshot, QSt
 
 bool ObjectDataBase::restoreSnapshot(const QString &path)
 {
+    const std::scoped_lock noBulkChange(d->bulk.mutex);
+    if (d->bulk.depth > 0) {
+        d->lastError =
+            QStringLiteral("a change is being made, so snapshot '%1' can't be restored").arg(path);
+        return false;
+    }
     if (!QFile::exists(path)) {
         d->lastError = QStringLiteral("snapshot '%1' does not exist").arg(path);
         return false;

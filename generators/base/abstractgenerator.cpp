@@ -3,6 +3,7 @@
 #include "generators/base/outputfile.h"
 #include "store/objectdatabase.h"
 #include "store/projectsettings.h"
+#include "store/storeguards.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
 
 AbstractGenerator::AbstractGenerator(QObject *parent)
     : QObject(parent), m_toolVersion(QCoreApplication::applicationVersion())
@@ -118,18 +120,17 @@ void AbstractGenerator::doJob()
     m_running = true;
     if (m_store)
         prepare();
-    if (m_store)
-        m_store->setGenerating(true);
-    m_generateML =
-        m_store && ProjectSettings(*m_store).isTrue(SettingKey::misc(QStringLiteral("generateML")));
-
-    if (m_errorCode == 0)
-        writeOutput();
-
-    if (m_store) {
-        m_store->setGenerating(false);
-        cleanUp();
+    {
+        std::optional<StoreGeneration> generation;
+        if (m_store)
+            generation.emplace(*m_store);
+        m_generateML = m_store && ProjectSettings(*m_store).isTrue(
+                                      SettingKey::misc(QStringLiteral("generateML")));
+        if (m_errorCode == 0)
+            writeOutput();
     }
+    if (m_store)
+        cleanUp();
     m_running = false;
     if (m_workerThread)
         m_workerThread->quit();

@@ -6,35 +6,22 @@
 
 namespace {
 
-/// Constants behind the dialect's prefix, by line type. The older generation has one word for
-/// whatever holds raw CAN.
-QString protocolConstant(const StackDialect &dialect, int lineType)
+/// Constants behind the dialect's prefix. The older generation has one word for whatever holds raw
+/// CAN.
+QString protocolConstant(const StackDialect &dialect, const LineType &type)
 {
-    const auto word = [&](const char *name) {
-        return QLatin1String(dialect.protocolPrefix) + QLatin1String(name);
+    QStringList words;
+    const auto add = [&](bool isSpoken, const char *name) {
+        if (isSpoken)
+            words.append(QLatin1String(dialect.protocolPrefix) + QLatin1String(name));
     };
-    const auto both = [&](const char *first, const char *second) -> QString {
-        return word(first) + QLatin1String(" | ") + word(second);
-    };
-    switch (lineType) {
-    case 1:
-        return word("CANOPEN");
-    case 2:
-        return word("J1939");
-    case 4:
-        return word("RAWCAN");
-    case 5:
-        return both("J1939", "CANOPEN");
-    case 6:
-        return dialect.isV4 ? both("CANOPEN", "RAWCAN") : word("RAWCAN");
-    case 7:
-        return dialect.isV4 ? both("J1939", "RAWCAN") : word("RAWCAN");
-    default:
-        return word("UNKNOWN");
-    }
+    const bool isRawCanOnly = type.hasRawCan && !dialect.isV4;
+    add(type.hasJ1939 && !isRawCanOnly, "J1939");
+    add(type.hasCANopen && !isRawCanOnly, "CANOPEN");
+    add(type.hasRawCan, "RAWCAN");
+    add(words.isEmpty(), "UNKNOWN");
+    return words.join(QLatin1String(" | "));
 }
-
-constexpr int maximumGeneratedLines = 32;
 
 } // namespace
 
@@ -72,7 +59,7 @@ int CommonGeneratorHelper::initStructureVersion(InitStructure structure) const
 QList<quint8> CommonGeneratorHelper::lines() const
 {
     QList<quint8> result = m_store ? m_store->getLines() : QList<quint8>();
-    result.removeIf([](quint8 line) { return line >= maximumGeneratedLines; });
+    result.removeIf([](quint8 line) { return line >= LineType::maximumLines; });
     return result;
 }
 
@@ -120,7 +107,8 @@ QString CommonGeneratorHelper::protocolWord(quint8 line) const
     const QString uds = QLatin1String(m_dialect.protocolPrefix) + QLatin1String("UDS");
     QString word = isBootLoader()
                        ? uds
-                       : protocolConstant(m_dialect, m_store ? m_store->getLineType(line) : 0);
+                       : protocolConstant(m_dialect, m_store ? m_store->lineType(line)
+                                                             : LineType::of(LineType::Unknown));
     if (hasUds(line))
         word += QLatin1String(" | ") + uds;
     return word;

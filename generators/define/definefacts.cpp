@@ -4,6 +4,7 @@
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/define/definecobs.h"
+#include "signals/signalwalk.h"
 #include "store/objectdatabase.h"
 
 #include <QRegularExpression>
@@ -24,7 +25,6 @@ constexpr quint16 nmtStartup = 0x1F80;
 constexpr quint64 flyingMasterBit = 1u << 5; // CiA 302-2
 constexpr quint16 carProfile = 447;
 constexpr quint16 virtualFunctionObject = 0x6000;
-constexpr quint32 addressClaim = 60928;
 
 /// A function or a pointer to one, as "&getNodeId"; what is no plain expression becomes a name.
 QString functionText(const QString &text)
@@ -53,7 +53,7 @@ private:
     void collectPgns(Line &line);
     void countReceivePgn(Line &line, const ObjectDataBase::PGN &pgn);
     static void countSafePgn(Line &line, const ObjectDataBase::PGN &pgn);
-    [[nodiscard]] bool isLong(quint8 line, const ObjectDataBase::PGN &pgn);
+    [[nodiscard]] static bool isLong(const SignalWalk::Pgn &pgn);
     void collectProfiles();
     [[nodiscard]] bool hasFlyingMaster() const;
     [[nodiscard]] quint32 entries(quint8 line, quint16 index) const;
@@ -99,14 +99,15 @@ void Collector::selectLines()
     for (const quint8 number : all) {
         Line line;
         line.line = number;
-        const int type = m_store.getLineType(number);
+        const LineType &type = m_store.lineType(number);
         const DictionaryFacts::LineCounts *counts = m_facts.dictionary.countsOf(number);
         if (counts)
             line.counts = *counts;
         // A line whose type was never set is what its objects make it.
-        line.hasCANopen = type == 1 || type == 5 || type == 6 || (type == 0 && line.counts.objects);
-        line.hasJ1939 = type == 2 || type == 5 || type == 7;
-        line.hasRawCAN = type == 4 || type == 6 || type == 7;
+        line.hasCANopen =
+            type.hasCANopen || (type.number == LineType::Unknown && line.counts.objects);
+        line.hasJ1939 = type.hasJ1939;
+        line.hasRawCAN = type.hasRawCan;
         m_facts.lines.append(line);
     }
     m_facts.hasCANopen = m_facts.any(&Line::hasCANopen);
@@ -204,36 +205,27 @@ void Collector::countSafePgn(Line &line, const ObjectDataBase::PGN &pgn)
 /// Safety messages are data of their own, and the stack brings the address claim.
 void Collector::collectPgns(Line &line)
 {
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        const bool isReceive = direction == ObjectDataBase::receive;
-        for (const quint32 number : m_store.getPGNList(line.line, direction)) {
-            ObjectDataBase::PGN pgn;
-            if (!m_store.getPGN(line.line, number, direction, pgn) ||
-                (!isReceive && number == addressClaim))
-                continue;
-            if (m_helper.isSafetyMessage(pgn))
-                countSafePgn(line, pgn);
-            else if (isReceive)
-                countReceivePgn(line, pgn);
-            else
-                ++line.transmitPgns;
-            line.hasLongPgns |= isLong(line.line, pgn);
-        }
-    }
+    SignalWalk::pgns(m_store, line.line, [&](const SignalWalk::Pgn &pgn) {
+        const bool isReceive = pgn.group.direction == ObjectDataBase::receive;
+        if (!isReceive && pgn.isAddressClaim())
+            return;
+        if (m_helper.isSafetyMessage(pgn.group))
+            countSafePgn(line, pgn.group);
+        else if (isReceive)
+            countReceivePgn(line, pgn.group);
+        else
+            ++line.transmitPgns;
+        line.hasLongPgns |= isLong(pgn);
+    });
 }
 
-bool Collector::isLong(quint8 line, const ObjectDataBase::PGN &pgn)
+bool Collector::isLong(const SignalWalk::Pgn &pgn)
 {
     constexpr int frameBits = 64;
-    for (const quint32 number : m_store.getSPNList(line, pgn.number, pgn.direction)) {
-        ObjectDataBase::SPN spn;
-        if (!m_store.getSPN(line, pgn.number, pgn.direction, number, spn))
-            continue;
+    return std::ranges::any_of(pgn.spns, [](const ObjectDataBase::SPN &spn) {
         const int length = std::max<int>(COHelper::getDataLengthBits(spn.dataType), spn.bitSize);
-        if (spn.bitPosition + length > frameBits)
-            return true;
-    }
-    return false;
+        return spn.bitPosition + length > frameBits;
+    });
 }
 
 void Collector::collectProfiles()

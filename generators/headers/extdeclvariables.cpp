@@ -7,6 +7,7 @@
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/base/dictionaryfactstypes.h"
+#include "signals/signalwalk.h"
 #include "store/objectdatabase.h"
 
 #include <QHash>
@@ -17,10 +18,6 @@
 namespace {
 
 using Row = ExtDeclVariables::Row;
-
-constexpr quint32 addressClaim = 60928;
-constexpr quint32 extendedBit = 0x20000000;
-constexpr quint32 identifierMask = 0x1FFFFFFF;
 
 /// A signal's C type by its width, as the mapping tables expect it.
 QString signalType(quint16 dataType)
@@ -129,12 +126,12 @@ void Collector::add(const QString &variable, const CType &type, quint32 elements
 
 void Collector::collectLine(quint8 line)
 {
-    const int type = m_store.getLineType(line);
-    if (type == 1 || type == 5 || type == 6)
+    const LineType &type = m_store.lineType(line);
+    if (type.hasCANopen)
         collectObjects(line);
-    if (type == 2 || type == 5 || type == 7)
+    if (type.hasJ1939)
         collectPgns(line);
-    if (type == 4 || type == 6 || type == 7)
+    if (type.hasRawCan)
         collectCanIds(line);
 }
 
@@ -158,49 +155,38 @@ void Collector::collectObjects(quint8 line)
 
 void Collector::collectPgns(quint8 line)
 {
-    m_store.loadSPNCache(line);
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        for (const quint32 number : m_store.getPGNList(line, direction)) {
-            ObjectDataBase::PGN pgn;
-            if (m_stop() || number == addressClaim || !m_store.getPGN(line, number, direction, pgn))
+    const auto take = [&](const SignalWalk::Pgn &pgn) {
+        if (pgn.isAddressClaim())
+            return;
+        comment(QStringLiteral("PGN 0x%1").arg(pgn.group.number, 0, 16));
+        const quint32 sources = m_helper.sourceAddresses(pgn.group);
+        for (const ObjectDataBase::SPN &spn : pgn.spns) {
+            if (spn.implementation != CANopen::Variable)
                 continue;
-            comment(QStringLiteral("PGN 0x%1").arg(number, 0, 16));
-            const quint32 sources = m_helper.sourceAddresses(pgn);
-            for (const quint32 spnNumber : m_store.getSPNList(line, number, direction)) {
-                ObjectDataBase::SPN spn;
-                if (!m_store.getSPN(line, number, direction, spnNumber, spn) ||
-                    spn.implementation != CANopen::Variable)
-                    continue;
-                const CType type = typeOf(spn.dataType, true);
-                add(spn.varName, type, type.isArray ? spn.bitSize / 8 : sources,
-                    QStringLiteral("SPN%1").arg(spnNumber));
-            }
+            const CType type = typeOf(spn.dataType, true);
+            add(spn.varName, type, type.isArray ? spn.bitSize / 8 : sources,
+                QStringLiteral("SPN%1").arg(spn.spn));
         }
-    }
-    m_store.clearSPNCache();
+    };
+    SignalWalk::pgns(m_store, line, take, m_stop);
 }
 
 void Collector::collectCanIds(quint8 line)
 {
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        for (const quint32 id : m_store.getCANIDList(line, direction)) {
-            if (m_stop())
-                return;
-            comment(QStringLiteral("CAN-ID %1/0x%2%3")
-                        .arg(line)
-                        .arg(id & identifierMask, 0, 16)
-                        .arg(QLatin1String(id & extendedBit ? " ext" : "")));
-            for (const quint32 number : m_store.getDataElementList(line, id, direction)) {
-                ObjectDataBase::DataElement element;
-                if (!m_store.getDataElement(line, id, direction, number, element) ||
-                    element.implementation != CANopen::Variable)
-                    continue;
-                const CType type = typeOf(element.dataType, true);
-                add(element.varName, type, type.isArray ? element.bitSize / 8 : 0,
-                    QStringLiteral("signal%1").arg(number));
-            }
+    const auto take = [&](const SignalWalk::CanId &canId) {
+        comment(QStringLiteral("CAN-ID %1/0x%2%3")
+                    .arg(line)
+                    .arg(canId.identifier(), 0, 16)
+                    .arg(QLatin1String(canId.isExtended() ? " ext" : "")));
+        for (const ObjectDataBase::DataElement &element : canId.elements) {
+            if (element.implementation != CANopen::Variable)
+                continue;
+            const CType type = typeOf(element.dataType, true);
+            add(element.varName, type, type.isArray ? element.bitSize / 8 : 0,
+                QStringLiteral("signal%1").arg(element.number));
         }
-    }
+    };
+    SignalWalk::canIds(m_store, line, take, m_stop);
 }
 
 } // namespace

@@ -17,8 +17,7 @@ bool isMultiLine(ObjectDataBase &store)
 {
     const QList<quint8> all = CommonGeneratorHelper(&store).lines();
     const bool isMixed = std::any_of(all.begin(), all.end(), [&store](quint8 line) {
-        constexpr int onlyCANopen = 1;
-        return store.getLineType(line) > onlyCANopen;
+        return store.getLineType(line) > LineType::CANopen;
     });
     bool hasSecondDictionary = false;
     const QList<quint8> dictionaries = DictionaryFacts::selectLines(store, hasSecondDictionary);

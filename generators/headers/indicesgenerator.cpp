@@ -3,10 +3,12 @@
 #include "canopen/canopentypes.h"
 #include "canopen/helper.h"
 #include "canopen/indextext.h"
+#include "canopen/j1939numbers.h"
 #include "canopen/objectranges.h"
 #include "generators/base/codewriter.h"
 #include "generators/base/commongeneratorhelper.h"
 #include "generators/headers/indicesnames.h"
+#include "signals/signalwalk.h"
 #include "store/objectdatabase.h"
 
 #include <QDebug>
@@ -17,9 +19,7 @@
 
 namespace {
 
-constexpr quint32 addressClaim = 60928;
 constexpr quint32 controllerName = 2848; // NAME of controller application (SAE J1939-81)
-constexpr quint32 extendedBit = 0x20000000;
 constexpr const char *entriesName = "S_NUMBER_OF_ENTRIES";
 constexpr const char *guard = "GEN_INDICES_H";
 
@@ -54,7 +54,7 @@ private:
     void writeObject(quint8 line, quint16 index);
     void writePdoName(const QByteArray &name, quint16 index);
     void writeSubs(quint8 line, quint16 index);
-    void writePgn(quint8 line, quint32 number, quint8 direction);
+    void writePgn(const SignalWalk::Pgn &pgn);
     void writeAddressClaim();
     /// The user's own define in the metadata, or the name behind its prefix.
     [[nodiscard]] static QByteArray nameOf(const ObjectDataBase::MetaData &metaData,
@@ -162,33 +162,28 @@ void Writer::writeSubs(quint8 line, quint16 index)
 void Writer::writePgns(quint8 line)
 {
     beginLine(line);
-    m_store.loadSPNCache(line);
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        for (const quint32 number : m_store.getPGNList(line, direction)) {
-            if (m_stop()) {
-                qDebug() << "Generation aborted";
-                return;
-            }
-            if (number != addressClaim)
-                writePgn(line, number, direction);
-        }
+    const auto write = [&](const SignalWalk::Pgn &pgn) {
+        if (!pgn.isAddressClaim())
+            writePgn(pgn);
+    };
+    if (!SignalWalk::pgns(m_store, line, write, m_stop)) {
+        qDebug() << "Generation aborted";
+        return;
     }
     writeAddressClaim();
-    m_store.clearSPNCache();
 }
 
-void Writer::writePgn(quint8 line, quint32 number, quint8 direction)
+void Writer::writePgn(const SignalWalk::Pgn &pgn)
 {
-    const QByteArray name = m_names.unique(
-        prefixed(IndicesNames::clean("PGN_", m_store.getPGNName(line, number, direction))));
+    const quint32 number = pgn.group.number;
+    const QByteArray name = m_names.unique(prefixed(IndicesNames::clean("PGN_", pgn.group.name)));
     m_out << "#define " << name.constData() << '\t' << number << "u /* 0x";
     m_out.hex(number) << " */\n";
-    for (const quint32 spn : m_store.getSPNList(line, number, direction)) {
-        QByteArray signal =
-            prefixed(IndicesNames::clean("SPN_", m_store.getSPNName(line, number, spn, direction)));
+    for (const ObjectDataBase::SPN &spn : pgn.spns) {
+        QByteArray signal = prefixed(IndicesNames::clean("SPN_", spn.name));
         if (m_names.isTaken(signal))
-            signal += '_' + QByteArray::number(number) + '_' + QByteArray::number(spn);
-        define(m_names.unique(signal), QByteArray::number(spn) + 'u');
+            signal += '_' + QByteArray::number(number) + '_' + QByteArray::number(spn.spn);
+        define(m_names.unique(signal), QByteArray::number(spn.spn) + 'u');
     }
 }
 
@@ -198,8 +193,8 @@ void Writer::writeAddressClaim()
 {
     const QByteArray pgn = prefixed("PGN_ADDRESS_CLAIM");
     if (m_names.take(pgn)) {
-        m_out << "#define " << pgn.constData() << '\t' << addressClaim << "u /* 0x";
-        m_out.hex(addressClaim) << " */\n";
+        m_out << "#define " << pgn.constData() << '\t' << J1939::addressClaimed << "u /* 0x";
+        m_out.hex(J1939::addressClaimed) << " */\n";
     }
     const QByteArray spn = prefixed("SPN_NAME_OF_CONTROLLER_APPLICATION");
     if (m_names.take(spn))
@@ -209,30 +204,15 @@ void Writer::writeAddressClaim()
 void Writer::writeCanIds(quint8 line)
 {
     beginLine(line);
-    for (const quint8 direction : {ObjectDataBase::receive, ObjectDataBase::transmit}) {
-        for (const quint32 id : m_store.getCANIDList(line, direction)) {
-            if (m_stop()) {
-                qDebug() << "Generation aborted";
-                return;
-            }
-            const QString name = m_store.getCANIDName(line, id, direction).trimmed();
-            const QByteArray text = name.isEmpty() ? "ID_" + QByteArray::number(id & ~extendedBit)
-                                                   : IndicesNames::clean("ID_", name);
-            define(m_names.unique(prefixed(text)), "0x" + QByteArray::number(id, 16) + 'u');
-        }
-    }
-}
-
-struct Protocols
-{
-    bool hasJ1939;
-    bool hasRawCAN;
-};
-
-Protocols protocolsOf(int lineType)
-{
-    return {.hasJ1939 = lineType == 2 || lineType == 5 || lineType == 7,
-            .hasRawCAN = lineType == 4 || lineType == 6 || lineType == 7};
+    const auto write = [&](const SignalWalk::CanId &canId) {
+        const quint32 id = canId.message.id;
+        const QString name = canId.message.name.trimmed();
+        const QByteArray text = name.isEmpty() ? "ID_" + QByteArray::number(canId.identifier())
+                                               : IndicesNames::clean("ID_", name);
+        define(m_names.unique(prefixed(text)), "0x" + QByteArray::number(id, 16) + 'u');
+    };
+    if (!SignalWalk::canIds(m_store, line, write, m_stop))
+        qDebug() << "Generation aborted";
 }
 
 } // namespace
@@ -258,10 +238,10 @@ void IndicesGenerator::writeContent(QIODevice &device)
     for (const quint8 line : lines)
         writer.writeObjects(line);
     for (const quint8 line : lines) {
-        const Protocols protocols = protocolsOf(store()->getLineType(line));
-        if (protocols.hasJ1939)
+        const LineType &type = store()->lineType(line);
+        if (type.hasJ1939)
             writer.writePgns(line);
-        if (protocols.hasRawCAN)
+        if (type.hasRawCan)
             writer.writeCanIds(line);
     }
     out << "#endif /* " << guard << " */\n";

@@ -1,4 +1,5 @@
 #include "store/storeguards.h"
+#include "store/undomanager.h"
 #include "tests/store/storetest.h"
 
 #include <QSignalSpy>
@@ -22,18 +23,19 @@ private slots:
     void bulkWithoutCommitLeavesNothing();
     void innerFailureTakesTheOuterBack();
     void bulkIsRefused();
+    void bulkIsOneStep();
     void failedCopyLeavesTheTarget();
     void blocksNest();
     void modesComeBack();
 
 private:
     void changeEverything();
-    std::unique_ptr<Store> m_store;
+    std::shared_ptr<Store> m_store;
 };
 
 void TestStoreGuards::init()
 {
-    m_store = std::make_unique<Store>();
+    m_store = std::make_shared<Store>();
     QVERIFY(m_store->createNewDataBase());
     QVERIFY(m_store->addIndex(0, 0x2000, {.name = QStringLiteral("kept")}));
     QVERIFY(m_store->addPGN(0, 1, {.direction = Store::transmit}));
@@ -136,8 +138,29 @@ void TestStoreGuards::bulkIsRefused()
     }
     StoreBulkChange bulk(*m_store);
     QVERIFY(!m_store->createNewDataBase());
+    QVERIFY(!m_store->saveDatabaseAsSql(QStringLiteral("half.vxmp")));
+    QVERIFY(!m_store->takeSnapshot(QStringLiteral("half.db")));
+    QVERIFY(!m_store->restoreSnapshot(m_store->workingFiles().constFirst()));
     QVERIFY(bulk.commit());
     QVERIFY(m_store->createNewDataBase());
+}
+
+void TestStoreGuards::bulkIsOneStep()
+{
+    UndoManager undo;
+    undo.setDatabase(m_store);
+    const QString before = m_store->contentHash();
+    {
+        StoreBulkChange bulk(*m_store);
+        QVERIFY(m_store->addIndex(0, 0x2001, {}));
+        QTest::qWait(800); // longer than a pause between two steps
+        changeEverything();
+        QVERIFY(bulk.commit());
+    }
+    QTRY_VERIFY(!undo.currentState().isEmpty());
+    undo.undo();
+    QCOMPARE(m_store->contentHash(), before);
+    QVERIFY(!undo.canUndo());
 }
 
 void TestStoreGuards::failedCopyLeavesTheTarget()

@@ -1,4 +1,4 @@
-#include "importgui/subselectdialog.h"
+#include "gui/subselectdialog.h"
 
 #include "canopen/indextext.h"
 #include "store/objectdatabase.h"

@@ -1,4 +1,4 @@
-#include "importgui/indexdestinationdialog.h"
+#include "gui/indexdestinationdialog.h"
 
 #include "canopen/indextext.h"
 #include "store/objectdatabase.h"
