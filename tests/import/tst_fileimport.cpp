@@ -1,6 +1,7 @@
 #include "importsupport.h"
 
 #include "import/fileimport.h"
+#include "import/objectcargo.h"
 #include "import/vxmpimporter.h"
 #include "resources/codb/standardprofiles.h"
 #include "store/undomanager.h"
@@ -73,7 +74,7 @@ QString saveProject(const QTemporaryDir &folder, const QString &name)
 /// A project with its line 0, and the store that files are read into.
 struct Session
 {
-    Session() : import(*project, 0, *scratch)
+    Session()
     {
         QObject::connect(&import, &FileImport::importError,
                          [this](const QString &text) { errors.append(text); });
@@ -91,7 +92,8 @@ struct Session
     Outcome take(const QList<ImportedItem> &items, Kind kind, bool deviceData = false)
     {
         QSignalSpy spy(&import, &FileImport::takeFinished);
-        refusal = import.take(items, kind, deviceData);
+        cargo.choose(items, kind, deviceData);
+        refusal = import.take();
         if (!refusal.isEmpty() || (spy.isEmpty() && !spy.wait(20000)))
             return Outcome::Failed;
         return spy.first().first().value<Outcome>();
@@ -101,7 +103,7 @@ struct Session
     [[nodiscard]] QList<ImportedItem> all() const
     {
         QList<ImportedItem> items;
-        for (const FileImport::Object &found : import.objects())
+        for (const ObjectCargo::Object &found : cargo.objects())
             items.append({found.index, found.index, {}, {}});
         return items;
     }
@@ -109,7 +111,7 @@ struct Session
     [[nodiscard]] QList<quint16> listed() const
     {
         QList<quint16> indices;
-        for (const FileImport::Object &found : import.objects())
+        for (const ObjectCargo::Object &found : cargo.objects())
             indices.append(found.index);
         return indices;
     }
@@ -119,7 +121,8 @@ struct Session
     std::shared_ptr<ObjectDataBase> scratch{ImportSupport::newStore()};
     QStringList errors;
     QString refusal;
-    FileImport import;
+    ObjectCargo cargo;
+    FileImport import{{*project, 0, *scratch}, cargo};
 };
 
 } // namespace
@@ -145,6 +148,7 @@ private slots:
     void takesChosenSubindices();
     void runsCommandsLast();
     void takesDeviceDataIfWanted();
+    void permitsDynamicMappings();
     void isOneUndoStep();
     void cancelLeavesTheProject();
     void offersShippedSources_data();
@@ -180,7 +184,7 @@ void TestFileImport::readsEverySuffix()
     const QString before = session.project->contentHash();
     QCOMPARE(session.read({path}), Outcome::Done);
     QCOMPARE(session.listed(), indices);
-    QCOMPARE(session.import.summary(), u"%1 objects read."_s.arg(indices.size()));
+    QCOMPARE(session.cargo.summary(), u"%1 objects read."_s.arg(indices.size()));
     QCOMPARE(session.project->contentHash(), before);
     // The range is that of the caller.
     QCOMPARE(session.read({path, 0x2001, 0x5FFF}), Outcome::Done);
@@ -240,18 +244,18 @@ void TestFileImport::listsAndReplacesWhatExists()
     }
     QCOMPARE(session.read({ImportSupport::write(session.folder, u"a.csv"_s, csv)}), Outcome::Done);
     QCOMPARE(
-        session.import.summary(),
+        session.cargo.summary(),
         u"2 objects read. (1 red objects already exist in project. Import overwrites them.)"_s);
-    QVERIFY(session.import.objects().first().exists && !session.import.objects().last().exists);
+    QVERIFY(session.cargo.objects().first().exists && !session.cargo.objects().last().exists);
     QCOMPARE(
-        session.import.subindices(0x2000),
+        session.cargo.subindices(0x2000),
         (QList<std::pair<quint8, QString>>{{0, u"Highest"_s}, {1, u"Speed"_s}, {2, u"Label"_s}}));
     QCOMPARE(session.take({{0x2000, 0x2000, {}, {}}}, Kind::Managed), Outcome::Done);
     QCOMPARE(object(*session.project, 0x2000).name, u"Motor"_s);
     QCOMPARE(session.project->getSubIndices(0, 0x2000), (QList<quint8>{0, 1, 2}));
     QCOMPARE(session.project->getIndices(0), QList<quint16>{0x2000});
     QCOMPARE(session.take({{0x2005, 0x2005, {}, {}}}, Kind::Managed), Outcome::Done);
-    QVERIFY(session.import.objects().last().exists);
+    QVERIFY(session.cargo.objects().last().exists);
 }
 
 void TestFileImport::readsOneSourceLine()
@@ -259,11 +263,11 @@ void TestFileImport::readsOneSourceLine()
     Session session;
     const QString path = saveProject(session.folder, u"two.vxmp"_s);
     QCOMPARE(session.read({path, 0x1000, 0xFFFF, 3}), Outcome::Done);
-    QCOMPARE(session.import.sourceLines(), (QList<quint8>{0, 3}));
+    QCOMPARE(session.cargo.sourceLines(), (QList<quint8>{0, 3}));
     QCOMPARE(session.listed(), QList<quint16>{0x2300});
     QCOMPARE(session.read({path, 0x1000, 0xFFFF, 7}), Outcome::Done);
     QCOMPARE(session.listed(), QList<quint16>());
-    QCOMPARE(session.import.summary(),
+    QCOMPARE(session.cargo.summary(),
              u"0 objects read. The file has none from 0x1000 to 0xffff."_s);
 }
 
@@ -361,7 +365,7 @@ void TestFileImport::runsCommandsLast()
     const QString path = ImportSupport::write(
         session.folder, u"a.csv"_s, "d,0x2005\nc,0x2100,0x2005\nc,0x2000,7,1\nd,0x2009\n" + csv);
     QCOMPARE(session.read({path}), Outcome::Done);
-    QVERIFY(session.import.hasCommands());
+    QVERIFY(session.cargo.hasCommands());
     QCOMPARE(session.listed(), (QList<quint16>{0x2000, 0x2005}));
     QVERIFY(session.project->indexExists(0, 0x2009));
     QCOMPARE(session.take(session.all(), Kind::Managed), Outcome::Done);
@@ -369,7 +373,7 @@ void TestFileImport::runsCommandsLast()
     QCOMPARE(entry(*session.project, 0x2000, 7).name, u"Speed"_s);
     // The commands of one file are none of the next.
     QCOMPARE(session.read({ImportSupport::write(session.folder, u"b.csv"_s, csv)}), Outcome::Done);
-    QVERIFY(!session.import.hasCommands());
+    QVERIFY(!session.cargo.hasCommands());
 }
 
 void TestFileImport::takesDeviceDataIfWanted()
@@ -382,6 +386,24 @@ void TestFileImport::takesDeviceDataIfWanted()
     QCOMPARE(session.project->getDescriptionSetting(key), u"Me"_s);
     QCOMPARE(session.take(session.all(), Kind::Managed, true), Outcome::Done);
     QCOMPARE(session.project->getDescriptionSetting(key), u"Somebody"_s);
+}
+
+void TestFileImport::permitsDynamicMappings()
+{
+    for (const auto &[access, before, after] :
+         {std::array{u"rw"_s, u"0"_s, u"8"_s}, std::array{u"rw"_s, QString(), u"8"_s},
+          std::array{u"rw"_s, u"1"_s, u"1"_s}, std::array{u"const"_s, u"0"_s, u"0"_s}}) {
+        Session session;
+        session.project->setDescriptionSetting(u"Granularity"_s, before);
+        const QByteArray rows = "index,sub,objectcode,datatype,access,edsname,value\n"
+                                "0x1A00,,RECORD,,,Mapping,\n0x1A00,0,,UNSIGNED8," +
+                                access.toLatin1() + ",Count,0\n";
+        QCOMPARE(session.read({ImportSupport::write(session.folder, u"a.csv"_s, rows)}),
+                 Outcome::Done);
+        QCOMPARE(session.take(session.all(), Kind::Managed), Outcome::Done);
+        QCOMPARE(session.project->getDescriptionSetting(u"Granularity"_s), after);
+        QCOMPARE(session.import.resultText().contains(u"granularity"_s), before != after);
+    }
 }
 
 void TestFileImport::isOneUndoStep()
@@ -398,7 +420,7 @@ void TestFileImport::isOneUndoStep()
     // An edit from right before stays a step of its own.
     session.project->setGeneralSetting(u"mine"_s, u"1"_s);
     QCOMPARE(session.take(session.all(), Kind::Managed), Outcome::Done);
-    QVERIFY(session.import.objects().size() > 40);
+    QVERIFY(session.cargo.objects().size() > 40);
     QTRY_VERIFY(!undo.currentState().isEmpty());
     QCOMPARE(notified.size(), 2);
     QCOMPARE(notified.last().first().value<ObjectDataBase::ChangeSet>().kind,
@@ -440,8 +462,9 @@ void TestFileImport::cancelLeavesTheProject()
         if (percent > 20 && percent < 100)
             session.import.cancel();
     });
-    QCOMPARE(session.import.take(session.all(), Kind::Managed, false), QString());
-    QVERIFY(!session.import.take(session.all(), Kind::Managed, false).isEmpty());
+    session.cargo.choose(session.all(), Kind::Managed, false);
+    QCOMPARE(session.import.take(), QString());
+    QVERIFY(!session.import.take().isEmpty());
     QVERIFY(taken.wait(20000));
     QCOMPARE(taken.first().first().value<Outcome>(), Outcome::Cancelled);
     QCOMPARE(session.project->contentHash(), before);
