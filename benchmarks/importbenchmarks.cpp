@@ -4,6 +4,7 @@
 #include "import/csvimporter.h"
 #include "import/edsimporter.h"
 #include "import/fileimport.h"
+#include "import/objectcargo.h"
 #include "store/objectdatabase.h"
 
 #include <QEventLoop>
@@ -126,15 +127,16 @@ struct DialogImport
     bool takeAll()
     {
         QList<ImportedItem> items;
-        for (const FileImport::Object &object : import.objects())
+        for (const ObjectCargo::Object &object : cargo.objects())
             items.append({object.index, object.index, {}, {}});
-        return import.take(items, ImportedImplementation::Managed, false).isEmpty() &&
-               ends(&FileImport::takeFinished);
+        cargo.choose(items, ImportedImplementation::Managed, false);
+        return import.take().isEmpty() && ends(&FileImport::takeFinished);
     }
 
     ObjectDataBase project;
     ObjectDataBase scratch;
-    FileImport import{project, 0, scratch};
+    ObjectCargo cargo;
+    FileImport import{{project, 0, scratch}, cargo};
 
 private:
     template <typename Signal>

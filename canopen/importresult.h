@@ -31,8 +31,6 @@ public:
     explicit ImportResult(const QString &file) : m_file(file) {}
 
     void add(Kind kind, int line, const QString &text);
-    /// How many objects or messages have come in.
-    void setReadCount(qsizetype count) { m_readCount = count; }
     /// A further reason why nothing or not all was read, as it is to be shown.
     void addError(const QString &text);
     /// The next note is only counted.
@@ -41,7 +39,6 @@ public:
     [[nodiscard]] const QList<Note> &notes() const { return m_notes; }
     /// Notes of a kind, also those that were only counted.
     [[nodiscard]] qsizetype count(Kind kind) const { return m_counts[std::size_t(kind)]; }
-    [[nodiscard]] qsizetype readCount() const { return m_readCount; }
     /// Empty if all went well; else a line a reason.
     [[nodiscard]] QString error() const { return m_error; }
     /// "file:line: text", without the number for line 0.
@@ -53,6 +50,5 @@ private:
     QString m_file;
     QList<Note> m_notes;
     std::array<qsizetype, 5> m_counts = {};
-    qsizetype m_readCount = 0;
     QString m_error;
 };

@@ -108,9 +108,3 @@ void BaseDataImporter::adopt(const ImportResult &result)
     if (const QString error = result.error(); !error.isEmpty())
         emit importError(error);
 }
-
-void BaseDataImporter::setReadCount(qsizetype count)
-{
-    const std::lock_guard lock(m_resultMutex);
-    m_result.setReadCount(count);
-}

@@ -69,8 +69,6 @@ protected:
     void note(ImportResult::Kind kind, int line, const QString &text);
     /// Takes the notes and errors of a parser in place of those of this run, and tells the errors.
     void adopt(const ImportResult &result);
-    /// How many objects or messages have come in.
-    void setReadCount(qsizetype count);
 
     [[nodiscard]] ObjectDataBase *store() const { return m_store; }
     [[nodiscard]] quint8 line() const { return m_line; }

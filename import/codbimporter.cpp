@@ -43,8 +43,6 @@ bool CODBImporter::import()
     if (!readLines(*text))
         return true;
     emit progress(50);
-    setReadCount(std::count_if(m_staged.cbegin(), m_staged.cend(),
-                               [](const Staged &staged) { return staged.object.has_value(); }));
     return write();
 }
 

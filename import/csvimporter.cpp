@@ -119,7 +119,6 @@ bool CsvImporter::import()
     bool done = true;
     if (isRead && !isCancelled()) {
         complete();
-        setReadCount(static_cast<qsizetype>(m_objects.size()));
         done = write();
         noteDropped(m_droppedCount);
         if (m_runsCommands && !isCancelled())

@@ -122,7 +122,6 @@ bool EDSImporter::import()
     for (const QString &text : mended)
         note(ImportResult::Kind::Mended, 0, text);
     m_hasDynamicMapping = hasDynamicMapping(m_writer->entries());
-    setReadCount(m_writer->objectCount());
     bool done = m_writer->write();
     noteDropped(m_writer->droppedCount());
     emit progress(85);

@@ -78,6 +78,7 @@ bool FileImportTransfer::run(const std::atomic<bool> &cancelled,
         return false;
     if (m_deviceData)
         done = takeDeviceData();
+    done &= permitDynamicMapping();
     m_commands.run(m_target, m_line);
     return done && !cancelled;
 }
@@ -148,6 +149,8 @@ bool FileImportTransfer::takeObject(const ImportedItem &item, Batch &batch)
             data.defaultvalue = QString::number(highest);
         if (!isCompound(object) && !item.name.isEmpty())
             data.name = item.name;
+        m_hasDynamicMapping |= isSubZero && ObjectRanges::isPdoMapping(item.target) &&
+                               data.accesstype == QLatin1String("rw");
         batch.entries.append({m_line, item.target, subindex, data});
     }
     if (isPart && isCompound(object) && !subindices.contains(0))
@@ -186,5 +189,22 @@ bool FileImportTransfer::takeDeviceData()
     }
     m_source.setDescriptionLine(sourceLine);
     m_target.setDescriptionLine(targetLine);
+    return done;
+}
+
+/// Granularity 0 says that no mapping can be changed (CiA 306), which the objects contradict.
+bool FileImportTransfer::permitDynamicMapping()
+{
+    if (!m_hasDynamicMapping)
+        return true;
+    const QString key = QStringLiteral("Granularity");
+    const quint8 line = m_target.descriptionLine();
+    m_target.setDescriptionLine(m_line);
+    bool done = true;
+    if (m_target.getDescriptionSetting(key).toUInt(nullptr, 0) == 0) {
+        done = m_target.setDescriptionSetting(key, QStringLiteral("8"));
+        m_hasMendedGranularity = done;
+    }
+    m_target.setDescriptionLine(line);
     return done;
 }

@@ -44,6 +44,8 @@ public:
     /// False if the target refused a part or the run was cancelled; half of it may be done then.
     /// `progress` hears percent, on this thread.
     bool run(const std::atomic<bool> &cancelled, const std::function<void(int)> &progress);
+    /// The target denied that mappings can be changed, and some that came can; it permits it now.
+    [[nodiscard]] bool hasMendedGranularity() const { return m_hasMendedGranularity; }
 
 private:
     struct Batch
@@ -58,6 +60,7 @@ private:
     [[nodiscard]] bool takeObject(const ImportedItem &item, Batch &batch);
     [[nodiscard]] QList<quint8> subindicesOf(const ImportedItem &item, bool isCompound);
     [[nodiscard]] bool takeDeviceData();
+    [[nodiscard]] bool permitDynamicMapping();
 
     ObjectDataBase &m_target;
     ObjectDataBase &m_source;
@@ -66,6 +69,8 @@ private:
     QList<ImportedItem> m_items;
     ImportedImplementation m_kind = ImportedImplementation::Original;
     bool m_deviceData = false;
+    bool m_hasDynamicMapping = false; ///< among what was taken over
+    bool m_hasMendedGranularity = false;
     QHash<quint16, QList<quint8>> m_present; ///< those objects of the target that are concerned
     DictionaryCommands m_commands;
 };

@@ -19,7 +19,6 @@ public:
     void addEntry(quint16 index, quint8 subindex, ObjectDataBase::SUBINDEX_DATA_T data);
     /// The collected object; null if there is none.
     [[nodiscard]] ObjectDataBase::INDEX_DATA_T *object(quint16 index);
-    [[nodiscard]] qsizetype objectCount() const { return m_order.size(); }
     /// The collected subindices in the order of the file; of a number that stands twice the last
     /// counts.
     [[nodiscard]] QList<ObjectDataBase::SubEntry> &entries() { return m_entries; }

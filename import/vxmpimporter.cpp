@@ -74,7 +74,6 @@ bool VXMPImporter::copyObjects(ObjectDataBase &source)
                 entries.append({line(), index, subindex, data});
         }
     }
-    setReadCount(objects.size());
     done &= store()->addIndices(objects);
     done &= store()->addSubIndices(entries);
     // The batches go past the caches.

@@ -40,6 +40,20 @@ std::optional<quint32> hexNumber(QStringView text, quint32 highest)
     return ok && number <= highest ? std::optional(number) : std::nullopt;
 }
 
+/// What makes a document unreadable. The reader's own words tell nothing to who didn't write XML;
+/// those that this importer has raised do.
+QString faultOf(const QXmlStreamReader &xml)
+{
+    switch (xml.error()) {
+    case QXmlStreamReader::CustomError:
+        return xml.errorString();
+    case QXmlStreamReader::PrematureEndOfDocumentError:
+        return XDDImporter::tr("The file ends in the middle of the document.");
+    default:
+        return XDDImporter::tr("The file is no well-formed XML from here on.");
+    }
+}
+
 QString attribute(const QXmlStreamReader &xml, const char *name, const QString &fallback = {})
 {
     const QXmlStreamAttributes all = xml.attributes();
@@ -98,7 +112,6 @@ void XDDImporter::reset()
 bool XDDImporter::write()
 {
     emit progress(50);
-    setReadCount(m_writer->objectCount());
     bool done = m_writer->write();
     noteDropped(m_writer->droppedCount());
     if (m_productName) {
@@ -132,11 +145,14 @@ void XDDImporter::read()
         qDebug() << "no cia 1311";
         reportError(tr("%1 has is not in CiA 1311 XDD format.").arg(fileName()));
     }
-    if (xml.hasError())
-        reportError(QStringLiteral("%1:%2: %3")
+    if (xml.hasError()) {
+        qDebug() << fileName() << xml.errorString();
+        reportError(QStringLiteral("%1:%2:%3: %4")
                         .arg(fileName())
                         .arg(xml.lineNumber())
-                        .arg(xml.errorString()));
+                        .arg(xml.columnNumber() + 1)
+                        .arg(faultOf(xml)));
+    }
 }
 
 void XDDImporter::readDocument(QXmlStreamReader &xml)

@@ -63,7 +63,7 @@ constexpr std::array segments{
 FileImportDialog::FileImportDialog(ObjectDataBase &project, quint8 line, ObjectDataBase &scratch,
                                    QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::FileImportDialog>()), m_project(project),
-      m_line(line), m_import(new FileImport(project, line, scratch, this)),
+      m_line(line), m_import(new FileImport({project, line, scratch}, m_cargo, this)),
       m_model(new ImportObjectModel(this)), m_filter(new ImportObjectFilter(this))
 {
     ui->setupUi(this);
@@ -75,7 +75,11 @@ FileImportDialog::FileImportDialog(ObjectDataBase &project, quint8 line, ObjectD
     fileChanged();
 }
 
-FileImportDialog::~FileImportDialog() = default;
+FileImportDialog::~FileImportDialog()
+{
+    // As a child it would end behind the cargo that it works with.
+    delete m_import;
+}
 
 void FileImportDialog::decorate()
 {
@@ -230,17 +234,17 @@ void FileImportDialog::showReadResult(FileImport::Outcome outcome)
     if (outcome != FileImport::Outcome::Done)
         m_readFile.clear();
     const QSignalBlocker blocker(ui->cbSourceLine);
-    if (const QList<quint8> lines = m_import->sourceLines(); !lines.isEmpty()) {
+    if (const QList<quint8> lines = m_cargo.sourceLines(); !lines.isEmpty()) {
         const QVariant chosen = ui->cbSourceLine->currentData();
         ui->cbSourceLine->clear();
         for (const quint8 line : lines)
             ui->cbSourceLine->addItem(tr("Line %1").arg(line), line);
         ui->cbSourceLine->setCurrentIndex(qMax(0, ui->cbSourceLine->findData(chosen)));
     }
-    m_model->setObjects(m_import->objects());
+    m_model->setObjects(m_cargo.objects());
     if (outcome == FileImport::Outcome::Done) {
-        ui->lblObjects->setText(m_import->summary());
-        if (m_import->hasCommands())
+        ui->lblObjects->setText(m_cargo.summary());
+        if (m_cargo.hasCommands())
             ui->lblResult->setText(
                 tr("The file copies or deletes objects too. This is done last."));
         ui->lvObjects->setCurrentIndex(m_filter->index(0, 0));
@@ -286,7 +290,7 @@ void FileImportDialog::selectSubIndices()
         return;
     ImportedItem item = m_model->item(row);
     SubSelectDialog dialog(IndexText::titled(item.index, m_model->nameOf(row)),
-                           m_import->subindices(item.index), item.subindices, this);
+                           m_cargo.subindices(item.index), item.subindices, this);
     if (GuiHelper::execDialog(dialog) != QDialog::Accepted)
         return;
     item.subindices = dialog.chosenSubindices();
@@ -369,7 +373,8 @@ void FileImportDialog::import()
     const FileImportFormat *format = FileImportFormat::of(m_readFile);
     const bool withDevice = format != nullptr && format->is(FileImportFormat::DeviceData) &&
                             ui->chkDeviceInfo->isChecked();
-    const QString refusal = m_import->take(m_model->checkedItems(), implementation(), withDevice);
+    m_cargo.choose(m_model->checkedItems(), implementation(), withDevice);
+    const QString refusal = m_import->take();
     updateState();
     if (!refusal.isEmpty())
         showError(QStringLiteral("Import error"), refusal);
@@ -378,9 +383,9 @@ void FileImportDialog::import()
 void FileImportDialog::showImportResult(FileImport::Outcome outcome)
 {
     if (outcome == FileImport::Outcome::Done) {
-        m_model->setExisting(m_import->existing());
+        m_model->setExisting(m_cargo.existing());
         m_model->setChecked(m_model->checkedRows(), false);
-        ui->lblObjects->setText(m_import->summary());
+        ui->lblObjects->setText(m_cargo.summary());
         ui->lblResult->setText(m_import->resultText());
         emit imported(m_import->resultText());
     } else if (outcome == FileImport::Outcome::Cancelled) {
@@ -431,5 +436,5 @@ void FileImportDialog::updateState()
     ui->lblSelected->setText(
         hasRows ? tr("%1 shown, %2 selected").arg(m_filter->rowCount()).arg(checked) : QString());
     ui->btnImport->setEnabled(isIdle && !m_readFile.isEmpty() &&
-                              (checked > 0 || m_import->hasCommands()));
+                              (checked > 0 || m_cargo.hasCommands()));
 }

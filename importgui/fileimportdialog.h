@@ -1,6 +1,7 @@
 #pragma once
 
 #include "import/fileimport.h"
+#include "import/objectcargo.h"
 
 #include <QDialog>
 
@@ -69,6 +70,7 @@ private:
     std::unique_ptr<Ui::FileImportDialog> ui;
     ObjectDataBase &m_project;
     quint8 m_line;
+    ObjectCargo m_cargo;
     FileImport *m_import; ///< child of the dialog
     ImportObjectModel *m_model;
     ImportObjectFilter *m_filter;

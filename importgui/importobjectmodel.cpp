@@ -48,13 +48,13 @@ QIcon blankIcon()
 
 ImportObjectModel::ImportObjectModel(QObject *parent) : QAbstractListModel(parent) {}
 
-void ImportObjectModel::setObjects(const QList<FileImport::Object> &objects)
+void ImportObjectModel::setObjects(const QList<ObjectCargo::Object> &objects)
 {
     beginResetModel();
     m_rows.clear();
     m_rows.reserve(objects.size());
     m_existing.clear();
-    for (const FileImport::Object &object : objects) {
+    for (const ObjectCargo::Object &object : objects) {
         m_rows.append({object, {object.index, object.index, {}, {}}});
         if (object.exists)
             m_existing.insert(object.index);

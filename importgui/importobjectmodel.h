@@ -1,6 +1,6 @@
 #pragma once
 
-#include "import/fileimport.h"
+#include "import/objectcargo.h"
 
 #include <QAbstractListModel>
 #include <QColor>
@@ -19,7 +19,7 @@ public:
 
     explicit ImportObjectModel(QObject *parent = nullptr);
 
-    void setObjects(const QList<FileImport::Object> &objects);
+    void setObjects(const QList<ObjectCargo::Object> &objects);
     [[nodiscard]] QString nameOf(int row) const { return m_rows.at(row).object.name; }
 
     /// Checks or unchecks rows, with one signal for all of them.
@@ -48,7 +48,7 @@ signals:
 private:
     struct Row
     {
-        FileImport::Object object;
+        ObjectCargo::Object object;
         ImportedItem item;
         bool isChecked = false;
     };

@@ -142,9 +142,13 @@ private slots:
                                    << u"a.xdd has is not in CiA 1311 XDD format."_s;
         QTest::newRow("no XML") << QByteArray("[FileInfo]\nFileName=a.eds\n")
                                 << u"a.xdd has is not in CiA 1311 XDD format."_s;
-        QTest::newRow("cut off") << good.left(good.size() - 30) << u"a.xdd:"_s;
+        QTest::newRow("cut off") << good.left(good.size() - 30)
+                                 << u": The file ends in the middle of the document."_s;
         QTest::newRow("damaged") << QByteArray(good).replace("</CANopenFDObjectList>", "</oops>")
                                  << u"a.xdd:3:"_s;
+        QTest::newRow("damaged in words")
+            << QByteArray(good).replace("</CANopenFDObjectList>", "</oops>")
+            << u": The file is no well-formed XML from here on."_s;
         QByteArray bomb = "<!DOCTYPE a [<!ENTITY e0 \"lol\">";
         for (int i = 1; i < 30; ++i)
             bomb += "<!ENTITY e" + QByteArray::number(i) + " \"" +
