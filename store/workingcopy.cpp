@@ -51,10 +51,11 @@ struct Reserved
     }
 };
 
+/// Never destroyed: a store that lives until the end of the process still releases its files.
 Reserved &reserved()
 {
-    static Reserved instance;
-    return instance;
+    static auto *const instance = new Reserved;
+    return *instance;
 }
 
 QString reserveIn(const QString &folder)
