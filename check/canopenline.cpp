@@ -1,7 +1,7 @@
 #include "check/canopenline.h"
 
 #include "canopen/indextext.h"
-#include "check/valuetext.h"
+#include "canopen/valuetext.h"
 #include "store/objectdatabase.h"
 #include "store/usersettings.h"
 

@@ -1,8 +1,8 @@
 #include "canopen/canopentypes.h"
 #include "canopen/linetype.h"
+#include "canopen/valuetext.h"
 #include "check/checkpass.h"
 #include "check/commonmessages.h"
-#include "check/valuetext.h"
 #include "store/edition.h"
 #include "store/objectdatabase.h"
 

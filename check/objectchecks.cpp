@@ -2,9 +2,9 @@
 #include "canopen/indextext.h"
 #include "canopen/numbertext.h"
 #include "canopen/objectranges.h"
+#include "canopen/valuetext.h"
 #include "check/canopenchecks.h"
 #include "check/canopenline.h"
-#include "check/valuetext.h"
 #include "dictionary/subzero.h"
 
 #include <QCoreApplication>

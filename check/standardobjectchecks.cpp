@@ -1,8 +1,8 @@
 #include "canopen/canopentypes.h"
 #include "canopen/indextext.h"
+#include "canopen/valuetext.h"
 #include "check/canopenchecks.h"
 #include "check/canopenline.h"
-#include "check/valuetext.h"
 
 #include <array>
 

@@ -106,6 +106,54 @@ void takeType(DictionaryObject &object, quint16 dataType, MappingFollower &follo
     }
 }
 
+/// Puts the values of subindices in the object, with what follows from them.
+EditResult putEntries(const EditContext &context, EditTransaction &edit, DictionaryObject &object,
+                      const QMap<quint8, Record> &records)
+{
+    MappingFollower follower(edit, context.line);
+    for (auto record = records.cbegin(); record != records.cend(); ++record) {
+        DictionaryEntry *entry = object.find(record.key());
+        if (entry == nullptr)
+            return notThere(QStringLiteral("subindex %1 of %2")
+                                .arg(record.key())
+                                .arg(IndexText::hex(object.index)));
+        if (entry->data == *record)
+            continue;
+        EditResult allowed =
+            context.rights.change(object.index, record.key(), entry->data, *record);
+        if (!allowed)
+            return allowed;
+        const quint16 former = std::exchange(entry->data, *record).datatype;
+        complete(object, *entry);
+        if (former == record->datatype)
+            continue;
+        follower.setDataType({object.index, record.key()}, record->datatype,
+                             object.isShared(*entry));
+        if (!object.isCompound() && object.data.datatype == former)
+            object.data.datatype = record->datatype;
+    }
+    return EditResult::done();
+}
+
+/// Puts the record of the object in it, with what follows for its subindices.
+EditResult putObject(const EditContext &context, EditTransaction &edit, DictionaryObject &object,
+                     const ObjectDataBase::INDEX_DATA_T &data)
+{
+    if (object.data == data)
+        return EditResult::done();
+    if (EditResult allowed = context.rights.change(object.index, object.data, data); !allowed)
+        return allowed;
+    const ObjectDataBase::INDEX_DATA_T former = std::exchange(object.data, data);
+    QList<Move> moves;
+    if (former.objecttype != data.objecttype)
+        turn(object, former.objecttype, former.datatype == data.datatype, moves);
+    MappingFollower follower(edit, context.line);
+    follower.follow(moves);
+    if (former.datatype != data.datatype)
+        takeType(object, data.datatype, follower);
+    return EditResult::done();
+}
+
 template <auto member>
 void copyMember(const Record &from, Record &to)
 {
@@ -159,48 +207,29 @@ EditResult RecordEdits::saveEntries(const EditContext &context, quint16 index,
     DictionaryObject *object = edit.change(context.line, index);
     if (object == nullptr)
         return notThere(QStringLiteral("object %1").arg(IndexText::hex(index)));
-    MappingFollower follower(edit, context.line);
-    for (auto record = records.cbegin(); record != records.cend(); ++record) {
-        DictionaryEntry *entry = object->find(record.key());
-        if (entry == nullptr)
-            return notThere(
-                QStringLiteral("subindex %1 of %2").arg(record.key()).arg(IndexText::hex(index)));
-        if (entry->data == *record)
-            continue;
-        const EditResult allowed = context.rights.change(index, record.key(), entry->data, *record);
-        if (!allowed)
-            return allowed;
-        const quint16 former = std::exchange(entry->data, *record).datatype;
-        complete(*object, *entry);
-        if (former == record->datatype)
-            continue;
-        follower.setDataType({index, record.key()}, record->datatype, object->isShared(*entry));
-        if (!object->isCompound() && object->data.datatype == former)
-            object->data.datatype = record->datatype;
-    }
+    if (EditResult result = putEntries(context, edit, *object, records); !result)
+        return result;
     edit.spreadShared(context.line);
     return edit.commit();
 }
 
 EditResult RecordEdits::saveObject(const EditContext &context, quint16 index,
-                                   const ObjectDataBase::INDEX_DATA_T &data)
+                                   const ObjectDataBase::INDEX_DATA_T &data,
+                                   const QMap<quint8, Record> &records)
 {
     EditTransaction edit(context.store);
     DictionaryObject *object = edit.change(context.line, index);
     if (object == nullptr)
         return notThere(QStringLiteral("object %1").arg(IndexText::hex(index)));
-    if (object->data == data)
-        return EditResult::done();
-    if (EditResult allowed = context.rights.change(index, object->data, data); !allowed)
-        return allowed;
-    const ObjectDataBase::INDEX_DATA_T former = std::exchange(object->data, data);
-    QList<Move> moves;
-    if (former.objecttype != data.objecttype)
-        turn(*object, former.objecttype, former.datatype == data.datatype, moves);
-    MappingFollower follower(edit, context.line);
-    follower.follow(moves);
-    if (former.datatype != data.datatype)
-        takeType(*object, data.datatype, follower);
+    ObjectDataBase::INDEX_DATA_T wanted = data;
+    const quint16 dataType = object->data.datatype;
+    if (EditResult result = putEntries(context, edit, *object, records); !result)
+        return result;
+    // A variable has followed its value.
+    if (wanted.datatype == dataType)
+        wanted.datatype = object->data.datatype;
+    if (EditResult result = putObject(context, edit, *object, wanted); !result)
+        return result;
     edit.spreadShared(context.line);
     return edit.commit();
 }

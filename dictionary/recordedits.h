@@ -20,9 +20,10 @@ EditResult saveEntries(const EditContext &context, quint16 index,
 /// Writes the record of an object. A new data type is taken over by the subindices of an array but
 /// 0, and by the value of a variable. A new object type turns the subindices: a variable's value
 /// becomes subindex 1 behind a count, and subindex 1 the value of a variable; mapping entries
-/// follow.
+/// follow. `records` are written before, as by `saveEntries`, under the numbers that they have.
 EditResult saveObject(const EditContext &context, quint16 index,
-                      const ObjectDataBase::INDEX_DATA_T &data);
+                      const ObjectDataBase::INDEX_DATA_T &data,
+                      const QMap<quint8, Record> &records = {});
 
 /// Gives the subindices the default values that the library has for them.
 EditResult resetDefaults(const EditContext &context, quint16 index);

@@ -2,7 +2,7 @@
 #include "checkcases.h"
 
 #include "check/checktable.h"
-#include "check/valuetext.h"
+#include "canopen/valuetext.h"
 #include "check/warninggroups.h"
 #include "store/usersettings.h"
 

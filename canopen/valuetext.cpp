@@ -1,4 +1,4 @@
-#include "check/valuetext.h"
+#include "canopen/valuetext.h"
 
 #include "canopen/canopentypes.h"
 #include "canopen/numbertext.h"
