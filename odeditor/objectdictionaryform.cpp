@@ -19,8 +19,9 @@
 
 namespace {
 
-constexpr int treeWidth = 340;
-constexpr int paneWidth = 560;
+constexpr int leastTreeWidth = 340;
+constexpr int leastPaneWidth = 560;
+constexpr int treeShare = 5; ///< what part of a wide page is the tree's
 
 QFont fixedFont()
 {
@@ -92,6 +93,8 @@ void ObjectDictionaryForm::makeWidgets()
     m_splitter->setObjectName(QStringLiteral("splitter"));
     m_splitter->addWidget(left);
     m_splitter->setChildrenCollapsible(false);
+    connect(m_splitter, &QSplitter::splitterMoved, this,
+            [this](int width) { m_treeWidth = width; });
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(m_splitter);
@@ -197,12 +200,13 @@ void ObjectDictionaryForm::openPane()
     m_pane->open(context(), {.line = line(),
                              .index = index,
                              .subindex = m_shownSubindex,
-                             .canEdit = editContext().rights.mayRestructure(index),
+                             .canEdit = true, // of what, the rights tell
                              .expert = m_expert});
-    const QList<int> sizes = m_splitter->sizes();
     m_splitter->addWidget(m_pane);
     m_splitter->setStretchFactor(1, 1);
-    m_splitter->setSizes(sizes.size() > 1 ? sizes : QList<int>{treeWidth, paneWidth});
+    const int treeWidth =
+        m_treeWidth > 0 ? m_treeWidth : std::max(leastTreeWidth, m_splitter->width() / treeShare);
+    m_splitter->setSizes({treeWidth, std::max(leastPaneWidth, m_splitter->width() - treeWidth)});
     m_pane->updateData();
     m_pane->show();
 }
@@ -287,17 +291,17 @@ void ObjectDictionaryForm::followTree(const ObjectDataBase::ChangeSet &change)
         m_tree->updateObject(change.index);
         break;
     case ObjectDataBase::SubIndexAdded:
-    case ObjectDataBase::SubIndexDeleted:
-        // Without a number it stands for several of the object.
+        // Subindex 0 stands for several of the object.
         if (change.subindex == 0)
-            m_tree->updateObject(change.index);
-        else if (change.kind == ObjectDataBase::SubIndexAdded)
-            m_tree->updateSubIndex(change.index, change.subindex);
+            m_tree->updateSubIndices(change.index);
         else
-            m_tree->removeSubIndex(change.index, change.subindex);
+            m_tree->updateSubIndex(change.index, change.subindex);
         break;
     case ObjectDataBase::IndexDeleted:
         m_tree->removeObject(change.index);
+        break;
+    case ObjectDataBase::SubIndexDeleted:
+        m_tree->updateSubIndices(change.index);
         break;
     case ObjectDataBase::NodeDeleted:
         m_tree->reload();

@@ -130,6 +130,7 @@ private:
     QPointer<BaseTreeForm> m_pane;
     DictionaryClipboard m_clipboard;
     QTimer m_paneTimer;
+    int m_treeWidth = 0;        ///< as the user has left it
     quint16 m_shownSegment = 0; ///< first number of the one whose pane is shown
     quint16 m_shownIndex = 0;
     quint8 m_shownSubindex = BaseTreeForm::noSubindex;
