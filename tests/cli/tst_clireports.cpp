@@ -1,4 +1,5 @@
 #include "cliprogram.h"
+#include "tests/support/rows.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -19,9 +20,7 @@ void makeFaults(ObjectDataBase &store)
     store.setSubIndexDefaultValue(0, 0x1018, 0, u"1"_s);        // corrected
     store.setGeneralSetting(u"co_timer_interval"_s, QString()); // error of the project
     store.setMiscSetting(u"SuppressedWarningGroups"_s, u"WG_IDENTITY,WG_IDS"_s);
-    ObjectDataBase::NODE_DATA_T node;
-    node.name = u"<second> line"_s;
-    store.addNode(1, node);
+    store.addNode(1, {.name = u"<second> line"_s});
     store.setGeneralSetting(u"line1type"_s, u"3"_s);
 }
 
@@ -106,10 +105,9 @@ private slots:
 
     void textHoldsWhatIsNotSuppressed()
     {
-        const CliProgram::Run result = m_program.run({u"check"_s, u"faulty.vxmp"_s});
+        const CliProgram::Run result = m_program.run(words("check faulty.vxmp"));
         QCOMPARE(result.exitCode, 1);
-        QCOMPARE(m_program.run({u"check"_s, u"faulty.vxmp"_s, u"--format=text"_s}).output,
-                 result.output);
+        QCOMPARE(m_program.run(words("check faulty.vxmp --format=text")).output, result.output);
         const QStringList lines = QString::fromUtf8(result.output).split(u'\n', Qt::SkipEmptyParts);
         const QJsonObject root = report(u"json"_s, 1);
         qsizetype at = 0;
@@ -200,7 +198,7 @@ private slots:
             for (const quint32 number : {1u, 2u})
                 store.addDataElement(1, message.id, message.direction, number, element);
         });
-        const CliProgram::Run result = m_program.run({u"info"_s, u"mixed.vxmp"_s, u"--json"_s});
+        const CliProgram::Run result = m_program.run(words("info mixed.vxmp --json"));
         QCOMPARE(result.exitCode, 0);
         const QJsonObject info = QJsonDocument::fromJson(result.output).object();
         QCOMPARE(info[u"name"].toString(), u"mixed"_s);
@@ -221,7 +219,7 @@ private slots:
         QCOMPARE(second[u"canIds"].toInt(), 1);
         QCOMPARE(second[u"dataElements"].toInt(), 2);
 
-        const QByteArray text = m_program.run({u"info"_s, u"mixed.vxmp"_s}).output;
+        const QByteArray text = m_program.run(words("info mixed.vxmp")).output;
         QVERIFY2(text.contains("\"<second> line\", raw CAN: 1 CAN-IDs, 2 data elements\n"),
                  text.constData());
     }
@@ -232,7 +230,7 @@ private slots:
         QByteArray content = m_program.read(u"changed.vxmt"_s);
         content.replace("Field bus", "Other bus");
         m_program.write(u"changed.vxmt"_s, content);
-        const CliProgram::Run result = m_program.run({u"info"_s, u"--json"_s, u"changed.vxmt"_s});
+        const CliProgram::Run result = m_program.run(words("info --json changed.vxmt"));
         const QJsonObject info = QJsonDocument::fromJson(result.output).object();
         QCOMPARE(info[u"externallyModified"].toBool(), true);
         const auto check = [this](const QString &format) {
@@ -245,7 +243,7 @@ private slots:
         QCOMPARE(json[u"project"][u"externallyModified"].toBool(), true);
         const QJsonObject sarif = QJsonDocument::fromJson(check(u"sarif"_s)).object();
         QCOMPARE(sarif[u"runs"][0][u"properties"][u"externallyModified"].toBool(), true);
-        QVERIFY(m_program.run({u"generate"_s, u"changed.vxmt"_s}).output.startsWith(note));
+        QVERIFY(m_program.run(words("generate changed.vxmt")).output.startsWith(note));
         QCOMPARE(m_program.read(u"changed.vxmt"_s), content);
     }
 };
