@@ -53,8 +53,7 @@ private slots:
         // A dropped project stands for all flows that replace the one that is open.
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(file(u"notes.txt"_s)), QUrl::fromLocalFile(other)});
-        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton,
-                              Qt::NoModifier);
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&session.window, &enter);
         QVERIFY(enter.isAccepted());
         QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);

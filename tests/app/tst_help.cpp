@@ -49,6 +49,21 @@ public:
     QByteArray request;
 };
 
+/// A question for updates with what came of it.
+struct UpdateCheck
+{
+    void of(const QString &address)
+    {
+        UserSettings::setGeneral(u"updateurl"_s, address);
+        checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
+    }
+
+    newUpdateChecker checker;
+    QSignalSpy none{&checker, &newUpdateChecker::notConfigured};
+    QSignalSpy news{&checker, &newUpdateChecker::newVersion};
+    QSignalSpy errors{&checker, &newUpdateChecker::failed};
+};
+
 QMenu *menuOf(const Session &session, const char *name)
 {
     return session.window.findChild<QMenu *>(QLatin1String(name));
@@ -188,57 +203,40 @@ private slots:
     {
         const auto [answer, version] = row<QByteArray, QString>();
         write(u"newest.txt"_s, answer);
-        UserSettings::setGeneral(u"updateurl"_s,
-                                 QUrl::fromLocalFile(file(u"newest.txt"_s)).toString());
-        newUpdateChecker checker;
-        QSignalSpy news(&checker, &newUpdateChecker::newVersion);
-        QSignalSpy errors(&checker, &newUpdateChecker::failed);
-        checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
-        QVERIFY(news.isEmpty() && errors.isEmpty()); // not while the caller waits
-        QTRY_COMPARE(news.size() + errors.size(), 1);
-        QCOMPARE(errors.size(), version.isEmpty() ? 1 : 0);
-        if (!version.isEmpty()) {
-            QCOMPARE(news[0][0].toString(), version);
-            QCOMPARE(news[0][1].toString(), u"04417"_s);
-            QCOMPARE(news[0][2].toBool(), version != u"4.3.3"_s);
-        }
+        UpdateCheck check;
+        check.of(QUrl::fromLocalFile(file(u"newest.txt"_s)).toString());
+        QVERIFY(check.news.isEmpty() && check.errors.isEmpty()); // not while the caller waits
+        QTRY_COMPARE(check.news.size() + check.errors.size(), 1);
+        QCOMPARE(check.errors.size(), version.isEmpty() ? 1 : 0);
+        if (!version.isEmpty())
+            QCOMPARE(check.news[0], (QVariantList{version, u"04417"_s, version != u"4.3.3"_s}));
     }
 
     void updateServer()
     {
-        newUpdateChecker checker;
-        QSignalSpy none(&checker, &newUpdateChecker::notConfigured);
-        QSignalSpy news(&checker, &newUpdateChecker::newVersion);
-        QSignalSpy errors(&checker, &newUpdateChecker::failed);
-        checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
-        QCOMPARE(none.size(), 1);
-
+        UpdateCheck check;
+        check.of(QString());
+        QCOMPARE(check.none.size(), 1);
         AnswerServer server("04417 5.0\n");
-        UserSettings::setGeneral(u"updateurl"_s, server.url());
-        checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
-        QTRY_COMPARE(news.size(), 1);
+        check.of(server.url());
+        QTRY_COMPARE(check.news.size(), 1);
         QVERIFY(server.request.startsWith("GET /newest?product=04417&version=4.3.3 "));
         QVERIFY(!server.request.contains("Cookie"));
 
         const AnswerServer endless("04417 5.0\n", true);
-        UserSettings::setGeneral(u"updateurl"_s, endless.url());
-        checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
-        QTRY_COMPARE(errors.size(), 1);
-
-        for (const QString &address :
-             {u"http://127.0.0.1:1/"_s, u"ftp://a/b"_s, u"nonsense"_s, u"file:///no/such/file"_s}) {
-            errors.clear();
-            UserSettings::setGeneral(u"updateurl"_s, address);
-            checker.checkForUpdates(u"04417"_s, u"4.3.3"_s);
-            QTRY_COMPARE(errors.size(), 1);
+        for (const QString &address : {endless.url(), u"http://127.0.0.1:1/"_s, u"ftp://a/b"_s,
+                                       u"nonsense"_s, u"file:///no/such/file"_s}) {
+            check.errors.clear();
+            check.of(address);
+            QTRY_COMPARE(check.errors.size(), 1);
         }
-        QCOMPARE(news.size(), 1);
+        QCOMPARE(check.news.size(), 1);
     }
 
     void updateIsOffered()
     {
         Session session;
-        session.action("actionCheck_for_Updates")->trigger();
+        session.trigger("actionCheck_for_Updates");
         QVERIFY(session.status().contains(u"No server"_s));
 
         const auto button = [&] { return session.window.findChild<QPushButton *>(u"btnUpdate"_s); };
@@ -328,36 +326,12 @@ private slots:
         {
             Session session;
             QSignalSpy changes(&session.window, &VxmMainWindow::expertModeChanged);
-            session.action("actionEnable_Expert_Mode")->trigger();
+            session.trigger("actionEnable_Expert_Mode");
             QCOMPARE(changes.size(), 1);
             QVERIFY(changes[0][0].toBool());
         }
         Session next;
         QVERIFY(next.action("actionEnable_Expert_Mode")->isChecked());
-    }
-
-    void editCommandsGoToTheTextFirst()
-    {
-        Session session;
-        QLineEdit field(u"value"_s, &session.window);
-        session.activate();
-        field.show();
-        field.setFocus();
-        QTRY_COMPARE(QApplication::focusWidget(), &field);
-        field.selectAll();
-        session.action("actionCut")->trigger();
-        QCOMPARE(field.text(), QString());
-        session.action("actionPaste")->trigger();
-        QCOMPARE(field.text(), u"value"_s);
-        field.home(false);
-        session.action("actionDelete")->trigger();
-        QCOMPARE(field.text(), u"alue"_s);
-        // A text that can't be changed leaves it to the page, which has no such thing.
-        field.setReadOnly(true);
-        session.action("actionPaste")->trigger();
-        session.action("actionDuplicate")->trigger();
-        QVERIFY(GuiHelper::takeShownBoxes().isEmpty());
-        QCOMPARE(field.text(), u"alue"_s);
     }
 
     void helpIsForWhatIsInFront()

@@ -136,26 +136,19 @@ private slots:
         QCOMPARE(again.window.pos(), QPoint(100, 30));
     }
 
-    void theRestoredWindowFitsTheScreen_data()
-    {
-        addRows<QRect>({
-            {"too large", QRect(0, 0, 5000, 4000)},
-            {"over the edge", QRect(700, 700, 600, 500)},
-            {"on no screen", QRect(9000, -500, 700, 500)},
-        });
-    }
-
     void theRestoredWindowFitsTheScreen()
     {
-        const auto [saved] = row<QRect>();
-        UserSettings settings;
-        settings.setValue(u"Geometry/size"_s, saved.size());
-        settings.setValue(u"Geometry/pos"_s, saved.topLeft());
-        settings.sync();
-        Session session;
-        const QRect available = session.window.screen()->availableGeometry();
-        const QRect place(session.window.pos(), session.window.size());
-        QVERIFY2(available.contains(place), qPrintable(QDebug::toString(place)));
+        for (const QRect &saved :
+             {QRect(0, 0, 5000, 4000), QRect(700, 700, 600, 500), QRect(9000, -500, 700, 500)}) {
+            UserSettings settings;
+            settings.setValue(u"Geometry/size"_s, saved.size());
+            settings.setValue(u"Geometry/pos"_s, saved.topLeft());
+            settings.sync();
+            const Session session;
+            const QRect place(session.window.pos(), session.window.size());
+            QVERIFY2(session.window.screen()->availableGeometry().contains(place),
+                     qPrintable(QDebug::toString(saved) + QDebug::toString(place)));
+        }
     }
 
     void editCommandsAreOfferedWhereTheyWork()
@@ -180,8 +173,20 @@ private slots:
         QTRY_COMPARE(offered(), u"--x--"_s);
         field.selectAll();
         QCOMPARE(offered(), u"xxxx-"_s);
+        // They go to the text, and leave one that can't be changed to the page.
+        session.trigger("actionCut");
+        QCOMPARE(field.text(), QString());
+        session.trigger("actionPaste");
+        QCOMPARE(field.text(), u"text"_s);
+        field.home(false);
+        session.trigger("actionDelete");
+        QCOMPARE(field.text(), u"ext"_s);
+        field.selectAll();
         field.setReadOnly(true);
         QCOMPARE(offered(), u"-x---"_s);
+        session.trigger("actionPaste");
+        session.trigger("actionDuplicate");
+        QCOMPARE(field.text(), u"ext"_s);
         session.lines()->setFocus();
         QCOMPARE(offered(), u"-----"_s);
 

@@ -310,10 +310,7 @@ private slots:
 
     void anEditTakenBackIsNoDifference_data()
     {
-        addRows<QString>({
-            {"database", m_path},
-            {"text", m_textPath},
-        });
+        addRows<QString>({{"database", m_path}, {"text", m_textPath}});
     }
 
     /// Rows and texts are then in another order than in the file.

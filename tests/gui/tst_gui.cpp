@@ -261,23 +261,17 @@ private slots:
         QCOMPARE(GuiHelper::takeShownBoxes().size(), 3);
     }
 
-    void savedNamesGetASuffixThatOpensAgain_data()
-    {
-        addRows<QString, QString>({
-            {"none", "/x/a", "/x/a.vxmp"},
-            {"known", "/x/a.VXMT", "/x/a.VXMT"},
-            {"a dot in the name", "/x/a.v2", "/x/a.v2.vxmp"},
-            {"cancelled", "", ""},
-        });
-    }
-
     void savedNamesGetASuffixThatOpensAgain()
     {
-        const auto [given, expected] = row<QString, QString>();
-        GuiHelper::queueFileName(given);
-        QCOMPARE(
-            GuiHelper::saveFileName(nullptr, u"Save"_s, QString(), u"P (*.vxmp);;T (*.vxmt)"_s),
-            expected);
+        for (const auto &[given, expected] : {std::pair{u"/x/a"_s, u"/x/a.vxmp"_s},
+                                              {u"/x/a.VXMT"_s, u"/x/a.VXMT"_s},
+                                              {u"/x/a.v2"_s, u"/x/a.v2.vxmp"_s},
+                                              {QString(), QString()}}) {
+            GuiHelper::queueFileName(given);
+            QCOMPARE(
+                GuiHelper::saveFileName(nullptr, u"Save"_s, QString(), u"P (*.vxmp);;T (*.vxmt)"_s),
+                expected);
+        }
     }
 
     void eleventhRecentProjectTakesTheOldestPlace()
@@ -297,53 +291,45 @@ private slots:
             UserSettings().fileName().contains(qApp->property("AppNameWithVersion").toString()));
     }
 
-    void versionNotesFitTheVersion_data()
-    {
-        addRows<QString, QString, QString>({
-            {"3.6", "3.6.2", "co_common.c and co_memcpy.c",
-             "co_common.c, co_memcpy.c and co_mapping.c"},
-            {"3.7", "3.7.0", "the file co_memcpy.c to", "the file co_memcpy.c and co_mapping.c to"},
-            {"3.8", "3.8", "the file co_memcpy.c to", "the file co_memcpy.c and co_mapping.c to"},
-            {"3.9", "3.9.1", "", ""},
-        });
-    }
-
     void versionNotesFitTheVersion()
     {
-        const auto [version, canopen, others] = row<QString, QString, QString>();
-        const int minor = VersionNotes::parse(version).minor;
-        const QString forCANopen = VersionNotes::missingStackFiles(minor, true);
-        const QString forOthers = VersionNotes::missingStackFiles(minor, false);
-        QCOMPARE(forCANopen.isEmpty(), canopen.isEmpty());
-        QVERIFY(forCANopen.contains(canopen));
-        QVERIFY(forOthers.contains(others));
-    }
-
-    /// A letter for the kind of each token.
-    void tokens_data()
-    {
-        addRows<QString, QString>({
-            {"declaration", "const UNSIGNED8 x = 0x1Fu;", "kkkkk.ttttttttt.....nnnnn."},
-            {"words in words", "intern voids UNSIGNED sizeofx", "............................."},
-            {"numbers", "1.5e-3f .5 a-1 x1 1-2", "nnnnnnn.nn...n....n.n"},
-            {"no comment in a string", "\"/* \\\" //\" 1 '\"' 2", "ssssssssss.n.sss.n"},
-            {"comment over lines", "1 /* 2\n\"3\n*/ 4", "n.cccc|cc|cc.n"},
-            {"line comment goes on", "// a \\\nint\nint", "cccccc|ccc|ttt"},
-            {"directive", "  # define A 1 /* x */\nint", "..pppppppp...n.ccccccc|ttt"},
-            {"directive goes on", "#if defined(A) && \\\n  defined(B)\ndefined",
-             "ppp.ppppppp........|..ppppppp...|......."},
-            {"header", "#include <a.h>\nif (a < b)", "pppppppp.sssss|kk........"},
-            {"hash in code", "a # b", "....."},
-            {"string goes on", "\"a\\\nb\" 1", "sss|ss.n"},
-            {"string left open", "\"a\n1", "ss|n"},
-            {"comment in directive", "#if /*\n*/ defined\ndefined", "ppp.cc|cc.ppppppp|......."},
-        });
+        const auto memory = u"the file co_memcpy.c to"_s;
+        const auto both = u"the file co_memcpy.c and co_mapping.c to"_s;
+        const std::tuple<QString, QString, QString> rows[] = {
+            {"3.6.2", "co_common.c and co_memcpy.c", "co_common.c, co_memcpy.c and co_mapping.c"},
+            {"3.7.0", memory, both},
+            {"3.8", memory, both},
+            {"3.9.1", "", ""},
+        };
+        for (const auto &[version, canopen, others] : rows) {
+            const int minor = VersionNotes::parse(version).minor;
+            const QString forCANopen = VersionNotes::missingStackFiles(minor, true);
+            QCOMPARE(forCANopen.isEmpty(), canopen.isEmpty());
+            QVERIFY(forCANopen.contains(canopen));
+            QVERIFY(VersionNotes::missingStackFiles(minor, false).contains(others));
+        }
     }
 
     void tokens()
     {
-        const auto [code, tokens] = row<QString, QString>();
-        QCOMPARE(tokensOf(code), tokens);
+        const std::pair<QString, QString> rows[] = {
+            {"const UNSIGNED8 x = 0x1Fu;", "kkkkk.ttttttttt.....nnnnn."},
+            {"intern voids UNSIGNED sizeofx", "............................."},
+            {"1.5e-3f .5 a-1 x1 1-2", "nnnnnnn.nn...n....n.n"},
+            {"\"/* \\\" //\" 1 '\"' 2", "ssssssssss.n.sss.n"},
+            {"1 /* 2\n\"3\n*/ 4", "n.cccc|cc|cc.n"},
+            {"// a \\\nint\nint", "cccccc|ccc|ttt"},
+            {"  # define A 1 /* x */\nint", "..pppppppp...n.ccccccc|ttt"},
+            {"#if defined(A) && \\\n  defined(B)\ndefined",
+             "ppp.ppppppp........|..ppppppp...|......."},
+            {"#include <a.h>\nif (a < b)", "pppppppp.sssss|kk........"},
+            {"a # b", "....."},
+            {"\"a\\\nb\" 1", "sss|ss.n"},
+            {"\"a\n1", "ss|n"},
+            {"#if /*\n*/ defined\ndefined", "ppp.cc|cc.ppppppp|......."},
+        };
+        for (const auto &[code, expected] : rows)
+            QCOMPARE(tokensOf(code), expected);
     }
 
     void textIsReadableInBothSchemes_data()
@@ -406,24 +392,19 @@ private slots:
         QVERIFY(contrast(line.pixelColor(50, 0), line.pixelColor(50, 5)) >= least);
     }
 
-    void boxesKeepPathsWhole_data()
-    {
-        addRows<QString, QString>({
-            {"before the path", "Cannot open /some/folder/file.vxmp.",
-             "Cannot open\n/some/folder/file.vxmp."},
-            {"blanks in it", "No C:\\my new\\long device.c here at all, so.",
-             "No\nC:\\my new\\long device.c\nhere at all, so."},
-            {"two", "From /a/b c/d to ~/e\n\nagain", "From /a/b c/d to\n~/e\n\nagain"},
-            {"none", "Neither this and/or that, both\nCANopen/J1939",
-             "Neither this and/or that, both\nCANopen/J1939"},
-        });
-    }
-
     void boxesKeepPathsWhole()
     {
-        const auto [text, shown] = row<QString, QString>();
         const auto length = [](const QString &line) { return int(line.size()); };
-        QCOMPARE(MessageBox::wrapped(text, 17, length), shown);
+        const std::pair<QString, QString> rows[] = {
+            {"Cannot open /some/folder/file.vxmp.", "Cannot open\n/some/folder/file.vxmp."},
+            {"No C:\\my new\\long device.c here at all, so.",
+             "No\nC:\\my new\\long device.c\nhere at all, so."},
+            {"From /a/b c/d to ~/e\n\nagain", "From /a/b c/d to\n~/e\n\nagain"},
+            {"Neither this and/or that, both\nCANopen/J1939",
+             "Neither this and/or that, both\nCANopen/J1939"},
+        };
+        for (const auto &[text, shown] : rows)
+            QCOMPARE(MessageBox::wrapped(text, 17, length), shown);
     }
 
     void boxesAreWideEnough()
