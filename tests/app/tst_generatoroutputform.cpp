@@ -431,7 +431,6 @@ private slots:
         QVERIFY(dialog.isVisible());
         QCOMPARE(dialog.labelText(), u"Post generation process running ... "_s);
         auto *button = dialog.findChild<QPushButton *>();
-        QVERIFY(button != nullptr);
         QCOMPARE(button->text(), u"Cancel process"_s);
         QVERIFY(button->width() >= button->sizeHint().width());
         button->click();

@@ -57,17 +57,14 @@ QStringList differences(ProjectComparison &comparison)
         for (const DiffItem &item : items) {
             if (item.state == DiffState::Equal)
                 continue;
-            QStringList properties;
-            if (item.state == DiffState::Different) {
-                for (const PropertyRow &row : comparison.properties(item)) {
-                    if (row.differs)
-                        properties << u"%1 %2/%3"_s.arg(row.property, row.current, row.other);
-                }
+            result << item.text();
+            if (item.state != DiffState::Different)
+                continue;
+            for (const PropertyRow &row : comparison.properties(item)) {
+                if (row.differs)
+                    result.last() += u": %1 %2/%3"_s.arg(row.property, row.current, row.other);
             }
-            result << item.text() + (properties.isEmpty() ? QString() : u": "_s) +
-                          properties.join(u", "_s);
-            if (item.state == DiffState::Different)
-                self(comparison.parts(item), self);
+            self(comparison.parts(item), self);
         }
     };
     for (const quint8 line : comparison.lines()) {

@@ -334,16 +334,14 @@ private slots:
 
     void textIsReadableInBothSchemes_data()
     {
-        addRows<int>({
-            {"light", int(TolvxAppStyle::Scheme::Light)},
-            {"dark", int(TolvxAppStyle::Scheme::Dark)},
-        });
+        using enum TolvxAppStyle::Scheme;
+        addRows<TolvxAppStyle::Scheme>({{"light", Light}, {"dark", Dark}});
     }
 
     void textIsReadableInBothSchemes()
     {
-        const auto [scheme] = row<int>();
-        const QPalette palette = TolvxAppStyle::palette(TolvxAppStyle::Scheme(scheme));
+        const auto [scheme] = row<TolvxAppStyle::Scheme>();
+        const QPalette palette = TolvxAppStyle::palette(scheme);
         using Role = QPalette::ColorRole;
         for (const auto &[text, ground] :
              {std::pair<Role, Role>{QPalette::WindowText, QPalette::Window},
@@ -372,8 +370,7 @@ private slots:
 
     void controlsStandOut()
     {
-        const auto [scheme] = row<int>();
-        const auto kind = TolvxAppStyle::Scheme(scheme);
+        const auto [kind] = row<TolvxAppStyle::Scheme>();
         TolvxAppStyle style;
         const auto shown = [&](QWidget &widget, QSize size) {
             widget.setStyle(&style);
