@@ -1,23 +1,14 @@
-#include "gui/guihelper.h"
 #include "tests/app/windowtest.h"
 
 #include <QCheckBox>
-#include <QFile>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTableWidget>
 #include <QTreeWidget>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 namespace {
-
-void setNodeId(Session &session, const QString &value)
-{
-    session.store->setGeneralSetting(u"co_node_id"_s, value);
-}
 
 /// Rows of a tree, as they are shown.
 QStringList rowsOf(const QTreeWidget &tree)
@@ -38,43 +29,38 @@ class TestCloseCheck : public WindowTest
 private slots:
     void guardsChanges_data()
     {
-        QTest::addColumn<int>("answer"); // 0: no question is expected
-        QTest::addColumn<bool>("edited");
-        QTest::addColumn<bool>("proceeds");
-        QTest::addColumn<QString>("saved");
-        QTest::newRow("nothing changed") << 0 << false << true << u"32"_s;
-        QTest::newRow("save") << int(QMessageBox::Save) << true << true << u"7"_s;
-        QTest::newRow("discard") << int(QMessageBox::Discard) << true << true << u"32"_s;
-        QTest::newRow("cancel") << int(QMessageBox::Cancel) << true << false << u"32"_s;
-        QTest::newRow("details") << GuiHelper::firstExtraButton << true << false << u"32"_s;
+        addRows<int, bool, bool, QString>({
+            {"nothing changed", 0, false, true, "32"},
+            {"save", QMessageBox::Save, true, true, "7"},
+            {"discard", QMessageBox::Discard, true, true, "32"},
+            {"cancel", QMessageBox::Cancel, true, false, "32"},
+            {"details", GuiHelper::firstExtraButton, true, false, "32"},
+        });
     }
 
     void guardsChanges()
     {
-        QFETCH(int, answer);
-        QFETCH(bool, edited);
-        QFETCH(bool, proceeds);
-        const QString path = project(u"device.vxmp"_s);
+        const auto [answer, edited, proceeds, saved] = row<int, bool, bool, QString>();
+        const QString path = project();
         const QString other = project(u"other.vxmp"_s);
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         if (edited)
-            setNodeId(session, u"7"_s);
+            session.setNodeId(u"7"_s);
         if (answer != 0)
             GuiHelper::queueAnswer(answer);
 
         // A dropped project stands for all flows that replace the one that is open.
         QMimeData data;
         data.setUrls({QUrl::fromLocalFile(file(u"notes.txt"_s)), QUrl::fromLocalFile(other)});
-        QDragEnterEvent enter(QPoint(10, 10), Qt::CopyAction, &data, Qt::LeftButton,
-                              Qt::NoModifier);
+        QDragEnterEvent enter({10, 10}, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&session.window, &enter);
         QVERIFY(enter.isAccepted());
         QDropEvent drop(QPointF(10, 10), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
         QCoreApplication::sendEvent(&session.window, &drop);
 
         QCOMPARE(session.window.projectBaseName(), proceeds ? u"other"_s : u"device"_s);
-        QTEST(ProjectFixture::generalSetting(path, u"co_node_id"_s), "saved");
+        QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), saved);
         QCOMPARE(session.window.isModified(), edited && !proceeds);
         const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
         QCOMPARE(boxes.size(), answer != 0 ? 1 : 0);
@@ -91,11 +77,11 @@ private slots:
         QCoreApplication::setApplicationName(j1939Edition); // its template is inside the program
         Session session;
         session.window.newProject();
-        setNodeId(session, u"9"_s);
+        session.setNodeId(u"9"_s);
         GuiHelper::queueAnswer(QMessageBox::Save);
         GuiHelper::queueFileName(QString()); // cancelled
         session.trigger("actionNew_Project");
-        QCOMPARE(session.store->getGeneralSetting(u"co_node_id"_s), u"9"_s);
+        QCOMPARE(session.nodeId(), u"9"_s);
         GuiHelper::queueAnswer(QMessageBox::Save);
         GuiHelper::queueFileName(file(u"kept.vxmp"_s));
         QVERIFY(session.window.closeCheck());
@@ -106,31 +92,25 @@ private slots:
 
     void aLostFileIsAskedAbout_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("isDamaged");
-        QTest::newRow("missing database") << u"device.vxmp"_s << false;
-        QTest::newRow("damaged database") << u"device.vxmp"_s << true;
-        QTest::newRow("missing text") << u"device.vxmt"_s << false;
-        QTest::newRow("damaged text") << u"device.vxmt"_s << true;
+        addRows<QString, bool>({
+            {"missing database", "device.vxmp", false},
+            {"damaged database", "device.vxmp", true},
+            {"missing text", "device.vxmt", false},
+            {"damaged text", "device.vxmt", true},
+        });
     }
 
     void aLostFileIsAskedAbout()
     {
-        QFETCH(QString, name);
-        QFETCH(bool, isDamaged);
+        const auto [name, isDamaged] = row<QString, bool>();
         const QString path = project(name);
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         session.edit();
         GuiHelper::takeShownBoxes();
-        QFile saved(path);
-        if (isDamaged) {
-            QVERIFY(saved.open(QIODevice::WriteOnly));
-            saved.write("no project");
-            saved.close();
-        } else {
-            QVERIFY(saved.remove());
-        }
+        QVERIFY(QFile::remove(path));
+        if (isDamaged)
+            write(name, "no project");
         GuiHelper::queueAnswer(QMessageBox::Cancel);
         QVERIFY(!session.window.closeCheck());
         const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
@@ -148,8 +128,8 @@ private slots:
     void detailsShowTheDifferences()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s, {.withPgn = true})));
-        setNodeId(session, u"7"_s);
+        QVERIFY(session.open(project(u"device.vxmp"_s, {.withPgn = true})));
+        session.setNodeId(u"7"_s);
         session.store->setSubIndexDefaultValue(0, 0x2000, 0, u"5"_s);
         session.store->deleteIndex(0, 0x1017);
         session.store->addCANID(0, 0x181, {.id = 0x181, .name = u"Drive"_s, .direction = 119});
@@ -159,37 +139,36 @@ private slots:
             const auto tree = [&](const char *name) {
                 return dialog.findChild<QTreeWidget *>(QLatin1String(name));
             };
-            const auto table = [&](const char *name) {
-                return dialog.findChild<QTableWidget *>(QLatin1String(name));
-            };
             const auto compare = [&] {
+                QTreeWidget *const objects = tree("treeWidget");
                 QCOMPARE(dialog.windowTitle(), u"Project Diff"_s);
                 QVERIFY(dialog.minimumSizeHint().width() <= 1000);
-                QCOMPARE(dialog.focusWidget(), tree("treeWidget"));
-                QCOMPARE(rowsOf(*tree("treeWidget")).size(), 3);
-                QVERIFY(rowsOf(*tree("treeWidget"))[0].endsWith(u" - other"_s));
-                QCOMPARE(
-                    rowsOf(*tree("treeWidget")).mid(1),
-                    (QStringList{u"0x2000 - Speed - different"_s, u"0 - Speed - different"_s}));
+                QCOMPARE(dialog.focusWidget(), objects);
+                QCOMPARE(rowsOf(*objects).size(), 3);
+                QVERIFY(rowsOf(*objects)[0].endsWith(u" - other"_s));
+                QCOMPARE(rowsOf(*objects).mid(1), (QStringList{u"0x2000 - Speed - different"_s,
+                                                               u"0 - Speed - different"_s}));
                 QCOMPARE(rowsOf(*tree("treeCANID")),
                          (QStringList{u"Transmit CAN-IDs"_s, u"Receive CAN-IDs"_s,
                                       u"0x181 - 385 Drive - current"_s}));
-                QCOMPARE(table("tblGeneralSettings")->rowCount(), 1);
-                QCOMPARE(table("tblGeneralSettings")->item(0, 2)->text(), u"32"_s);
+                const auto *settings = dialog.findChild<QTableWidget *>(u"tblGeneralSettings"_s);
+                QCOMPARE(settings->rowCount(), 1);
+                QCOMPARE(settings->item(0, 2)->text(), u"32"_s);
 
-                tree("treeWidget")->setCurrentItem(tree("treeWidget")->topLevelItem(1)->child(0));
-                const QTableWidget *properties = table("tableWidget");
+                objects->setCurrentItem(objects->topLevelItem(1)->child(0));
+                const auto *properties = dialog.findChild<QTableWidget *>(u"tableWidget"_s);
                 const auto rows = properties->findItems(u"DefaultValue"_s, Qt::MatchExactly);
                 QCOMPARE(rows.size(), 1);
-                QCOMPARE(properties->item(rows[0]->row(), 1)->text(), u"5"_s);
-                QCOMPARE(properties->item(rows[0]->row(), 2)->text(), u"100"_s);
-                QCOMPARE(properties->verticalHeaderItem(rows[0]->row())->text(), u"≠"_s);
+                const int at = rows[0]->row();
+                QCOMPARE(properties->item(at, 1)->text(), u"5"_s);
+                QCOMPARE(properties->item(at, 2)->text(), u"100"_s);
+                QCOMPARE(properties->verticalHeaderItem(at)->text(), u"≠"_s);
 
                 const int before = properties->rowCount();
                 dialog.findChild<QCheckBox *>(u"cbInternal"_s)->click();
                 QVERIFY(properties->rowCount() > before);
                 dialog.findChild<QCheckBox *>(u"cbOnlyDifferences"_s)->click();
-                QVERIFY(rowsOf(*tree("treeWidget")).size() > 3);
+                QVERIFY(rowsOf(*objects).size() > 3);
             };
             compare();
             dialog.findChild<QPushButton *>(u"btnClose"_s)->click();
@@ -210,9 +189,5 @@ private slots:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestCloseCheck>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestCloseCheck)
 #include "tst_closecheck.moc"

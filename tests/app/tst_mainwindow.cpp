@@ -1,21 +1,14 @@
-#include "app/generatoroutputform.h"
-#include "store/usersettings.h"
+#include "app/recentprojects.h"
+#include "app/startpage.h"
 #include "tests/app/windowtest.h"
 
-#include "app/generatoroutputform.h"
-#include "app/startpage.h"
-#include "store/usersettings.h"
-
 #include <QAbstractButton>
-#include <QAction>
-#include <QApplication>
 #include <QClipboard>
 #include <QLineEdit>
 #include <QMenu>
 #include <QScreen>
 #include <QTextBrowser>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 /// The window itself.
@@ -26,36 +19,47 @@ class TestMainWindow : public WindowTest
 private slots:
     void actionsCarryTheirNames_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("shortcut");
-        QTest::newRow("actionNew_Project") << u"&New Project"_s << u"Ctrl+N"_s;
-        QTest::newRow("actionOpen_Project") << u"&Open Project"_s << u"Ctrl+O"_s;
-        QTest::newRow("actionSave_Project") << u"&Save Project"_s << u"Ctrl+S"_s;
-        QTest::newRow("actionSave_Project_as") << u"Save Project &as"_s << QString();
-        QTest::newRow("actionClose_Project") << u"&Close Project"_s << QString();
-        QTest::newRow("actionGenerate_Output") << u"&Generate Files"_s << u"Ctrl+G"_s;
-        QTest::newRow("actionQuit") << u"&Quit"_s << QString();
-        QTest::newRow("actionUndo") << u"&Undo"_s << u"Ctrl+Z"_s;
-        QTest::newRow("actionRedo") << u"&Redo"_s << u"Ctrl+Shift+Z"_s;
-        QTest::newRow("action_About") << u"&About"_s << u"Ctrl+A"_s;
-        QTest::newRow("actionAbout_Qt") << u"About &Qt"_s << QString();
+        addRows<QString, QString>({
+            {"actionNew_Project", "&New Project", "Ctrl+N"},
+            {"actionOpen_Project", "&Open Project", "Ctrl+O"},
+            {"actionSave_Project", "&Save Project", "Ctrl+S"},
+            {"actionSave_Project_as", "Save Project &as", ""},
+            {"actionClose_Project", "&Close Project", ""},
+            {"actionGenerate_Output", "&Generate Files", "Ctrl+G"},
+            {"actionCopy", "C&opy", "Ctrl+C"},
+            {"actionCut", "C&ut", "Ctrl+X"},
+            {"actionPaste", "&Paste", "Ctrl+V"},
+            {"actionDelete", "&Delete", ""},
+            {"actionDuplicate", "Duplicate", "Ctrl+D"},
+            {"actionCheck_for_Updates", "Check for &Updates", ""},
+            {"action_Hel_p", "Hel&p", "F1"},
+            {"action_Manual", "&Manual", "Ctrl+M"},
+            {"actionEnable_Expert_Mode", "Enable Expert_Mode", ""},
+            {"actionChangelog", "Changelog", ""},
+            {"actionQuit", "&Quit", ""},
+            {"actionUndo", "&Undo", "Ctrl+Z"},
+            {"actionRedo", "&Redo", "Ctrl+Shift+Z"},
+            {"action_About", "&About", "Ctrl+A"},
+            {"actionAbout_Qt", "About &Qt", ""},
+        });
     }
 
     void actionsCarryTheirNames()
     {
+        const auto [text, shortcut] = row<QString, QString>();
         Session session;
-        const auto *action =
-            session.window.findChild<QAction *>(QString::fromLatin1(QTest::currentDataTag()));
+        const QAction *action = session.action(QTest::currentDataTag());
         QVERIFY(action != nullptr);
-        QTEST(action->text(), "text");
-        QTEST(action->shortcut().toString(), "shortcut");
+        QCOMPARE(action->text(), text);
+        QCOMPARE(action->shortcut().toString(), shortcut);
         QVERIFY(!action->statusTip().isEmpty());
+        QVERIFY(!action->associatedObjects().isEmpty()); // in a menu
     }
 
     void actionsShowKeysAndIconsAlike()
     {
         Session session;
-        const auto *save = session.window.findChild<QAction *>(u"actionSave_Project"_s);
+        const auto *save = session.action("actionSave_Project");
         QVERIFY(save->toolTip().endsWith(
             u" (%1)"_s.arg(save->shortcut().toString(QKeySequence::NativeText))));
         for (const QMenu *menu : session.window.findChildren<QMenu *>()) {
@@ -71,12 +75,11 @@ private slots:
     void selectAllInTheOutput()
     {
         Session session;
-        auto *form = session.window.findChild<GeneratorOutputForm *>();
+        auto *form = session.output();
         form->appendLogging(u"a"_s);
         auto *pane = form->findChild<QTextBrowser *>(u"tbLogging"_s);
-        session.window.show();
+        session.activate();
         pane->setFocus();
-        QVERIFY(QTest::qWaitForWindowActive(&session.window));
         const QString all = form->getLogging();
         QTest::keyClick(pane, Qt::Key_A, Qt::ControlModifier);
         QCOMPARE(pane->textCursor().selectedText(), all);
@@ -87,7 +90,7 @@ private slots:
     {
         const QString path = project(u"p.vxmp"_s);
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         session.window.show();
         auto *page = session.window.findChild<StartPage *>(u"startPage"_s);
         QVERIFY(!page->isVisible());
@@ -97,7 +100,7 @@ private slots:
         QVERIFY(!page->isVisible());
         session.window.newProject();
         QVERIFY(page->isVisible());
-        auto *form = session.window.findChild<GeneratorOutputForm *>();
+        auto *form = session.output();
         form->appendLogging(u"a"_s);
         QVERIFY(!page->isVisible());
         form->clearLogging();
@@ -133,32 +136,26 @@ private slots:
         QCOMPARE(again.window.pos(), QPoint(100, 30));
     }
 
-    void theRestoredWindowFitsTheScreen_data()
-    {
-        QTest::addColumn<QRect>("saved");
-        QTest::newRow("too large") << QRect(0, 0, 5000, 4000);
-        QTest::newRow("over the edge") << QRect(700, 700, 600, 500);
-        QTest::newRow("on no screen") << QRect(9000, -500, 700, 500);
-    }
-
     void theRestoredWindowFitsTheScreen()
     {
-        QFETCH(QRect, saved);
-        UserSettings settings;
-        settings.setValue(u"Geometry/size"_s, saved.size());
-        settings.setValue(u"Geometry/pos"_s, saved.topLeft());
-        settings.sync();
-        Session session;
-        const QRect available = session.window.screen()->availableGeometry();
-        const QRect place(session.window.pos(), session.window.size());
-        QVERIFY2(available.contains(place), qPrintable(QDebug::toString(place)));
+        for (const QRect &saved :
+             {QRect(0, 0, 5000, 4000), QRect(700, 700, 600, 500), QRect(9000, -500, 700, 500)}) {
+            UserSettings settings;
+            settings.setValue(u"Geometry/size"_s, saved.size());
+            settings.setValue(u"Geometry/pos"_s, saved.topLeft());
+            settings.sync();
+            const Session session;
+            const QRect place(session.window.pos(), session.window.size());
+            QVERIFY2(session.window.screen()->availableGeometry().contains(place),
+                     qPrintable(QDebug::toString(saved) + QDebug::toString(place)));
+        }
     }
 
     void editCommandsAreOfferedWhereTheyWork()
     {
         QGuiApplication::clipboard()->setText(u"42"_s);
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         const auto offered = [&] {
             QString commands;
             for (const char *name :
@@ -167,8 +164,7 @@ private slots:
             return commands;
         };
         QLineEdit field(u"text"_s, session.window.centralWidget());
-        session.window.show();
-        session.window.activateWindow();
+        session.activate();
         session.lines()->setFocus();
         QTRY_COMPARE(offered(), u"-----"_s);
         field.show();
@@ -177,12 +173,24 @@ private slots:
         QTRY_COMPARE(offered(), u"--x--"_s);
         field.selectAll();
         QCOMPARE(offered(), u"xxxx-"_s);
+        // They go to the text, and leave one that can't be changed to the page.
+        session.trigger("actionCut");
+        QCOMPARE(field.text(), QString());
+        session.trigger("actionPaste");
+        QCOMPARE(field.text(), u"text"_s);
+        field.home(false);
+        session.trigger("actionDelete");
+        QCOMPARE(field.text(), u"ext"_s);
+        field.selectAll();
         field.setReadOnly(true);
         QCOMPARE(offered(), u"-x---"_s);
+        session.trigger("actionPaste");
+        session.trigger("actionDuplicate");
+        QCOMPARE(field.text(), u"ext"_s);
         session.lines()->setFocus();
         QCOMPARE(offered(), u"-----"_s);
 
-        auto *pane = session.window.findChild<GeneratorOutputForm *>();
+        auto *pane = session.output();
         pane->appendLogging(u"message"_s);
         (void)pane->getLogging();
         auto *text = pane->findChild<QTextBrowser *>(u"tbLogging"_s);
@@ -197,11 +205,9 @@ private slots:
     void everyTabStopShowsTheFocus()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         session.window.appendOutput(u"message"_s);
-        session.window.show();
-        session.window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&session.window));
+        session.activate();
         int stops = 1;
         session.lines()->setFocus();
         QTest::keyClick(session.lines(), Qt::Key_Tab); // from now on it goes by the keyboard
@@ -222,16 +228,12 @@ private slots:
     void theWindowFitsASmallScreen()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(QString(60, u'p') + u".vxmp"_s)));
+        QVERIFY(session.open(project(QString(60, u'p') + u".vxmp"_s)));
         session.window.show();
         QVERIFY(session.window.minimumSizeHint().width() <= 1000);
         QVERIFY(session.window.minimumSizeHint().height() <= 700);
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestMainWindow>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestMainWindow)
 #include "tst_mainwindow.moc"

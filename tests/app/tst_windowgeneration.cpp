@@ -1,14 +1,8 @@
-#include "app/generatoroutputform.h"
-#include "gui/guihelper.h"
-#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
-#include <QAction>
-#include <QMessageBox>
 #include <QRegularExpression>
 #include <QTimer>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 /// A generation run and what the window shows of it.
@@ -19,36 +13,32 @@ class TestWindowGeneration : public WindowTest
 private slots:
     void generationFillsThePane()
     {
-        const QString path = project(u"device.vxmp"_s);
         Session session({u"-hidden"_s});
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(project()));
         // Nothing may interfere with a run.
         bool closedDuringRun = true;
         bool savedDuringRun = true;
         QTimer::singleShot(50, this, [&] {
-            const auto *save = session.window.findChild<QAction *>(u"actionSave_Project"_s);
-            savedDuringRun = save->isEnabled();
+            savedDuringRun = session.enabled("actionSave_Project");
             closedDuringRun = session.window.close();
         });
         session.window.show();
         session.trigger("actionGenerate_Output");
-        QVERIFY(!closedDuringRun);
-        QVERIFY(!savedDuringRun);
+        QVERIFY(!closedDuringRun && !savedDuringRun);
 
-        const auto *pane = session.window.findChild<GeneratorOutputForm *>();
-        const QString log = pane->getLogging();
+        const QString log = session.output()->getLogging();
         QVERIFY2(log.contains(u"Generation of device completed."_s), qPrintable(log));
         QCOMPARE(session.status(), u"Generation of device completed."_s);
         QVERIFY(log.contains(QRegularExpression(u"\\n\\n\\d\\d:\\d\\d:\\d\\d: Check of model"_s)));
         QVERIFY(QFile::exists(file(u"device.eds"_s)));
         QVERIFY(QApplication::overrideCursor() == nullptr);
-        QVERIFY(session.window.findChild<QAction *>(u"actionSave_Project"_s)->isEnabled());
+        QVERIFY(session.enabled("actionSave_Project"));
     }
 
     void criticalErrorsAreTold()
     {
         Session session({u"-hidden"_s});
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         session.store->deleteIndex(0, 0x1000);
         session.trigger("actionGenerate_Output");
         QCOMPARE(
@@ -60,7 +50,6 @@ private slots:
     void anUnsavedProjectIsToBeSavedFirst()
     {
         Session session({u"-hidden"_s});
-        GuiHelper::queueAnswer(QMessageBox::Ok); // there is no template
         session.window.newProject();
         UserSettings::setGeneral(u"disablecheck"_s, true);
         GuiHelper::takeShownBoxes();
@@ -72,37 +61,32 @@ private slots:
 
     void theNetworkToolCountsTheGenerations_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QByteArray>("count");
-        QTest::newRow("alone") << QStringList{u"-hidden"_s} << QByteArray("1ul");
-        QTest::newRow("network tool") << QStringList{u"-hidden"_s, u"-tsk"_s} << QByteArray("41ul");
+        addRows<const char *, QByteArray>(
+            {{"alone", "-hidden", "1ul"}, {"network tool", "-hidden -tsk", "41ul"}});
     }
 
     void theNetworkToolCountsTheGenerations()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QByteArray, count);
-        Session session(arguments);
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        const auto [arguments, count] = row<const char *, QByteArray>();
+        Session session(words(arguments));
+        QVERIFY(session.open(project()));
         session.store->setGeneralSetting(u"generate_generation_counter"_s, u"1"_s);
         session.store->setGeneralSetting(u"tsk_generation_count"_s, u"41"_s);
         session.trigger("actionGenerate_Output");
-        QFile defines(file(u"gen_define.h"_s));
-        QVERIFY(defines.open(QIODevice::ReadOnly));
-        const QByteArray text = defines.readAll();
+        const QByteArray text = read(u"gen_define.h"_s);
         QVERIFY2(text.contains("#define GEN_GENERATION_COUNT\t" + count), text);
     }
 
     void networkToolModeNamesItsNode()
     {
-        const QString path = project(u"device.vxmp"_s);
+        const QString path = project();
         ObjectDataBase store;
         QVERIFY(store.openDataBase(path));
         store.setGeneralSetting(u"co_node_id"_s, u"0x120"_s);
         store.setGeneralSetting(u"co_network_id"_s, u"3"_s);
         QVERIFY(store.saveDatabase());
         Session session({path, u"-tsk"_s});
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         session.window.doThingsAfter1Second();
         QCOMPARE(session.window.windowTitle(),
                  u"tolvex device systems - CANopen Quillforge 4.3.3 invoked by CANopen Tessmark "
@@ -110,15 +94,10 @@ private slots:
         session.edit();
         QVERIFY(session.window.isModified() && !session.window.isWindowModified());
         for (const char *name : {"actionNew_Project", "actionOpen_Project", "actionClose_Project",
-                                 "actionGenerate_Output"}) {
-            QVERIFY(!session.window.findChild<QAction *>(QLatin1String(name))->isEnabled());
-        }
+                                 "actionGenerate_Output"})
+            QVERIFY2(!session.enabled(name), name);
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestWindowGeneration>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestWindowGeneration)
 #include "tst_windowgeneration.moc"

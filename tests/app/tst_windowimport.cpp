@@ -1,20 +1,16 @@
-#include "gui/guihelper.h"
 #include "resources/codb/standardprofiles.h"
 #include "tests/app/windowtest.h"
 
-#include <QAction>
-#include <QComboBox>
-#include <QDialog>
 #include <QDir>
 #include <QLineEdit>
 #include <QListView>
 #include <QPushButton>
-#include <QStatusBar>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 namespace {
+
+constexpr quint8 staging = ObjectDataBase::stagingLine;
 
 /// What a user does with the import dialog.
 int importAll(QDialog &dialog, const QString &path)
@@ -38,7 +34,7 @@ int importAll(QDialog &dialog, const QString &path)
 
 } // namespace
 
-/// What comes into the project of the window from files, and what goes out.
+/// What comes into the project and the library of the window from files, and what goes out.
 class TestWindowImport : public WindowTest
 {
     Q_OBJECT
@@ -47,12 +43,10 @@ private slots:
     void importIsOneUndoStep()
     {
         const QString source = project(u"other.vxmp"_s);
-        const QString path = project(u"device.vxmp"_s);
         Session session;
-        const auto *import = session.window.findChild<QAction *>(u"action_Import_File"_s);
-        QVERIFY(!import->isEnabled());
-        QVERIFY(session.window.openProject(path));
-        QTRY_VERIFY(import->isEnabled());
+        QVERIFY(!session.enabled("action_Import_File"));
+        QVERIFY(session.open(project()));
+        QTRY_VERIFY(session.enabled("action_Import_File"));
         for (const quint16 index : session.store->getIndices(0, 0x2000))
             session.store->deleteIndex(0, index);
         session.steps().handleDebounceTimeout();
@@ -62,7 +56,7 @@ private slots:
         session.trigger("action_Import_File");
         QVERIFY(session.store->indexExists(0, 0x2000));
         QVERIFY(session.window.isModified());
-        QVERIFY(session.window.statusBar()->currentMessage().contains(u"objects imported as"_s));
+        QVERIFY(session.status().contains(u"objects imported as"_s));
         QTRY_VERIFY(!session.steps().currentState().isEmpty());
         session.trigger("actionUndo");
         QCOMPARE(session.store->contentHash(), before);
@@ -76,53 +70,73 @@ private slots:
         session.window.setActionEnabled("action_Import_File", true);
         session.trigger("action_Import_File");
         session.trigger("action_EDS_File");
-        const QString text = u"Line 0 has no CANopen object dictionary."_s;
-        QCOMPARE(shownTexts(), (QStringList{text, text}));
+        QCOMPARE(shownTexts(), QStringList(2, u"Line 0 has no CANopen object dictionary."_s));
     }
 
     void loadsProfiles()
     {
-        StandardProfiles::makeAvailable();
         Session session;
         session.trigger("actionLoad_CiA_302");
-        QTRY_VERIFY(session.window.statusBar()->currentMessage().contains(u"CiA 302"_s));
-        QVERIFY(session.library->indexExists(ObjectDataBase::stagingLine, 0x1F80));
+        QTRY_VERIFY(session.status().contains(u"CiA 302"_s));
+        QVERIFY(session.library->indexExists(staging, 0x1F80));
         session.trigger("actionLoad_CiA_301");
-        QTRY_VERIFY(session.window.statusBar()->currentMessage().contains(u"CiA 301"_s));
-        QVERIFY(session.library->indexExists(ObjectDataBase::stagingLine, 0x1000));
-        QVERIFY(!session.library->indexExists(ObjectDataBase::stagingLine, 0x1F80));
+        QTRY_VERIFY(session.status().contains(u"CiA 301"_s));
+        QVERIFY(!session.library->indexExists(staging, 0x1F80));
+        const QList<quint16> indices = session.library->getIndices(staging);
+        QVERIFY(indices.size() > 40 && indices.first() == 0x1000 && indices.last() <= 0x1FFF);
+        // Only what is listed: the copies would make the list of objects on offer endless.
+        QVERIFY(!session.library->indexExists(staging, 0x1202));
+        QCOMPARE(session.store->getIndices(0), QList<quint16>());
+        QVERIFY(!session.window.isModified());
+    }
+
+    /// A later load takes the former's place, a missing profile leaves nothing and bothers nobody.
+    void loadsTheLastProfileAskedFor()
+    {
+        Session session;
+        QSignalSpy ready(&session.window, &VxmMainWindow::standardObjectsReady);
+        session.window.loadLibrary(StandardProfiles::communication);
+        session.window.loadLibrary(StandardProfiles::additional);
+        QTRY_VERIFY(!ready.isEmpty());
+        QVERIFY(session.library->indexExists(staging, 0x1F80));
+        QVERIFY(!session.library->indexExists(staging, 0x1000));
+        ready.clear();
+        session.window.loadLibrary(u":/codb/none.codb"_s);
+        QTRY_COMPARE(ready.size(), 1);
+        QCOMPARE(session.library->getIndices(staging), QList<quint16>());
+        QCOMPARE(shownTexts(), QStringList());
+        for (int turn = 0; turn < 10; ++turn) { // the window may close meanwhile
+            Session closing;
+            closing.window.loadLibrary(StandardProfiles::communication);
+            QTest::qWait(turn);
+        }
     }
 
     void exports_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("action_EDS_File") << u"my.eds"_s << QByteArray("FileName=my.eds");
-        QTest::newRow("action_XDD_File") << u"my.xdd"_s << QByteArray("<ISO15745ProfileContainer");
-        QTest::newRow("action_HTML_Documenation") << u"my.html"_s << QByteArray("<html");
-        QTest::newRow("action_CSV_File") << u"my.csv"_s << QByteArray("0x2000");
-        QTest::newRow("action_CSV_File") << u"my.icsv"_s << QByteArray("# This is an importable");
-        QTest::newRow("action_Text_Documentation") << u"my.txt"_s << QByteArray("2000");
+        addRows<QString, QByteArray>({
+            {"action_EDS_File", "my.eds", "FileName=my.eds"},
+            {"action_XDD_File", "my.xdd", "<ISO15745ProfileContainer"},
+            {"action_HTML_Documenation", "my.html", "<html"},
+            {"action_CSV_File", "my.csv", "0x2000"},
+            {"action_CSV_File", "my.icsv", "# This is an importable"},
+            {"action_Text_Documentation", "my.txt", "2000"},
+        });
     }
 
     void exports()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
-        const QString path = project(u"device.vxmp"_s);
+        const auto [name, content] = row<QString, QByteArray>();
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(project()));
         const QString before = session.store->contentHash();
-        QFile file(this->file(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write("former") == 6);
-        file.close();
-        GuiHelper::queueFileName(file.fileName());
+        write(name, "former");
+        GuiHelper::queueFileName(file(name));
         session.trigger(QTest::currentDataTag());
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        const QByteArray written = file.readAll();
+        const QByteArray written = read(name);
         QVERIFY2(written.contains(content), written.left(400).constData());
         QVERIFY(!written.contains("former"));
-        QVERIFY(session.window.statusBar()->currentMessage().contains(name));
+        QVERIFY(session.status().contains(name));
         QVERIFY(!session.window.isModified());
         QCOMPARE(session.store->contentHash(), before);
         QCOMPARE(shownTexts(), QStringList());
@@ -133,21 +147,16 @@ private slots:
     void tellsWhereItCannotWrite()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         GuiHelper::queueFileName(file(u"none/my.eds"_s));
         session.trigger("action_EDS_File");
         const QStringList texts = shownTexts();
-        QCOMPARE(texts.size(), 1);
-        QVERIFY2(texts.first().contains(u"my.eds"_s), qPrintable(texts.first()));
+        QVERIFY2(texts.size() == 1 && texts[0].contains(u"my.eds"_s), qPrintable(texts.join(u' ')));
         GuiHelper::queueFileName(QString());
         session.trigger("action_EDS_File");
         QCOMPARE(shownTexts(), QStringList());
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestWindowImport>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestWindowImport)
 #include "tst_windowimport.moc"

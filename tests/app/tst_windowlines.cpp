@@ -1,9 +1,5 @@
-#include "gui/guihelper.h"
 #include "tests/app/windowtest.h"
 
-#include <QMessageBox>
-
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 /// The flows of the line box.
@@ -15,12 +11,10 @@ private slots:
     void linesComeAndGo()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         // Line 0 has an error register, so only what is shared goes along.
-        ObjectDataBase::SUBINDEX_DATA_T shared;
-        shared.sharedlines = true;
         session.store->addIndex(0, 0x2100, {});
-        session.store->addSubIndex(0, 0x2100, 0, shared);
+        session.store->addSubIndex(0, 0x2100, 0, {.sharedlines = true});
         session.store->addIndex(0, 0x1F80, {});
 
         GuiHelper::queueAnswer(QMessageBox::No);
@@ -55,6 +49,14 @@ private slots:
                                             u"Do you want to add change the type of line 1?"_s,
                                             u"Do you want to duplicate the last line?"_s,
                                             u"Do you want to delete this line?"_s}));
+
+        // Links of messages lead to their line, but to none that is gone since.
+        emit session.output()->goToSubobj(0, 0x1018, 1);
+        QCOMPARE(session.window.currentLine(), 0);
+        emit session.output()->gotoObject(1, 0x1018);
+        QCOMPARE(session.window.currentLine(), 1);
+        emit session.output()->gotoObject(7, 0x1018);
+        QCOMPARE(session.window.currentLine(), 1);
     }
 
     void onlyAChoiceFromTheListStartsAFlow()
@@ -91,12 +93,10 @@ private slots:
         QCoreApplication::setApplicationName(canEdition);
         Session session;
         session.library->addNode(ObjectDataBase::stagingLine, {});
-        ObjectDataBase::INDEX_DATA_T object;
-        object.category = CANopen::Mandatory;
-        session.library->addIndex(ObjectDataBase::stagingLine, 0x1001, object);
-        object.category = CANopen::Optional;
-        session.library->addIndex(ObjectDataBase::stagingLine, 0x1002, object);
-
+        session.library->addIndex(ObjectDataBase::stagingLine, 0x1001,
+                                  {.category = CANopen::Mandatory});
+        session.library->addIndex(ObjectDataBase::stagingLine, 0x1002,
+                                  {.category = CANopen::Optional});
         GuiHelper::queueAnswer(QMessageBox::Yes);
         queueProtocol(u"btnCANopen"_s);
         session.choose(255);
@@ -116,14 +116,10 @@ private slots:
         session.choose(255);
         session.choose(253);
         QCOMPARE(session.store->getLines().size(), ObjectDataBase::maximumLines);
-        const QString refusal = u"The maximum number of 32 lines has been reached."_s;
-        QCOMPARE(shownTexts(), (QStringList{refusal, refusal}));
+        QCOMPARE(shownTexts(),
+                 QStringList(2, u"The maximum number of 32 lines has been reached."_s));
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestWindowLines>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestWindowLines)
 #include "tst_windowlines.moc"

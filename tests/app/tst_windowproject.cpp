@@ -1,12 +1,9 @@
 #include "app/recentprojects.h"
 #include "canopen/linetype.h"
-#include "gui/guihelper.h"
-#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
-#include <QMessageBox>
+#include <QDir>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
 
 /// New, open, save and close, with what the user is asked.
@@ -17,27 +14,24 @@ class TestWindowProject : public WindowTest
 private slots:
     void newProjectBelongsToItsEdition_data()
     {
-        QTest::addColumn<QString>("edition");
-        QTest::addColumn<QString>("answer"); // of the protocol dialog
-        QTest::addColumn<int>("type");
-        QTest::newRow("CANopen") << canopenEdition << QString() << 1;
-        QTest::newRow("J1939") << j1939Edition << QString() << 2;
-        QTest::newRow("EnergyBus") << energyBusEdition << QString() << 1;
-        QTest::newRow("CAN, raw") << canEdition << u"btnCAN"_s << 4;
-        QTest::newRow("CAN, both") << canEdition << u"btnCANopenJ1939"_s << 5;
-        QTest::newRow("CAN, J1939 and CAN") << canEdition << u"btnJ1939CAN"_s << 7;
-        QTest::newRow("CAN, cancelled") << canEdition << u"-"_s << 1;
+        // The answer is the button of the protocol dialog.
+        addRows<QString, QString, int>({
+            {"CANopen", canopenEdition, "", 1},
+            {"J1939", j1939Edition, "", 2},
+            {"EnergyBus", energyBusEdition, "", 1},
+            {"CAN, raw", canEdition, "btnCAN", 4},
+            {"CAN, both", canEdition, "btnCANopenJ1939", 5},
+            {"CAN, J1939 and CAN", canEdition, "btnJ1939CAN", 7},
+            {"CAN, cancelled", canEdition, "-", 1},
+        });
     }
 
     void newProjectBelongsToItsEdition()
     {
-        QFETCH(QString, edition);
-        QFETCH(QString, answer);
-        QFETCH(int, type);
+        const auto [edition, answer, type] = row<QString, QString, int>();
         QCoreApplication::setApplicationName(edition);
         Session session;
-        ObjectDataBase::INDEX_DATA_T object;
-        session.store->addIndex(0, 0x2000, object); // of the project before
+        session.store->addIndex(0, 0x2000, {}); // of the project before
         if (!answer.isEmpty())
             queueProtocol(answer);
         session.window.newProject();
@@ -61,10 +55,13 @@ private slots:
 
     void openEditSave()
     {
-        const QString path = project(u"device.vxmp"_s);
+        const QString path = project();
         Session session;
-        QVERIFY(session.window.openProject(path));
-        QVERIFY(!session.window.isModified());
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(folder()));
+        const bool opened = session.open(u"device.vxmp"_s);
+        QDir::setCurrent(before);
+        QVERIFY(opened && !session.window.isModified());
         QCOMPARE(session.path()->text(), QDir::toNativeSeparators(path));
         QCOMPARE(session.window.projectBaseName(), u"device"_s);
         QCOMPARE(session.window.projectDirectory(), folder());
@@ -72,36 +69,24 @@ private slots:
         QCOMPARE(UserSettings::general(u"projectpath"_s).toString(), folder());
         QCOMPARE(RecentProjects::entries().value(0).path, path);
 
-        session.store->setGeneralSetting(u"co_node_id"_s, u"7"_s);
+        session.setNodeId(u"7"_s);
         QVERIFY(session.window.isModified() && session.window.isWindowModified());
         QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"32"_s);
         session.trigger("actionSave_Project");
         QVERIFY(!session.window.isModified() && !session.window.isWindowModified());
         QCOMPARE(session.status(), u"device.vxmp is saved."_s);
         QCOMPARE(ProjectFixture::generalSetting(path, u"co_node_id"_s), u"7"_s);
-        QVERIFY(GuiHelper::takeShownBoxes().isEmpty());
-    }
-
-    void aRelativePathIsOpenedFromTheCurrentFolder()
-    {
-        QVERIFY(!project(u"device.vxmp"_s).isEmpty());
-        const QString before = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(folder()));
-        Session session;
-        const bool opened = session.window.openProject(u"device.vxmp"_s);
-        QDir::setCurrent(before);
-        QVERIFY(opened);
-        QVERIFY(QDir::isAbsolutePath(session.path()->text()));
+        QCOMPARE(shownTexts(), QStringList());
     }
 
     void failedOpenIsTold()
     {
         const QString good = project(u"good.vxmp"_s);
         Session session;
-        QVERIFY(session.window.openProject(good));
+        QVERIFY(session.open(good));
         session.store->addNode(1, {});
         session.window.selectLine(1);
-        QVERIFY(!session.window.openProject(file(u"none.vxmp"_s)));
+        QVERIFY(!session.open(file(u"none.vxmp"_s)));
         const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
         QCOMPARE(boxes.size(), 1);
         QCOMPARE(boxes[0].text, u"Cannot open project file %1."_s.arg(file(u"none.vxmp"_s)));
@@ -115,25 +100,22 @@ private slots:
     {
         Session session({u"-now"_s}); // spares those on files of the stack
         const QString path = project(u"old.vxmp"_s, {.savedByVersion = u"3.6.0"_s});
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         const QStringList texts = shownTexts();
-        QCOMPARE(texts.size(), 1);
-        QVERIFY(texts.first().contains(path + u".bak_v3"_s));
+        QVERIFY(texts.size() == 1 && texts[0].contains(path + u".bak_v3"_s));
     }
 
     /// What the disk has of the working copy is of no use any more.
     void aBrokenWorkingCopyIsNotSaved()
     {
-        const QString path = project(u"device.vxmp"_s);
+        const QString path = project();
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         session.step(u"7"_s);
-        const auto breakCopy = [&] {
-            QFile working(session.store->workingFiles().constLast());
-            QVERIFY(working.open(QIODevice::ReadWrite) && working.seek(8192));
-            working.write(QByteArray(int(working.size()) - 8192, 'x'));
-        };
-        breakCopy();
+        QFile working(session.store->workingFiles().constLast());
+        QVERIFY(working.open(QIODevice::ReadWrite) && working.seek(8192));
+        working.write(QByteArray(int(working.size()) - 8192, 'x'));
+        working.close();
         session.trigger("actionSave_Project");
         QCOMPARE(shownTexts(), QStringList{u"Cannot save project file."_s});
         QVERIFY(session.window.isModified());
@@ -148,29 +130,27 @@ private slots:
 
     void foreignChangesAreAskedAbout_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<int>("answer"); // 0: no question is expected
-        QTest::addColumn<bool>("opened");
-        QTest::newRow("yes") << QStringList{} << int(QMessageBox::Yes) << true;
-        QTest::newRow("no") << QStringList{} << int(QMessageBox::No) << false;
-        QTest::newRow("network tool") << QStringList{u"-tsk"_s} << 0 << true;
+        addRows<const char *, int, bool>({
+            // no question is expected where there is no answer
+            {"yes", "", QMessageBox::Yes, true},
+            {"no", "", QMessageBox::No, false},
+            {"network tool", "-tsk", 0, true},
+        });
     }
 
     void foreignChangesAreAskedAbout()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(int, answer);
-        QFETCH(bool, opened);
-        const QString path = project(u"device.vxmp"_s);
-        QVERIFY(ProjectFixture::tamper(path, u"co_node_id"_s, u"99"_s));
-        Session session(arguments);
+        const auto [arguments, answer, opened] = row<const char *, int, bool>();
+        const QString path = project();
+        ProjectFixture::runOn(
+            path, u"update GeneralSettings set value = '99' where item = 'co_node_id'"_s);
+        Session session(words(arguments));
         if (answer != 0)
             GuiHelper::queueAnswer(answer);
-        QCOMPARE(session.window.openProject(path), opened);
-
+        QCOMPARE(session.open(path), opened);
         QCOMPARE(session.window.projectDirectory().isEmpty(), !opened);
-        const QStringList texts = shownTexts();
-        QCOMPARE(texts.value(0) == u"This project file has been modified outside of the tool."_s,
+        QCOMPARE(shownTexts().value(0) ==
+                     u"This project file has been modified outside of the tool."_s,
                  answer != 0);
         if (opened)
             QVERIFY(!session.store->getMiscSetting(u"TamperLog"_s).isEmpty());
@@ -178,9 +158,9 @@ private slots:
 
     void aFailedSaveKeepsTheProjectOpen()
     {
-        const QString path = project(u"device.vxmp"_s);
+        const QString path = project();
         Session session;
-        QVERIFY(session.window.openProject(path));
+        QVERIFY(session.open(path));
         session.edit();
         QVERIFY(QFile::setPermissions(path, QFile::ReadOwner));
         GuiHelper::queueAnswer(QMessageBox::Save);
@@ -193,7 +173,6 @@ private slots:
     void saveAsTakesTheNewPath()
     {
         Session session;
-        GuiHelper::queueAnswer(QMessageBox::Ok); // there is no template
         session.window.newProject();
         session.edit();
         GuiHelper::queueFileName(QString()); // cancelled
@@ -226,9 +205,5 @@ private slots:
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestWindowProject>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestWindowProject)
 #include "tst_windowproject.moc"

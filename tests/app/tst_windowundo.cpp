@@ -1,15 +1,21 @@
-#include "gui/guihelper.h"
-#include "store/usersettings.h"
 #include "tests/app/windowtest.h"
 
-#include <QAction>
-#include <QMessageBox>
+#include <QDir>
 #include <QStandardPaths>
-#include <QStatusBar>
 #include <QTimer>
 
-using namespace Qt::StringLiterals;
 using namespace WindowParts;
+
+namespace {
+
+/// Where this process keeps its snapshots.
+QString snapshotFolder()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation) +
+           u"/undo_%1"_s.arg(QCoreApplication::applicationPid());
+}
+
+} // namespace
 
 /// Undo and redo as the window offers them.
 class TestWindowUndo : public WindowTest
@@ -19,90 +25,79 @@ class TestWindowUndo : public WindowTest
 private slots:
     void undoFollowsTheProject_data()
     {
-        QTest::addColumn<QString>("suffix");
-        QTest::newRow("database") << u"vxmp"_s;
-        QTest::newRow("text") << u"vxmt"_s;
+        addRows<QString>({{"database", "device.vxmp"}, {"text", "device.vxmt"}});
     }
 
     void undoFollowsTheProject()
     {
-        QFETCH(QString, suffix);
+        const auto [name] = row<QString>();
         UserSettings::setGeneral(u"undomaxdepth"_s, 2);
-        const QString path = project(u"device."_s + suffix);
         Session session;
-        const auto *undo = session.window.findChild<QAction *>(u"actionUndo"_s);
-        const auto *redo = session.window.findChild<QAction *>(u"actionRedo"_s);
-        const auto nodeId = [&] { return session.store->getGeneralSetting(u"co_node_id"_s); };
-        QVERIFY(session.window.openProject(path));
-        QVERIFY(!undo->isEnabled() && !redo->isEnabled());
-
+        QVERIFY(session.open(project(name)));
+        // Value, "*" if it is to be saved, and what is offered.
+        const auto state = [&] {
+            return session.nodeId() + (session.window.isModified() ? "*" : "") +
+                   (session.enabled("actionUndo") ? " undo" : "") +
+                   (session.enabled("actionRedo") ? " redo" : "");
+        };
+        QCOMPARE(state(), u"32"_s);
         session.step(u"7"_s);
         session.step(u"8"_s);
         session.trigger("actionUndo");
-        QCOMPARE(nodeId(), u"7"_s);
-        QVERIFY(session.window.isModified() && undo->isEnabled() && redo->isEnabled());
+        QCOMPARE(state(), u"7* undo redo"_s);
         session.trigger("actionUndo");
-        QCOMPARE(nodeId(), u"32"_s);
-        QVERIFY(!undo->isEnabled());
-        // An edit that was undone needs no saving.
-        QVERIFY(!session.window.isModified());
+        QCOMPARE(state(), u"32 redo"_s); // an edit that was undone needs no saving
         QVERIFY(session.window.closeCheck());
 
         session.trigger("actionRedo");
-        QVERIFY(session.window.isModified());
+        QCOMPARE(state(), u"7* undo redo"_s);
         session.trigger("actionSave_Project");
-        QVERIFY(!session.window.isModified());
         session.steps().handleDebounceTimeout();
-        QVERIFY(redo->isEnabled()); // what a save writes is no step
+        QCOMPARE(state(), u"7 undo redo"_s); // what a save writes is no step
         session.trigger("actionUndo");
-        QCOMPARE(nodeId(), u"32"_s);
-        QVERIFY(session.window.isModified()); // the file holds another state now
+        QCOMPARE(state(), u"32* redo"_s); // the file holds another state now
         session.trigger("actionRedo");
-        QVERIFY(!session.window.isModified());
+        QCOMPARE(state(), u"7 undo redo"_s);
         session.step(u"8"_s);
-        QVERIFY(session.window.isModified());
+        QCOMPARE(state(), u"8* undo"_s);
         session.trigger("actionUndo");
-        QVERIFY(!session.window.isModified());
-        QCOMPARE(nodeId(), u"7"_s);
+        QCOMPARE(state(), u"7 undo redo"_s);
         session.trigger("actionUndo");
-        QVERIFY(session.window.isModified());
-        QCOMPARE(nodeId(), u"32"_s);
+        QCOMPARE(state(), u"32* redo"_s);
         ObjectDataBase saved;
-        QVERIFY(saved.openDataBase(path));
+        QVERIFY(saved.openDataBase(file(name)));
         QCOMPARE(saved.getGeneralSetting(u"co_node_id"_s), u"7"_s);
 
         for (const auto &value : {u"9"_s, u"10"_s, u"11"_s})
             session.step(value);
-        QCOMPARE(session.window.statusBar()->currentMessage(),
+        QCOMPARE(session.status(),
                  u"Undo limit reached - the oldest undo step has been dropped."_s);
         GuiHelper::queueFileName(file(u"other.vxmp"_s));
         session.trigger("actionSave_Project_as");
-        QVERIFY(!undo->isEnabled() && !redo->isEnabled());
+        QCOMPARE(state(), u"11"_s);
     }
 
     void undoStaysAwayFromARun()
     {
         Session session({u"-hidden"_s});
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
-        const auto *undo = session.window.findChild<QAction *>(u"actionUndo"_s);
+        QVERIFY(session.open(project()));
         session.step(u"7"_s);
         bool enabledDuringRun = true;
         QTimer::singleShot(50, this, [&] {
             session.steps().handleDebounceTimeout();
-            enabledDuringRun = undo->isEnabled();
+            enabledDuringRun = session.enabled("actionUndo");
         });
-        session.store->setGeneralSetting(u"co_node_id"_s, u"8"_s);
+        session.setNodeId(u"8"_s);
         session.trigger("actionGenerate_Output");
-        QVERIFY(!enabledDuringRun);
-        QVERIFY(undo->isEnabled());
+        QVERIFY(!enabledDuringRun && session.enabled("actionUndo"));
         session.trigger("actionUndo");
-        QCOMPARE(session.store->getGeneralSetting(u"co_node_id"_s), u"7"_s);
+        QCOMPARE(session.nodeId(), u"7"_s);
     }
 
     void aStepShowsTheLineThatItBrings()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
+        QVERIFY(session.open(project()));
         GuiHelper::queueAnswer(QMessageBox::Yes);
         session.choose(255);
         session.steps().handleDebounceTimeout();
@@ -114,38 +109,26 @@ private slots:
         QCOMPARE(session.lines()->currentData().toInt(), 1);
     }
 
-    void theEndOfUndoIsTold()
+    void lostSnapshotsAreTold()
     {
         Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
-        const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-        const QString folder = data + u"/undo_%1"_s.arg(QCoreApplication::applicationPid());
-        QVERIFY(QDir(folder).removeRecursively());
+        QVERIFY(session.open(project()));
         session.step(u"7"_s);
+        QDir folder(snapshotFolder());
+        for (const QString &name : folder.entryList(QDir::Files))
+            QVERIFY(folder.remove(name));
+        session.trigger("actionUndo");
+        const QString message = session.status();
+        QVERIFY2(message.startsWith(u"Cannot undo: snapshot '"_s), qPrintable(message));
+        QCOMPARE(session.nodeId(), u"7"_s);
+
+        QVERIFY(folder.removeRecursively());
+        session.step(u"8"_s);
         QVERIFY2(session.status().startsWith(u"Undo is switched off"_s),
                  qPrintable(session.status()));
-        QVERIFY(QDir().mkpath(folder)); // for the test functions behind this one
-    }
-
-    void aLostSnapshotIsTold()
-    {
-        Session session;
-        QVERIFY(session.window.openProject(project(u"device.vxmp"_s)));
-        session.step(u"7"_s);
-        const QString data = QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
-        const QString folder = data + u"/undo_%1"_s.arg(QCoreApplication::applicationPid());
-        for (const QString &name : QDir(folder).entryList(QDir::Files))
-            QVERIFY(QFile::remove(folder + u'/' + name));
-        session.trigger("actionUndo");
-        const QString message = session.window.statusBar()->currentMessage();
-        QVERIFY2(message.startsWith(u"Cannot undo: snapshot '"_s), qPrintable(message));
-        QCOMPARE(session.store->getGeneralSetting(u"co_node_id"_s), u"7"_s);
+        QVERIFY(QDir().mkpath(snapshotFolder())); // for the test functions behind this one
     }
 };
 
-int main(int argc, char *argv[])
-{
-    return WindowTest::run<TestWindowUndo>(argc, argv);
-}
-
+WINDOW_TEST_MAIN(TestWindowUndo)
 #include "tst_windowundo.moc"

@@ -1,13 +1,14 @@
 #include "tests/app/windowtest.h"
 
-#include "gui/guihelper.h"
 #include "gui/tolvexbaseapplication.h"
+#include "resources/codb/standardprofiles.h"
 #include "resources/templates/projecttemplates.h"
-#include "store/usersettings.h"
 
-#include <QAction>
 #include <QPushButton>
+#include <QSaveFile>
 #include <QSettings>
+
+using namespace WindowParts;
 
 namespace WindowParts {
 
@@ -24,9 +25,8 @@ Session::Session(const QStringList &arguments)
 
 void Session::trigger(const char *action)
 {
-    auto *found = window.findChild<QAction *>(QLatin1String(action));
-    QVERIFY2(found != nullptr, action);
-    found->trigger();
+    QVERIFY2(this->action(action) != nullptr, action);
+    this->action(action)->trigger();
 }
 
 void Session::choose(int data)
@@ -37,8 +37,15 @@ void Session::choose(int data)
 
 void Session::step(const QString &nodeId)
 {
-    store->setGeneralSetting(u"co_node_id"_s, nodeId);
+    setNodeId(nodeId);
     steps().handleDebounceTimeout();
+}
+
+void Session::activate()
+{
+    window.show();
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
 }
 
 QStringList shownTexts()
@@ -62,12 +69,33 @@ void queueProtocol(const QString &buttonName)
 
 } // namespace WindowParts
 
-using namespace WindowParts;
+int WindowTest::run(int argc, char *argv[], Maker make)
+{
+    TolvexBaseApplication application(argc, argv, canopenEdition, u"4.3.3"_s);
+    QCoreApplication::setOrganizationName(u"tolvex"_s);
+    const QTemporaryDir settings;
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, settings.path());
+    ProjectTemplates::makeAvailable();
+    StandardProfiles::makeAvailable();
+    return QTest::qExec(make().get(), argc, argv);
+}
 
 QString WindowTest::project(const QString &name, const ProjectFixture::Options &options) const
 {
-    const QString path = file(name);
-    return ProjectFixture::save(path, options) ? path : QString();
+    return ProjectFixture::save(file(name), options) ? file(name) : QString();
+}
+
+void WindowTest::write(const QString &name, const QByteArray &content) const
+{
+    QSaveFile saved(file(name));
+    QVERIFY(saved.open(QIODevice::WriteOnly) && saved.write(content) == content.size());
+    QVERIFY(saved.commit());
+}
+
+QByteArray WindowTest::read(const QString &name) const
+{
+    QFile saved(file(name));
+    return saved.open(QIODevice::ReadOnly) ? saved.readAll() : QByteArray();
 }
 
 void WindowTest::init()
@@ -78,18 +106,3 @@ void WindowTest::init()
     UserSettings().clear();
     GuiHelper::takeShownBoxes();
 }
-
-void WindowTest::cleanup()
-{
-    QCOMPARE(GuiHelper::takeUnusedAnswers(), 0);
-}
-
-WindowTest::Application::Application(int &argc, char **argv)
-    : m_application(std::make_unique<TolvexBaseApplication>(argc, argv, canopenEdition, u"4.3.3"_s))
-{
-    QCoreApplication::setOrganizationName(u"tolvex"_s);
-    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, m_settings.path());
-    ProjectTemplates::makeAvailable();
-}
-
-WindowTest::Application::~Application() = default;

@@ -1,7 +1,10 @@
 #include "app/recentprojects.h"
 #include "app/startoptions.h"
+#include "gui/ansichighlighter.h"
 #include "gui/basemainform.h"
+#include "gui/baseobjectmask.h"
 #include "gui/displaychoice.h"
+#include "gui/emtytreeform.h"
 #include "gui/guihelper.h"
 #include "gui/lineicon.h"
 #include "gui/messagebox.h"
@@ -10,34 +13,26 @@
 #include "session/versionnotes.h"
 #include "store/edition.h"
 #include "store/usersettings.h"
+#include "tests/support/rows.h"
 
+#include <QComboBox>
+#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTemporaryDir>
-#include <QTest>
+#include <QTextBlock>
+#include <QTextLayout>
 
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Notes what it is told.
-class RecordingForm : public BaseMainForm
+std::shared_ptr<ObjectDataBase> newStore()
 {
-public:
-    void updateData(ObjectDataBase::ChangeSet modification) override { heard << modification; }
-    void saveData() override {}
-    void handleExpertMode(bool) override {}
-
-    QList<ObjectDataBase::ChangeSet> heard;
-};
-
-ObjectDataBase::ChangeSet changeOf(quint16 index)
-{
-    ObjectDataBase::ChangeSet change;
-    change.kind = ObjectDataBase::IndexAdded;
-    change.index = index;
-    return change;
+    auto store = std::make_shared<ObjectDataBase>();
+    store->createNewDataBase();
+    return store;
 }
 
 double luminance(const QColor &colour)
@@ -55,6 +50,61 @@ double contrast(const QColor &a, const QColor &b)
     return (high + 0.05) / (low + 0.05);
 }
 
+class Mask : public BaseObjectMask
+{
+public:
+    void saveData() override {}
+    void updateData() override {}
+    bool mayOverwrite(quint16 object) { return confirmOverwrite(0, object); }
+};
+
+/// Answers the first change it hears of with one of its own.
+class WritingForm : public BaseMainForm
+{
+public:
+    void updateData(ObjectDataBase::ChangeSet change) override
+    {
+        heard << change.index;
+        if (heard.size() == 1)
+            database()->addIndex(0, 0x3000, {});
+    }
+    void saveData() override
+    {
+        m_guard = true;
+        database()->addIndex(0, 0x4000, {});
+        m_guard = false;
+    }
+    void handleExpertMode(bool) override {}
+
+    QList<quint16> heard;
+};
+
+/// A letter for the kind of token at each place of the text, lines joined by "|".
+QString tokensOf(const QString &code)
+{
+    QTextDocument document(code);
+    AnsiCHighlighter highlighter(&document);
+    highlighter.rehighlight();
+    const QString letters = u"ktpsnc"_s;
+    QStringList lines;
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        QString line(block.length() - 1, u'.');
+        for (const QTextLayout::FormatRange &range : block.layout()->formats()) {
+            for (int kind = 0; kind < letters.size(); ++kind) {
+                if (range.format == highlighter.format(AnsiCHighlighter::Token(kind)))
+                    line.replace(range.start, range.length, QString(range.length, letters[kind]));
+            }
+        }
+        lines << line;
+    }
+    return lines.join(u'|');
+}
+
+StartOptions parse(const char *line)
+{
+    return StartOptions::parse(QStringList{u"program"_s} + words(line));
+}
+
 } // namespace
 
 class TestAppSupport : public QObject
@@ -68,15 +118,95 @@ private slots:
         QCOMPARE(GuiHelper::takeUnusedAnswers(), 0);
     }
 
+    void overwritingIsConfirmed()
+    {
+        const auto store = newStore();
+        store->addIndex(0, 0x1017, {});
+        Mask mask;
+        QVERIFY(!mask.setDatabase(nullptr));
+        QVERIFY(mask.mayOverwrite(0x1017)); // nothing to overwrite yet
+        QVERIFY(mask.setDatabase(store));
+        QVERIFY(mask.mayOverwrite(0x1016));
+        QVERIFY(GuiHelper::takeShownBoxes().isEmpty());
+
+        QVERIFY(mask.mayOverwrite(0x1017)); // by the default button
+        GuiHelper::queueAnswer(QMessageBox::No);
+        QVERIFY(!mask.mayOverwrite(0x1017));
+        const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
+        QCOMPARE(boxes.size(), 2);
+        QCOMPARE(boxes[0].text, u"The existing index 0x1017 must be overwritten. Proceed?"_s);
+        QCOMPARE(boxes[0].defaultButton, QMessageBox::Yes);
+    }
+
+    void combosOfferDataTypes()
+    {
+        QComboBox box;
+        BaseTreeForm::fillDataTypes(box);
+        int row = -1;
+        QVERIFY(BaseObjectMask::selectComboItemByData(&box, CAN::UNSIGNED32, &row));
+        QCOMPARE(row, box.currentIndex());
+        QCOMPARE(box.currentText(), u"UNSIGNED32"_s);
+        QVERIFY(BaseTreeForm::selectComboItem(box, CAN::UTF8_STRING));
+        QVERIFY(!BaseTreeForm::selectComboItem(box, CAN::UNKNOWN_TYPE));
+        QVERIFY(!BaseObjectMask::selectComboItemByData(&box, CAN::BITS3, &row));
+        QCOMPARE(box.currentData().toInt(), int(CAN::UTF8_STRING)); // as it was
+        for (int i = 0; i < box.count(); ++i)
+            QVERIFY2(!box.itemIcon(i).pixmap(16).isNull(), qPrintable(box.itemText(i)));
+
+        BaseTreeForm::fillDataTypes(box, u"EtherCAT"_s);
+        QVERIFY(BaseTreeForm::selectComboItem(box, CAN::BITS3));
+        QVERIFY(!BaseTreeForm::selectComboItem(box, CAN::BITS9));
+    }
+
+    /// Neither a change that a form causes while it hears of another, nor the order gets lost.
+    void changesOfAFormAreDelivered()
+    {
+        const auto store = newStore();
+        WritingForm form;
+        QVERIFY(form.setDatabase(store));
+        store->addIndex(0, 0x1000, {});
+        store->addIndex(0, 0x2000, {});
+        QTRY_COMPARE(form.heard, (QList<quint16>{0x1000, 0x2000, 0x3000}));
+        form.saveData();
+        QTest::qWait(100);
+        QCOMPARE(form.heard.size(), 3); // its own edits do not come back
+
+        GuiHelper::takeShownBoxes();
+        form.doAction(BaseMainForm::Paste);
+        const QList<GuiHelper::Box> boxes = GuiHelper::takeShownBoxes();
+        QCOMPARE(boxes.value(0).title, u"Not supported."_s);
+        QCOMPARE(boxes.value(0).text, u"This action is not supported in this form."_s);
+    }
+
+    /// Like changes put the delivery off and are heard once, others keep their order.
+    void runsOfLikeChangesAreHeardOnce()
+    {
+        const auto store = newStore();
+        WritingForm form;
+        form.heard << 0; // it has nothing to answer
+        QVERIFY(!form.setDatabase(nullptr));
+        QVERIFY(form.setDatabase(store));
+        QElapsedTimer sinceFirst;
+        sinceFirst.start();
+        while (sinceFirst.elapsed() < 150) {
+            store->addIndex(0, 0x1000, {});
+            QCoreApplication::processEvents();
+        }
+        QCOMPARE(form.heard.size(), 1);
+        QTRY_COMPARE(form.heard.size(), 2);
+        for (const quint16 index : {0x3000, 0x2000, 0x3000, 0x2000})
+            emit store->updateNotify({.kind = ObjectDataBase::IndexAdded, .index = index});
+        QTRY_COMPARE(form.heard.mid(2), (QList<quint16>{0x3000, 0x2000, 0x3000, 0x2000}));
+    }
+
     void optionsAreWholeArguments()
     {
-        const StartOptions none = StartOptions::parse({u"program"_s});
+        const StartOptions none = parse("");
         QVERIFY(!none.project && !none.importFile && !none.hidden && !none.generate);
         QCOMPARE(none.pgnMode, u"keep"_s);
 
-        const StartOptions all = StartOptions::parse(
-            {u"program"_s, u"a.vxmp"_s, u"-g"_s, u"-dbmod"_s, u"m.txt"_s, u"-i"_s, u"x.csv"_s,
-             u"-i"_s, u"y.csv"_s, u"-tsk"_s, u"-o"_s, u"new"_s, u"-HIDDEN"_s, u"-sx"_s, u"-j"_s});
+        const StartOptions all =
+            parse("a.vxmp -g -dbmod m.txt -i x.csv -i y.csv -tsk -o new -HIDDEN -sx -j");
         QCOMPARE(all.project, u"a.vxmp"_s);
         QVERIFY(all.generate && all.networkTool && all.skipVersionNotes);
         QVERIFY(!all.hidden && !all.save); // another case, a longer word
@@ -87,56 +217,26 @@ private slots:
         QVERIFY(!all.importHandlerFile);
     }
 
-    void firstArgument_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<bool>("isProject");
-        QTest::newRow("none") << QStringList{} << false;
-        QTest::newRow("file") << QStringList{u"a.vxmp"_s, u"-g"_s} << true;
-        QTest::newRow("option first") << QStringList{u"-g"_s, u"a.vxmp"_s} << true;
-        QTest::newRow("J1939") << QStringList{u"-j1939"_s, u"a.vxmp"_s} << false;
-        QTest::newRow("two dashes") << QStringList{u"--importfile"_s, u"a.ini"_s} << false;
-        QTest::newRow("two dashes in a name") << QStringList{u"my--project.vxmp"_s} << false;
-        QTest::newRow("J1939 later") << QStringList{u"a.vxmp"_s, u"-j1939"_s} << true;
-    }
-
     void firstArgument()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(bool, isProject);
-        const StartOptions options = StartOptions::parse(QStringList{u"program"_s} + arguments);
-        QCOMPARE(options.project.has_value(), isProject);
-        if (isProject)
-            QCOMPARE(*options.project, arguments.first());
-    }
-
-    void offscreenOnlyWhereNothingElseWorks_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<bool>("needsDisplay");
-        QTest::addColumn<bool>("hasDisplay");
-        QTest::addColumn<bool>("named");
-        QTest::addColumn<bool>("offscreen");
-        const QStringList hidden{u"a.vxmp"_s, u"-hidden"_s};
-        QTest::newRow("build server") << hidden << true << false << false << true;
-        QTest::newRow("display") << hidden << true << true << false << false;
-        QTest::newRow("not hidden") << QStringList{u"a.vxmp"_s} << true << false << false << false;
-        QTest::newRow("other system") << hidden << false << false << false << false;
-        QTest::newRow("variable") << hidden << true << false << true << false;
-        QTest::newRow("argument") << QStringList{u"-hidden"_s, u"-platform"_s, u"vnc"_s} << true
-                                  << false << false << false;
-        QTest::newRow("argument in one")
-            << QStringList{u"-hidden"_s, u"--platform=vnc"_s} << true << false << false << false;
+        for (const char *line : {"a.vxmp -g", "-g a.vxmp", "a.vxmp -j1939"})
+            QVERIFY2(parse(line).project == words(line).first(), line);
+        for (const char *line : {"", "-j1939 a.vxmp", "--importfile a.ini", "my--project.vxmp"})
+            QVERIFY2(!parse(line).project.has_value(), line);
     }
 
     void offscreenOnlyWhereNothingElseWorks()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(bool, needsDisplay);
-        QFETCH(bool, hasDisplay);
-        QFETCH(bool, named);
-        QTEST(DisplayChoice::wantsOffscreen({arguments, needsDisplay, hasDisplay, named}),
-              "offscreen");
+        const auto wants = [](const char *line, bool needsDisplay, bool hasDisplay, bool named) {
+            return DisplayChoice::wantsOffscreen({words(line), needsDisplay, hasDisplay, named});
+        };
+        QVERIFY(wants("a.vxmp -hidden", true, false, false));
+        QVERIFY(!wants("a.vxmp -hidden", true, true, false));
+        QVERIFY(!wants("a.vxmp", true, false, false));
+        QVERIFY(!wants("a.vxmp -hidden", false, false, false)); // another system
+        QVERIFY(!wants("a.vxmp -hidden", true, false, true));   // the variable
+        QVERIFY(!wants("-hidden -platform vnc", true, false, false));
+        QVERIFY(!wants("-hidden --platform=vnc", true, false, false));
     }
 
     void boxesNobodySeesTakeTheirDefault()
@@ -144,12 +244,10 @@ private slots:
         QVERIFY(!GuiHelper::isAttended());
         const GuiHelper::Box box{.title = u"t"_s,
                                  .text = u"text"_s,
-                                 .informativeText = {},
                                  .buttons =
                                      QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel,
                                  .icon = QMessageBox::Question,
-                                 .defaultButton = QMessageBox::Save,
-                                 .extraButtons = {}};
+                                 .defaultButton = QMessageBox::Save};
         QCOMPARE(GuiHelper::showMessageBox(nullptr, box), int(QMessageBox::Save));
         QCOMPARE(GuiHelper::showMessageBox(nullptr, u"t"_s, u"no default"_s, QString(),
                                            QMessageBox::Yes | QMessageBox::No),
@@ -163,22 +261,17 @@ private slots:
         QCOMPARE(GuiHelper::takeShownBoxes().size(), 3);
     }
 
-    void savedNamesGetASuffixThatOpensAgain_data()
-    {
-        QTest::addColumn<QString>("given");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("none") << u"/x/a"_s << u"/x/a.vxmp"_s;
-        QTest::newRow("known") << u"/x/a.VXMT"_s << u"/x/a.VXMT"_s;
-        QTest::newRow("a dot in the name") << u"/x/a.v2"_s << u"/x/a.v2.vxmp"_s;
-        QTest::newRow("cancelled") << QString() << QString();
-    }
-
     void savedNamesGetASuffixThatOpensAgain()
     {
-        QFETCH(QString, given);
-        GuiHelper::queueFileName(given);
-        QTEST(GuiHelper::saveFileName(nullptr, u"Save"_s, QString(), u"P (*.vxmp);;T (*.vxmt)"_s),
-              "expected");
+        for (const auto &[given, expected] : {std::pair{u"/x/a"_s, u"/x/a.vxmp"_s},
+                                              {u"/x/a.VXMT"_s, u"/x/a.VXMT"_s},
+                                              {u"/x/a.v2"_s, u"/x/a.v2.vxmp"_s},
+                                              {QString(), QString()}}) {
+            GuiHelper::queueFileName(given);
+            QCOMPARE(
+                GuiHelper::saveFileName(nullptr, u"Save"_s, QString(), u"P (*.vxmp);;T (*.vxmt)"_s),
+                expected);
+        }
     }
 
     void eleventhRecentProjectTakesTheOldestPlace()
@@ -198,63 +291,57 @@ private slots:
             UserSettings().fileName().contains(qApp->property("AppNameWithVersion").toString()));
     }
 
-    void runsOfLikeChangesAreHeardOnce()
-    {
-        const auto store = std::make_shared<ObjectDataBase>();
-        RecordingForm form;
-        QVERIFY(!form.setDatabase(nullptr));
-        QVERIFY(form.setDatabase(store));
-        for (int i = 0; i < 1000; ++i)
-            emit store->updateNotify(changeOf(0x2000));
-        QCOMPARE(form.heard.size(), 0);
-        QTRY_COMPARE(form.heard.size(), 1);
-
-        form.heard.clear();
-        for (int i = 0; i < 4; ++i)
-            emit store->updateNotify(changeOf(i % 2 ? 0x2000 : 0x3000));
-        QTRY_COMPARE(form.heard.size(), 4);
-        QCOMPARE(form.heard[0].index, 0x3000);
-        QCOMPARE(form.heard[3].index, 0x2000);
-    }
-
-    void versionNotesFitTheVersion_data()
-    {
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<QString>("canopen");
-        QTest::addColumn<QString>("others");
-        QTest::newRow("3.6") << u"3.6.2"_s << u"co_common.c and co_memcpy.c"_s
-                             << u"co_common.c, co_memcpy.c and co_mapping.c"_s;
-        QTest::newRow("3.7") << u"3.7.0"_s << u"the file co_memcpy.c to"_s
-                             << u"the file co_memcpy.c and co_mapping.c to"_s;
-        QTest::newRow("3.8") << u"3.8"_s << u"the file co_memcpy.c to"_s
-                             << u"the file co_memcpy.c and co_mapping.c to"_s;
-        QTest::newRow("3.9") << u"3.9.1"_s << QString() << QString();
-    }
-
     void versionNotesFitTheVersion()
     {
-        QFETCH(QString, version);
-        QFETCH(QString, canopen);
-        QFETCH(QString, others);
-        const int minor = VersionNotes::parse(version).minor;
-        const QString forCANopen = VersionNotes::missingStackFiles(minor, true);
-        const QString forOthers = VersionNotes::missingStackFiles(minor, false);
-        QCOMPARE(forCANopen.isEmpty(), canopen.isEmpty());
-        QVERIFY(forCANopen.contains(canopen));
-        QVERIFY(forOthers.contains(others));
+        const auto memory = u"the file co_memcpy.c to"_s;
+        const auto both = u"the file co_memcpy.c and co_mapping.c to"_s;
+        const std::tuple<QString, QString, QString> rows[] = {
+            {"3.6.2", "co_common.c and co_memcpy.c", "co_common.c, co_memcpy.c and co_mapping.c"},
+            {"3.7.0", memory, both},
+            {"3.8", memory, both},
+            {"3.9.1", "", ""},
+        };
+        for (const auto &[version, canopen, others] : rows) {
+            const int minor = VersionNotes::parse(version).minor;
+            const QString forCANopen = VersionNotes::missingStackFiles(minor, true);
+            QCOMPARE(forCANopen.isEmpty(), canopen.isEmpty());
+            QVERIFY(forCANopen.contains(canopen));
+            QVERIFY(VersionNotes::missingStackFiles(minor, false).contains(others));
+        }
+    }
+
+    void tokens()
+    {
+        const std::pair<QString, QString> rows[] = {
+            {"const UNSIGNED8 x = 0x1Fu;", "kkkkk.ttttttttt.....nnnnn."},
+            {"intern voids UNSIGNED sizeofx", "............................."},
+            {"1.5e-3f .5 a-1 x1 1-2", "nnnnnnn.nn...n....n.n"},
+            {"\"/* \\\" //\" 1 '\"' 2", "ssssssssss.n.sss.n"},
+            {"1 /* 2\n\"3\n*/ 4", "n.cccc|cc|cc.n"},
+            {"// a \\\nint\nint", "cccccc|ccc|ttt"},
+            {"  # define A 1 /* x */\nint", "..pppppppp...n.ccccccc|ttt"},
+            {"#if defined(A) && \\\n  defined(B)\ndefined",
+             "ppp.ppppppp........|..ppppppp...|......."},
+            {"#include <a.h>\nif (a < b)", "pppppppp.sssss|kk........"},
+            {"a # b", "....."},
+            {"\"a\\\nb\" 1", "sss|ss.n"},
+            {"\"a\n1", "ss|n"},
+            {"#if /*\n*/ defined\ndefined", "ppp.cc|cc.ppppppp|......."},
+        };
+        for (const auto &[code, expected] : rows)
+            QCOMPARE(tokensOf(code), expected);
     }
 
     void textIsReadableInBothSchemes_data()
     {
-        QTest::addColumn<int>("scheme");
-        QTest::newRow("light") << int(TolvxAppStyle::Scheme::Light);
-        QTest::newRow("dark") << int(TolvxAppStyle::Scheme::Dark);
+        using enum TolvxAppStyle::Scheme;
+        addRows<TolvxAppStyle::Scheme>({{"light", Light}, {"dark", Dark}});
     }
 
     void textIsReadableInBothSchemes()
     {
-        QFETCH(int, scheme);
-        const QPalette palette = TolvxAppStyle::palette(TolvxAppStyle::Scheme(scheme));
+        const auto [scheme] = row<TolvxAppStyle::Scheme>();
+        const QPalette palette = TolvxAppStyle::palette(scheme);
         using Role = QPalette::ColorRole;
         for (const auto &[text, ground] :
              {std::pair<Role, Role>{QPalette::WindowText, QPalette::Window},
@@ -268,14 +355,22 @@ private slots:
             const double ratio = contrast(palette.color(text), palette.color(ground));
             QVERIFY2(ratio >= 4.5, qPrintable(u"%1 on %2: %3"_s.arg(text).arg(ground).arg(ratio)));
         }
+        QTextDocument document;
+        AnsiCHighlighter highlighter(&document);
+        highlighter.setPalette(palette);
+        for (int kind = 0; kind < 6; ++kind) {
+            const QColor text =
+                highlighter.format(AnsiCHighlighter::Token(kind)).foreground().color();
+            QVERIFY2(contrast(text, palette.color(QPalette::Base)) >= 4.5,
+                     qPrintable(QString::number(kind)));
+        }
     }
 
     void controlsStandOut_data() { textIsReadableInBothSchemes_data(); }
 
     void controlsStandOut()
     {
-        QFETCH(int, scheme);
-        const auto kind = TolvxAppStyle::Scheme(scheme);
+        const auto [kind] = row<TolvxAppStyle::Scheme>();
         TolvxAppStyle style;
         const auto shown = [&](QWidget &widget, QSize size) {
             widget.setStyle(&style);
@@ -294,25 +389,19 @@ private slots:
         QVERIFY(contrast(line.pixelColor(50, 0), line.pixelColor(50, 5)) >= least);
     }
 
-    void boxesKeepPathsWhole_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("before the path") << u"Cannot open /some/folder/file.vxmp."_s
-                                         << u"Cannot open\n/some/folder/file.vxmp."_s;
-        QTest::newRow("blanks in it") << u"No C:\\my new\\long device.c here at all, so."_s
-                                      << u"No\nC:\\my new\\long device.c\nhere at all, so."_s;
-        QTest::newRow("two") << u"From /a/b c/d to ~/e\n\nagain"_s
-                             << u"From /a/b c/d to\n~/e\n\nagain"_s;
-        QTest::newRow("none") << u"Neither this and/or that, both\nCANopen/J1939"_s
-                              << u"Neither this and/or that, both\nCANopen/J1939"_s;
-    }
-
     void boxesKeepPathsWhole()
     {
-        QFETCH(QString, text);
         const auto length = [](const QString &line) { return int(line.size()); };
-        QTEST(MessageBox::wrapped(text, 17, length), "shown");
+        const std::pair<QString, QString> rows[] = {
+            {"Cannot open /some/folder/file.vxmp.", "Cannot open\n/some/folder/file.vxmp."},
+            {"No C:\\my new\\long device.c here at all, so.",
+             "No\nC:\\my new\\long device.c\nhere at all, so."},
+            {"From /a/b c/d to ~/e\n\nagain", "From /a/b c/d to\n~/e\n\nagain"},
+            {"Neither this and/or that, both\nCANopen/J1939",
+             "Neither this and/or that, both\nCANopen/J1939"},
+        };
+        for (const auto &[text, shown] : rows)
+            QCOMPARE(MessageBox::wrapped(text, 17, length), shown);
     }
 
     void boxesAreWideEnough()

@@ -2,11 +2,11 @@
 #include "session/projectsession.h"
 #include "session/versionnotes.h"
 #include "store/undomanager.h"
-#include "tests/app/projectfixture.h"
+#include "tests/support/projectfixture.h"
+#include "tests/support/rows.h"
 
 #include <QFile>
 #include <QTemporaryDir>
-#include <QTest>
 
 using namespace Qt::StringLiterals;
 
@@ -48,6 +48,12 @@ struct Opened
 
 using Story = void (*)(Opened &);
 
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
 } // namespace
 
 /// What an open project is, without a window.
@@ -68,84 +74,69 @@ private slots:
 
     void unsavedIsWhatDiffersFromTheFile_data()
     {
-        QTest::addColumn<QString>("suffix");
-        QTest::addColumn<Story>("story");
-        QTest::addColumn<int>("count");
-        const auto row = [](const char *name, Story story, int count) {
-            QTest::addRow("%s, database", name) << u"vxmp"_s << story << count;
-            QTest::addRow("%s, text", name) << u"vxmt"_s << story << count;
-        };
-        row(
-            "set back by hand",
-            [](Opened &o) {
-                o.setNodeId(u"7"_s);
-                o.setNodeId(u"32"_s);
-            },
-            0);
-        row(
-            "object deleted and copied back",
-            [](Opened &o) {
-                o.store().copyIndex(0, 0x2000, 0, 0x2001);
-                o.store().deleteIndex(0, 0x2000);
-                o.store().moveIndex(0, 0x2001, 0, 0x2000);
-            },
-            0);
-        row(
-            "twice the same setting, and an object",
-            [](Opened &o) {
-                o.setNodeId(u"7"_s);
-                o.setNodeId(u"8"_s);
-                o.store().setSubIndexDefaultValue(0, 0x2000, 0, u"5"_s);
-                o.store().addIndex(0, 0x2001, {});
-            },
-            3);
-        row(
-            "edited after a save",
-            [](Opened &o) {
-                o.setNodeId(u"7"_s);
-                QCOMPARE(o.session.save(), QString());
-                o.setNodeId(u"32"_s);
-            },
-            1);
-        row(
-            "undone, and a key that saving writes",
-            [](Opened &o) {
-                o.step(u"7"_s);
-                o.session.undo().undo();
-                o.store().setMiscSetting(u"SaveToolVersion"_s, u"1"_s);
-            },
-            0);
+        addRows<int, Story>({
+            {"set back by hand", 0,
+             [](Opened &o) {
+                 o.setNodeId(u"7"_s);
+                 o.setNodeId(u"32"_s);
+             }},
+            {"object deleted and copied back", 0,
+             [](Opened &o) {
+                 o.store().copyIndex(0, 0x2000, 0, 0x2001);
+                 o.store().deleteIndex(0, 0x2000);
+                 o.store().moveIndex(0, 0x2001, 0, 0x2000);
+             }},
+            {"twice the same setting, and an object", 3,
+             [](Opened &o) {
+                 o.setNodeId(u"7"_s);
+                 o.setNodeId(u"8"_s);
+                 o.store().setSubIndexDefaultValue(0, 0x2000, 0, u"5"_s);
+                 o.store().addIndex(0, 0x2001, {});
+             }},
+            {"edited after a save", 1,
+             [](Opened &o) {
+                 o.setNodeId(u"7"_s);
+                 QCOMPARE(o.session.save(), QString());
+                 o.setNodeId(u"32"_s);
+             }},
+            {"undone, and a key that saving writes", 0,
+             [](Opened &o) {
+                 o.step(u"7"_s);
+                 o.session.undo().undo();
+                 o.store().setMiscSetting(u"SaveToolVersion"_s, u"1"_s);
+             }},
+        });
     }
 
     void unsavedIsWhatDiffersFromTheFile()
     {
-        QFETCH(QString, suffix);
-        QFETCH(Story, story);
-        Opened opened;
-        QCOMPARE(opened.open(project(u"device."_s + suffix)), QString());
-        story(opened);
-        const QString before = opened.store().contentHash();
-        const ProjectSession::Unsaved unsaved = opened.session.findUnsaved();
-        QTEST(unsaved.count, "count");
-        QCOMPARE(unsaved.readError, QString());
-        QCOMPARE(opened.store().contentHash(), before);
+        const auto [count, story] = row<int, Story>();
+        for (const QString &name : {u"device.vxmp"_s, u"device.vxmt"_s}) {
+            Opened opened;
+            QCOMPARE(opened.open(project(name)), QString());
+            story(opened);
+            const QString before = opened.store().contentHash();
+            const ProjectSession::Unsaved unsaved = opened.session.findUnsaved();
+            QCOMPARE(unsaved.count, count);
+            QCOMPARE(unsaved.readError, QString());
+            QCOMPARE(opened.store().contentHash(), before);
+        }
     }
 
     void aNewProjectIsComparedWithItsBegin_data()
     {
-        QTest::addColumn<QString>("edition");
-        QTest::addColumn<int>("type");
-        QTest::newRow("CANopen") << canopenEdition << 0;
-        QTest::newRow("J1939") << j1939Edition << 0;
-        QTest::newRow("EnergyBus") << energyBusEdition << 0;
-        QTest::newRow("CAN, J1939") << canEdition << 2;
-        QTest::newRow("CAN, both") << canEdition << 6;
+        addRows<QString, int>({
+            {"CANopen", canopenEdition, 0},
+            {"J1939", j1939Edition, 0},
+            {"EnergyBus", energyBusEdition, 0},
+            {"CAN, J1939", canEdition, 2},
+            {"CAN, both", canEdition, 6},
+        });
     }
 
     void aNewProjectIsComparedWithItsBegin()
     {
-        QFETCH(QString, edition);
-        QFETCH(int, type);
+        const auto [edition, type] = row<QString, int>();
         QCoreApplication::setApplicationName(edition);
         Opened opened;
         (void)opened.session.startNew(type); // there may be no template
@@ -179,25 +170,24 @@ private slots:
 
     void failedOpenKeepsWhatIsThere_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("content");
-        QTest::newRow("missing") << u"none.vxmp"_s << QByteArray();
-        QTest::newRow("missing text") << u"none.vxmt"_s << QByteArray();
-        QTest::newRow("another suffix") << u"a.db"_s << QByteArray("x");
-        QTest::newRow("no suffix") << u"device"_s << QByteArray("x");
-        QTest::newRow("no database") << u"a.vxmp"_s << QByteArray(5000, 'x');
-        QTest::newRow("no text project") << u"a.vxmt"_s << QByteArray("no project");
-        QTest::newRow("no path") << QString() << QByteArray();
+        addRows<QString, QByteArray>({
+            {"missing", "none.vxmp", ""},
+            {"missing text", "none.vxmt", ""},
+            {"another suffix", "a.db", "x"},
+            {"no suffix", "device", "x"},
+            {"no database", "a.vxmp", QByteArray(5000, 'x')},
+            {"no text project", "a.vxmt", "no project"},
+            {"no path", "", ""},
+        });
     }
 
     void failedOpenKeepsWhatIsThere()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, content);
+        const auto [name, content] = row<QString, QByteArray>();
         const QString bad = name.isEmpty() ? name : m_folder.filePath(name);
         QFile broken(bad);
-        QVERIFY(content.isEmpty() ||
-                (broken.open(QIODevice::WriteOnly) && broken.write(content) > 0));
+        if (!content.isEmpty())
+            QVERIFY(broken.open(QIODevice::WriteOnly) && broken.write(content) > 0);
         broken.close();
         const QString good = project(u"good.vxmp"_s);
         Opened opened;
@@ -212,53 +202,39 @@ private slots:
 
     void version3ProjectsAreNoted_data()
     {
-        QTest::addColumn<QString>("edition");
-        QTest::addColumn<QString>("version");
-        QTest::addColumn<int>("wanted");
-        QTest::addColumn<bool>("copyExists");
-        QTest::addColumn<QStringList>("notes"); // the first words that tell one from another
-        const int all = int(ProjectSession::Notes::All);
+        using enum ProjectSession::Notes;
         const QString common = u"co_common.c"_s;
         const QString memory = u"co_memcpy.c"_s;
         const QString copy = u"A copy"_s;
-        const auto row = [](const char *name, const QString &edition, const char *version,
-                            int wanted, bool copyExists, const QStringList &notes) {
-            QTest::newRow(name) << edition << QString::fromLatin1(version) << wanted << copyExists
-                                << notes;
-        };
-        row("3.6", canopenEdition, "3.6.0", all, false, {common, copy});
-        row("3.6, CAN", canEdition, "3.6.2", all, false, {common, copy});
-        row("3.8, J1939", j1939Edition, "3.8.9", all, false, {memory, copy});
-        row("3.6, no notes", canopenEdition, "3.6.0", int(ProjectSession::Notes::SkipStackFiles),
-            false, {copy});
-        row("3.6, network tool", canopenEdition, "3.6.0", int(ProjectSession::Notes::None), false,
-            {});
-        row("3.8, copy there", canopenEdition, "3.8.0", all, true, {memory});
-        row("3.9", canEdition, "3.9.0", all, false, {copy});
-        row("4.0", canopenEdition, "4.0.0", all, false, {});
-        row("EnergyBus", energyBusEdition, "3.6.0", all, false, {u"re-apply EnergyBus"_s});
+        // The notes by the first words that tell one from another.
+        addRows<QString, QString, ProjectSession::Notes, bool, QStringList>({
+            {"3.6", canopenEdition, "3.6.0", All, false, {common, copy}},
+            {"3.6, CAN", canEdition, "3.6.2", All, false, {common, copy}},
+            {"3.8, J1939", j1939Edition, "3.8.9", All, false, {memory, copy}},
+            {"3.6, no notes", canopenEdition, "3.6.0", SkipStackFiles, false, {copy}},
+            {"3.6, network tool", canopenEdition, "3.6.0", None, false, {}},
+            {"3.8, copy there", canopenEdition, "3.8.0", All, true, {memory}},
+            {"3.9", canEdition, "3.9.0", All, false, {copy}},
+            {"4.0", canopenEdition, "4.0.0", All, false, {}},
+            {"EnergyBus", energyBusEdition, "3.6.0", All, false, {"re-apply EnergyBus"}},
+        });
     }
 
     void version3ProjectsAreNoted()
     {
-        QFETCH(QString, edition);
-        QFETCH(QString, version);
-        QFETCH(int, wanted);
-        QFETCH(bool, copyExists);
-        QFETCH(QStringList, notes);
+        const auto [edition, version, wanted, copyExists, notes] =
+            row<QString, QString, ProjectSession::Notes, bool, QStringList>();
         QCoreApplication::setApplicationName(edition);
         const QString path = project(u"old.vxmp"_s, {.savedByVersion = version});
         const QString copy = path + u".bak_v3"_s;
         QFile::remove(copy);
         if (copyExists)
             QVERIFY(QFile::copy(path, copy));
-        QFile original(path);
-        QVERIFY(original.open(QIODevice::ReadOnly));
-        const QByteArray before = original.readAll();
+        const QByteArray before = contentOf(path);
 
         Opened opened;
         QCOMPARE(opened.session.open(path), QString());
-        const QStringList told = opened.session.bringUpToDate(ProjectSession::Notes(wanted));
+        const QStringList told = opened.session.bringUpToDate(wanted);
         QCOMPARE(told.size(), notes.size());
         for (qsizetype i = 0; i < told.size(); ++i)
             QVERIFY2(told[i].contains(notes[i]), qPrintable(told[i]));
@@ -269,9 +245,8 @@ private slots:
         QCOMPARE(QFile::exists(copy), copied || copyExists);
         if (copied) {
             QCOMPARE(told.last(), VersionNotes::copyKept(copy, path));
-            QFile kept(copy);
-            QVERIFY(kept.open(QIODevice::ReadOnly));
-            QCOMPARE(kept.readAll(), before);
+            QVERIFY(!before.isEmpty());
+            QCOMPARE(contentOf(copy), before);
         }
     }
 

@@ -3,7 +3,6 @@
 #include "store/objectdatabase.h"
 
 #include <QCoreApplication>
-#include <QString>
 
 /// Small real projects for tests of the program.
 namespace ProjectFixture {
@@ -19,7 +18,8 @@ struct Options
 bool save(const QString &path, const Options &options = {});
 /// A setting of the file as another program would read it.
 QString generalSetting(const QString &path, const QString &key);
-/// Changes a setting of a database file without this program's knowledge.
-bool tamper(const QString &path, const QString &key, const QString &value);
+/// Runs one statement on a database file without this program's knowledge, which may be none of
+/// its own; the first value of its first row, null if there is none or it fails.
+QString runOn(const QString &path, const QString &statement);
 
 } // namespace ProjectFixture
