@@ -50,7 +50,8 @@ QStringList valuesOf(const Record &record)
                 text = field.keys().join(u',') + u':' + field.values().join(u',');
             else
                 text = QVariant(field).toString();
-            values.append(RecordColumns::columnName(column.definition) + QStringLiteral(" = ") + text);
+            values.append(RecordColumns::columnName(column.definition) + QStringLiteral(" = ") +
+                          text);
         }
     });
     return values;
