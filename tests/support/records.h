@@ -18,6 +18,8 @@ Record filled(const QString &text = {})
         if constexpr (!std::is_same_v<C, RecordColumns::KeyColumn>) {
             auto &field = record.*C::member;
             using Value = std::remove_cvref_t<decltype(field)>;
+            if (field != Record().*C::member)
+                qFatal("two columns hold one member of a record");
             const QString own = text.isNull() ? QStringLiteral("it's %1").arg(count) : text;
             if constexpr (std::is_same_v<Value, QString>)
                 field = own;
