@@ -1,5 +1,7 @@
 #include "checkcases.h"
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using Project = TestProject;
@@ -34,7 +36,7 @@ Change ofKind(quint16 datatype, quint8 implementation)
     return variable("", [=](Sub &sub) {
         sub.datatype = datatype;
         sub.implementation = implementation;
-        sub.varname = QStringLiteral("text");
+        sub.varname = u"text"_s;
     });
 }
 

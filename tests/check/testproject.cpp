@@ -3,21 +3,15 @@
 #include <QDir>
 #include <QFile>
 
-namespace {
+using namespace Qt::StringLiterals;
 
-const char *const featureFile = "<info><required_tool_version>4.3</required_tool_version></info>";
-
-void unsigned32(TestProject::Sub &sub)
-{
-    sub.datatype = CAN::UNSIGNED32;
-}
-
-} // namespace
+static const char *const featureFile =
+    "<info><required_tool_version>4.3</required_tool_version></info>";
 
 TestProject::TestProject()
 {
-    QDir(folder.path()).mkdir(QStringLiteral("stack"));
-    QFile feature(folder.filePath(QStringLiteral("stack/co_featureinfo_1.xml")));
+    QDir(folder.path()).mkdir(u"stack"_s);
+    QFile feature(folder.filePath(u"stack/co_featureinfo_1.xml"_s));
     if (!feature.open(QIODevice::WriteOnly) || feature.write(featureFile) < 0 ||
         !database.createNewDataBase())
         qFatal("no test project");
@@ -25,7 +19,7 @@ TestProject::TestProject()
     QObject::connect(&checker, &ModelChecker::newError, &checker,
                      [this](const QString &text) { messages.append(text); });
 
-    misc("costackpath", QStringLiteral("stack"));
+    misc("costackpath", u"stack"_s);
     const QList<std::pair<const char *, const char *>> defaults = {
         {"line0type", "1"},          {"co_timer_interval", "1000"}, {"co_node_id", "32"},
         {"receivebuffersize", "20"}, {"transmitbuffersize", "20"},  {"limit_check", "1"},
@@ -35,63 +29,40 @@ TestProject::TestProject()
         general(key, text);
     granularity(8);
 
-    variable(0x1000, QStringLiteral("0x00000191"), unsigned32);
-    variable(0x1001, QStringLiteral("0"));
-    array(0x1003, {QStringLiteral("0")}, unsigned32);
-    variable(0x1005, QStringLiteral("0x80"), unsigned32);
-    array(0x1010, {QStringLiteral("1")}, unsigned32);
-    variable(0x1014, QStringLiteral("$NODEID+0x80"), unsigned32);
-    array(0x1016, {QStringLiteral("0x10064"), QStringLiteral("0")}, unsigned32);
-    variable(0x1017, QStringLiteral("500"));
-    array(0x1018, {"0x1", "0x2", "0x3", "0"}, unsigned32);
-    array(0x1028, {"0x85"}, unsigned32);
-    array(0x1F81, {"1", "1"}, unsigned32);
+    variable(0x1000, u"0x00000191"_s, Make::type(CAN::UNSIGNED32));
+    variable(0x1001, u"0"_s);
+    array(0x1003, {u"0"_s}, Make::type(CAN::UNSIGNED32));
+    variable(0x1005, u"0x80"_s, Make::type(CAN::UNSIGNED32));
+    array(0x1010, {u"1"_s}, Make::type(CAN::UNSIGNED32));
+    variable(0x1014, u"$NODEID+0x80"_s, Make::type(CAN::UNSIGNED32));
+    array(0x1016, {u"0x10064"_s, u"0"_s}, Make::type(CAN::UNSIGNED32));
+    variable(0x1017, u"500"_s);
+    array(0x1018, {"0x1", "0x2", "0x3", "0"}, Make::type(CAN::UNSIGNED32));
+    array(0x1028, {"0x85"}, Make::type(CAN::UNSIGNED32));
+    array(0x1F81, {"1", "1"}, Make::type(CAN::UNSIGNED32));
     array(0x2000, {"0", "0"}, [](Sub &sub) {
         sub.pdomapping = PDOMapping::Allowed;
-        sub.accesstype = QStringLiteral("rw");
+        sub.accesstype = u"rw"_s;
         sub.implementation = CANopen::Variable;
-        sub.varname = QStringLiteral("input");
+        sub.varname = u"input"_s;
     });
     edit(0x2000, 2, Make::implementation(CANopen::Variable, "a.b[2]"));
-    variable(0x2010, QStringLiteral("10"), [](Sub &sub) {
+    variable(0x2010, u"10"_s, [](Sub &sub) {
         sub.limitineds = true;
-        sub.lowlimit = QStringLiteral("0");
-        sub.uplimit = QStringLiteral("20");
+        sub.lowlimit = u"0"_s;
+        sub.uplimit = u"20"_s;
     });
-    pdo(0x1400, QStringLiteral("$NODEID+0x200"), {"0x20000108"});
-    pdo(0x1800, QStringLiteral("$NODEID+0x180"), {"0x20000108", "0x20000208"});
+    pdo(0x1400, u"$NODEID+0x200"_s, {"0x20000108"});
+    pdo(0x1800, u"$NODEID+0x180"_s, {"0x20000108", "0x20000208"});
     array(0x1301, {"1"});
-    array(0x1381, {"0x20000108", "0x20000208"}, unsigned32);
-}
-
-void TestProject::general(const char *key, const char *value)
-{
-    database.setGeneralSetting(QLatin1String(key), QLatin1String(value));
-}
-
-void TestProject::misc(const char *key, const QString &value)
-{
-    database.setMiscSetting(QLatin1String(key), value);
-}
-
-void TestProject::granularity(int bits)
-{
-    database.setDescriptionSetting(QStringLiteral("Granularity"), QString::number(bits));
-}
-
-void TestProject::object(quint16 index, quint32 type)
-{
-    ObjectDataBase::INDEX_DATA_T data;
-    data.name = QStringLiteral("Object %1").arg(index, 0, 16);
-    data.objecttype = type;
-    database.addIndex(0, index, data);
+    array(0x1381, {"0x20000108", "0x20000208"}, Make::type(CAN::UNSIGNED32));
 }
 
 void TestProject::sub(quint16 index, quint8 subindex, const QString &value,
                       const std::function<void(Sub &)> &change)
 {
     Sub data;
-    data.name = QStringLiteral("Entry %1").arg(subindex);
+    data.name = u"Entry %1"_s.arg(subindex);
     data.datatype = CAN::UNSIGNED8;
     data.defaultvalue = value;
     data.defaultineds = true;
@@ -101,19 +72,12 @@ void TestProject::sub(quint16 index, quint8 subindex, const QString &value,
     database.addSubIndex(0, index, subindex, data);
 }
 
-void TestProject::variable(quint16 index, const QString &value,
-                           const std::function<void(Sub &)> &change)
-{
-    object(index, CANopen::VAR);
-    sub(index, 0, value, change);
-}
-
 void TestProject::array(quint16 index, const QStringList &entries,
                         const std::function<void(Sub &)> &change)
 {
     object(index, CANopen::ARRAY);
     sub(index, 0, QString::number(entries.size()), [](Sub &data) {
-        data.accesstype = QStringLiteral("const");
+        data.accesstype = u"const"_s;
         data.implementation = CANopen::ManagedConst;
     });
     for (int i = 0; i < entries.size(); ++i)
@@ -129,35 +93,11 @@ void TestProject::edit(quint16 index, quint8 subindex, const std::function<void(
     database.addSubIndex(0, index, subindex, data);
 }
 
-void TestProject::value(quint16 index, quint8 subindex, const QString &value)
-{
-    edit(index, subindex, [&](Sub &data) { data.defaultvalue = value; });
-}
-
-void TestProject::remove(quint16 index)
-{
-    database.deleteIndex(0, index);
-}
-
-void TestProject::remove(quint16 index, quint8 subindex)
-{
-    database.deleteSubIndex(0, index, subindex);
-}
-
-void TestProject::editObject(quint16 index,
-                             const std::function<void(ObjectDataBase::INDEX_DATA_T &)> &change)
-{
-    ObjectDataBase::INDEX_DATA_T data;
-    database.getIndexData(0, index, data);
-    change(data);
-    database.addIndex(0, index, data);
-}
-
 void TestProject::addLine(quint8 line, int type)
 {
     database.addNode(line, {});
     ObjectDataBase::copyLine(database, database, 0, line);
-    database.setGeneralSetting(QStringLiteral("line%1type").arg(line), QString::number(type));
+    database.setGeneralSetting(u"line%1type"_s.arg(line), QString::number(type));
     database.setDescriptionLine(line);
     granularity(8);
     database.setDescriptionLine(0);
@@ -166,7 +106,7 @@ void TestProject::addLine(quint8 line, int type)
 void TestProject::pdo(quint16 communication, const QString &cobId, const QStringList &entries,
                       const char *access)
 {
-    array(communication, {cobId, QStringLiteral("255")}, unsigned32);
+    array(communication, {cobId, u"255"_s}, Make::type(CAN::UNSIGNED32));
     const auto mapping = static_cast<quint16>(communication + 0x200);
     array(mapping, entries, [access](Sub &data) {
         data.datatype = CAN::UNSIGNED32;
@@ -174,7 +114,7 @@ void TestProject::pdo(quint16 communication, const QString &cobId, const QString
     });
     edit(mapping, 0, [access](Sub &data) {
         data.accesstype = QLatin1String(access);
-        if (data.accesstype == QLatin1String("rw")) {
+        if (data.accesstype == "rw"_L1) {
             data.implementation = CANopen::ManagedVariable;
         }
     });
@@ -199,68 +139,6 @@ int TestProject::check(const QList<quint8> &lines)
     }
     if (texts != messages.mid(firstMessage))
         qFatal("what was sent is not what was found");
-    said = parts.join(QLatin1String("; "));
+    said = parts.join("; "_L1);
     return errors;
-}
-
-Change settings(const QList<std::pair<const char *, const char *>> &pairs)
-{
-    return [=](TestProject &project) {
-        for (const auto &[key, value] : pairs)
-            project.general(key, value);
-    };
-}
-
-Change removed(const QList<quint16> &indices)
-{
-    return [=](TestProject &project) {
-        for (const quint16 index : indices)
-            project.remove(index);
-    };
-}
-
-Change values(const QList<std::tuple<quint16, quint8, const char *>> &list)
-{
-    return [=](TestProject &project) {
-        for (const auto &[index, subindex, value] : list)
-            project.value(index, subindex, QLatin1String(value));
-    };
-}
-
-Change edited(quint16 index, quint8 subindex, const std::function<void(TestProject::Sub &)> &change)
-{
-    return [=](TestProject &project) { project.edit(index, subindex, change); };
-}
-
-Change variable(quint16 index, const char *value)
-{
-    return [=](TestProject &p) { p.variable(index, QLatin1String(value), unsigned32); };
-}
-
-Change entry(quint16 index, quint8 subindex, const char *value)
-{
-    return [=](TestProject &p) { p.sub(index, subindex, QLatin1String(value), unsigned32); };
-}
-
-Change list(quint16 index, const QStringList &entries)
-{
-    return [=](TestProject &project) {
-        project.remove(index);
-        project.array(index, entries, unsigned32);
-    };
-}
-
-Change operator+(const Change &first, const Change &second)
-{
-    return [=](TestProject &project) {
-        first(project);
-        second(project);
-    };
-}
-
-void canFd(TestProject &project)
-{
-    project.general("canfd_supported", "1");
-    project.remove(0x1000);
-    project.array(0x1000, {"0x191"}, Make::type(CAN::UNSIGNED32));
 }

@@ -19,26 +19,46 @@ public:
 
     TestProject();
 
-    void general(const char *key, const char *value);
-    void misc(const char *key, const QString &value);
-    void granularity(int bits);
+    void general(const char *key, const char *value)
+    {
+        database.setGeneralSetting(QLatin1String(key), QLatin1String(value));
+    }
+    void misc(const char *key, const QString &value)
+    {
+        database.setMiscSetting(QLatin1String(key), value);
+    }
+    void granularity(int bits)
+    {
+        database.setDescriptionSetting("Granularity", QString::number(bits));
+    }
 
     /// An object with a name.
-    void object(quint16 index, quint32 type);
+    void object(quint16 index, quint32 type)
+    {
+        database.addIndex(0, index,
+                          {.name = "Object " + QString::number(index, 16), .objecttype = type});
+    }
     /// A subindex that no check minds: UNSIGNED8, managed, its default in the EDS.
     void sub(quint16 index, quint8 subindex, const QString &value,
              const std::function<void(Sub &)> &change = {});
     /// A variable of one subindex.
     void variable(quint16 index, const QString &value,
-                  const std::function<void(Sub &)> &change = {});
+                  const std::function<void(Sub &)> &change = {})
+    {
+        object(index, CANopen::VAR);
+        sub(index, 0, value, change);
+    }
     /// An array of these entries, with a constant subindex 0.
     void array(quint16 index, const QStringList &entries,
                const std::function<void(Sub &)> &change = {});
     /// Changes a subindex that is there.
     void edit(quint16 index, quint8 subindex, const std::function<void(Sub &)> &change);
-    void value(quint16 index, quint8 subindex, const QString &value);
-    void remove(quint16 index);
-    void remove(quint16 index, quint8 subindex);
+    void value(quint16 index, quint8 subindex, const QString &value)
+    {
+        edit(index, subindex, [&](Sub &data) { data.defaultvalue = value; });
+    }
+    void remove(quint16 index) { database.deleteIndex(0, index); }
+    void remove(quint16 index, quint8 subindex) { database.deleteSubIndex(0, index, subindex); }
     void setObjectType(quint16 index, quint32 type)
     {
         editObject(index, [=](auto &data) { data.objecttype = type; });
@@ -47,8 +67,14 @@ public:
     {
         editObject(index, [=](auto &data) { data.name = name; });
     }
-    void editObject(quint16 index,
-                    const std::function<void(ObjectDataBase::INDEX_DATA_T &)> &change);
+    template <typename Edit>
+    void editObject(quint16 index, const Edit &change)
+    {
+        ObjectDataBase::INDEX_DATA_T data;
+        database.getIndexData(0, index, data);
+        change(data);
+        database.addIndex(0, index, data);
+    }
     /// Another line with the content of line 0.
     void addLine(quint8 line, int type);
     /// A PDO: communication object with a COB-ID, and mapping entries.
@@ -97,16 +123,58 @@ inline auto inEds(quint8 choice)
 
 // Changes of several kinds of case.
 
-[[nodiscard]] Change settings(const QList<std::pair<const char *, const char *>> &pairs);
-[[nodiscard]] Change removed(const QList<quint16> &indices);
-[[nodiscard]] Change values(const QList<std::tuple<quint16, quint8, const char *>> &list);
-[[nodiscard]] Change edited(quint16 index, quint8 subindex,
-                            const std::function<void(TestProject::Sub &)> &change);
+inline Change settings(const QList<std::pair<const char *, const char *>> &pairs)
+{
+    return [=](TestProject &p) {
+        for (const auto &[key, value] : pairs)
+            p.general(key, value);
+    };
+}
+inline Change removed(const QList<quint16> &indices)
+{
+    return [=](TestProject &p) {
+        for (const quint16 index : indices)
+            p.remove(index);
+    };
+}
+inline Change values(const QList<std::tuple<quint16, quint8, const char *>> &list)
+{
+    return [=](TestProject &p) {
+        for (const auto &[index, subindex, value] : list)
+            p.value(index, subindex, QLatin1String(value));
+    };
+}
+inline Change edited(quint16 index, quint8 subindex,
+                     const std::function<void(TestProject::Sub &)> &change)
+{
+    return [=](TestProject &p) { p.edit(index, subindex, change); };
+}
 /// A new variable, entry, or list of these entries, of UNSIGNED32.
-[[nodiscard]] Change variable(quint16 index, const char *value);
-[[nodiscard]] Change entry(quint16 index, quint8 subindex, const char *value);
-[[nodiscard]] Change list(quint16 index, const QStringList &entries);
+inline Change variable(quint16 index, const char *value)
+{
+    return [=](TestProject &p) { p.variable(index, value, Make::type(CAN::UNSIGNED32)); };
+}
+inline Change entry(quint16 index, quint8 subindex, const char *value)
+{
+    return [=](TestProject &p) { p.sub(index, subindex, value, Make::type(CAN::UNSIGNED32)); };
+}
+inline Change list(quint16 index, const QStringList &entries)
+{
+    return [=](TestProject &p) {
+        p.remove(index);
+        p.array(index, entries, Make::type(CAN::UNSIGNED32));
+    };
+}
 /// Both, one after the other.
-[[nodiscard]] Change operator+(const Change &first, const Change &second);
+inline Change operator+(const Change &first, const Change &second)
+{
+    return [=](TestProject &p) {
+        first(p);
+        second(p);
+    };
+}
 /// CAN FD with the device type that it wants.
-void canFd(TestProject &project);
+inline void canFd(TestProject &p)
+{
+    (settings({{"canfd_supported", "1"}}) + list(0x1000, {"0x191"}))(p);
+}
