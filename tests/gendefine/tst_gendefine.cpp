@@ -30,12 +30,12 @@ std::unique_ptr<CoDefineGenerator> makeGenerator(bool isV4)
 void array(TestProject &project, quint16 index, std::size_t entries, quint8 line = 0)
 {
     project.object(line, index, CANopen::ARRAY, "array",
-                   std::vector<Sub>(entries, TestProject::sub(CAN::UNSIGNED32, "0")));
+                   std::vector<Sub>(entries, managed(CAN::UNSIGNED32, "0")));
 }
 
 void value(TestProject &project, quint16 index, const QString &number, quint8 line = 0)
 {
-    project.variable(line, index, "variable", TestProject::sub(CAN::UNSIGNED32, number));
+    project.variable(line, index, "variable", managed(CAN::UNSIGNED32, number));
 }
 
 Build setting(const char *key, const char *text)
@@ -83,11 +83,8 @@ private slots:
         array(project, 0x1016, 2);
         project.pdo(0, 0x1800, {0x20000020});
         value(project, 0x2000, "5");
-        project.setting("co_timer_interval", "10000");
-        project.setting("event_nmt", "3");
-        project.setting("fct_sync", "onSync");
-        project.setting("user_defines", "#define MINE 1");
-        project.setting("generate_generation_counter", "1");
+        project.settings("co_timer_interval=10000; event_nmt=3; fct_sync=onSync; "
+                         "user_defines=#define MINE 1; generate_generation_counter=1");
         GeneratedHeaders files(project);
         GenDefineGenerator generator;
         compareWithGolden(files.run(generator));
@@ -116,16 +113,12 @@ private slots:
             array(project, 0x1F20, 10);
             array(project, 0x1F2C, 4);
             array(project, 0x1F10, 2);
-            project.setting("nmtmaster", "2");
-            project.setting("lss_supported", "1");
-            project.setting("max_slave_assignment", "4");
+            project.settings("nmtmaster=2; lss_supported=1; max_slave_assignment=4");
         };
         row("services", true, services);
         row("services", false, services);
-        row("flying master and routing", false, [](TestProject &project) {
-            project.setting("flyma_supported", "1");
-            project.setting("routing_counts", "3");
-        });
+        row("flying master and routing", false,
+            [](TestProject &project) { project.settings("flyma_supported=1; routing_counts=3"); });
         row("no master without the bit", true, [](TestProject &project) {
             value(project, 0x1F80, "0x01");
             project.setting("nmtmaster", "1");
@@ -133,19 +126,19 @@ private slots:
         row("PDOs", true, [](TestProject &project) {
             project.pdo(0, 0x1400, {0x20000020}, true);
             array(project, 0x1401, 5);
-            project.variable(0, 0x1601, "SAM", TestProject::constant(CAN::UNSIGNED8, "254"));
+            project.variable(0, 0x1601, "SAM", constant(CAN::UNSIGNED8, "254"));
             project.pdo(0, 0x1800, {0x20000020, 0x20000020, 0x20000020}, true);
-            project.variable(0, 0x1A05, "DAM", TestProject::constant(CAN::UNSIGNED8, "0xFF"));
+            project.variable(0, 0x1A05, "DAM", constant(CAN::UNSIGNED8, "0xFF"));
             project.setting("bitwise_mapping", "1");
         });
         row("types and SRDO data", true, [](TestProject &project) {
             project.setting("static_srdo_data", "1");
-            project.variable(0, 0x2000, "a", TestProject::sub(CAN::UNSIGNED24, "1"));
-            project.variable(0, 0x2001, "b", TestProject::constant(CAN::UTF8_STRING, "x"));
-            project.variable(0, 0x2002, "c", TestProject::sub(CAN::INTEGER16, "1"));
-            project.object(0, 0x1381, CANopen::RECORD, "mapping",
-                           {TestProject::constant(CAN::UNSIGNED32, "0x20000018"),
-                            TestProject::constant(CAN::UNSIGNED32, "0x20020010")});
+            project.variable(0, 0x2000, "a", managed(CAN::UNSIGNED24, "1"));
+            project.variable(0, 0x2001, "b", constant(CAN::UTF8_STRING, "x"));
+            project.variable(0, 0x2002, "c", managed(CAN::INTEGER16, "1"));
+            project.object(
+                0, 0x1381, CANopen::RECORD, "mapping",
+                {constant(CAN::UNSIGNED32, "0x20000018"), constant(CAN::UNSIGNED32, "0x20020010")});
         });
         row("profiles", true, [](TestProject &project) {
             value(project, 0x1000, "0x000301BF");
@@ -166,10 +159,8 @@ private slots:
             project.addLine(1);
             project.addDevice(1);
             project.pdo(1, 0x1800, {0x20000020});
-            project.setting("receivebuffersize", "20,0x10");
-            project.setting("co_node_id", "0x20,");
-            project.setting("co_node_id_fct", "getId,");
-            project.setting("overwrite_predef", "0,1");
+            project.settings("receivebuffersize=20,0x10; co_node_id=0x20,; co_node_id_fct=getId,; "
+                             "overwrite_predef=0,1");
         };
         row("lines", true, lines);
         row("lines", false, lines);
@@ -177,51 +168,35 @@ private slots:
             [](TestProject &project) { project.store().setMiscSetting("generateML", "true"); });
 
         const Build usdo = [](TestProject &project) {
-            project.setting("usdo_server_enabled", "1");
-            project.setting("usdo_server_cnt", "2");
-            project.setting("usdo_client_enabled", "1");
-            project.setting("usdo_client_cnt", "3");
-            project.setting("usdo_split_indication_supported", "1");
-            project.setting("usdo_client_read_ind_function", "read");
+            project.settings("usdo_server_enabled=1; usdo_server_cnt=2; usdo_client_enabled=1; "
+                             "usdo_client_cnt=3; usdo_split_indication_supported=1; "
+                             "usdo_client_read_ind_function=read");
         };
         row("USDO", true, usdo);
         row("USDO", false, usdo);
         row("USDO off", true, setting("usdo_client_read_ind_function", "read"));
 
         const Build events = [](TestProject &project) {
-            project.setting("fct_pdo_sync", "f");
-            project.setting("fct_sdo_server_check_write", "f");
-            project.setting("fct_pdo_update", "f");
-            project.setting("fct_can", "f");
-            project.setting("event_pdo", "2");
-            project.setting("event_sdo_server_check_write", "2");
-            project.setting("isotp_server_event", "1");
-            project.setting("isotp_supported", "1");
-            project.setting("isotp_dyn_server_ind", "4");
-            project.setting("event_can", "1");
-            project.setting("sleep_mode_selection", "1");
-            project.setting("sleep_wait_time", "500");
+            project.settings("fct_pdo_sync=f; fct_sdo_server_check_write=f; fct_pdo_update=f; "
+                             "fct_can=f; event_pdo=2; event_sdo_server_check_write=2; "
+                             "isotp_server_event=1; isotp_supported=1; isotp_dyn_server_ind=4; "
+                             "event_can=1; sleep_mode_selection=1; sleep_wait_time=500");
         };
         row("events", true, events);
         row("events", false, events);
-        row("static only", true, [](TestProject &project) {
-            project.setting("enable_dynamic", "0");
-            project.setting("event_pdo", "2");
-        });
+        row("static only", true,
+            [](TestProject &project) { project.settings("enable_dynamic=0; event_pdo=2"); });
         row("settings", true, [](TestProject &project) {
-            project.setting("sdo_blocktransfer_supported", "1");
-            project.setting("sdo_blocktransfer_block_size", "0x7F");
+            project.settings("sdo_blocktransfer_supported=1; sdo_blocktransfer_block_size=0x7F");
             project.setting("sdo_client_queue_size", "9"); // the queue itself is off
-            project.setting("limit_check", "1");
-            project.setting("user_tx_cob", "2");
-            project.setting("only_one_hb_buffer", "1");
+            project.settings("limit_check=1; user_tx_cob=2; only_one_hb_buffer=1");
             project.setting("co_node_id_fct", "my func /* \"");
             project.setting("co_timer_interval", "1000\n#error");
             project.store().setDescriptionSetting("SelfStarting", "1");
         });
 
         const Build virtuals = [](TestProject &project) {
-            Sub sub = TestProject::sub(CAN::UNSIGNED16, "1");
+            Sub sub = managed(CAN::UNSIGNED16, "1");
             sub.implementation = CANopen::VirtualObject;
             sub.nvstorage = true;
             project.variable(0, 0x2000, "virtual", sub);
@@ -277,10 +252,8 @@ private slots:
         const Build bootLoader = [](TestProject &project) {
             for (const char *key : {"receivebuffersize", "transmitbuffersize"})
                 project.setting(key, QString());
-            project.setting("uds_bl_setting", "1");
-            project.setting("udsserver_supported", "1");
-            project.setting("uds_static_indication", "1");
-            project.setting("uds_fct_generic", "f");
+            project.settings("uds_bl_setting=1; udsserver_supported=1; uds_static_indication=1; "
+                             "uds_fct_generic=f");
             project.store().setUDSServiceActive(0, UDS::SID::Authentication, true);
         };
         testRows<QString, bool, bool, Build>(
@@ -343,9 +316,7 @@ private slots:
               1},
              {"LSS", setting("lss_supported", "1"), 2},
              {"of the user", Build([](TestProject &project) {
-                  project.setting("user_tx_cob", "1");
-                  project.setting("user_rx_cob", "2");
-                  project.setting("additional_cob_count", "4");
+                  project.settings("user_tx_cob=1; user_rx_cob=2; additional_cob_count=4");
               }),
               7},
              {"no number", setting("additional_cob_count", "many"), 0}});
@@ -390,13 +361,10 @@ private slots:
                               "\n/* target-specific defines */\n#define HW 1\\\n\n";
         const QString second = "#define CORE_TIMER_INTERVAL\t500u\n#define CORE_DRV_FILTER\t1u\n";
         QCOMPARE(hardware(), "/* Hardware settings */\n" + first + "\n\n");
-        project.setting("targetsettings_active", "1");
-        project.setting("endian", "");
-        project.setting("hw_defines", "");
+        project.settings("targetsettings_active=1; endian=; hw_defines=");
         QCOMPARE(hardware(), "/* Hardware settings */\n" + second + "\n\n");
 
-        project.setting("all_targets", "1");
-        project.setting("targetsettings_0_timer", "2000");
+        project.settings("all_targets=1; targetsettings_0_timer=2000");
         QCOMPARE(hardware(), "/* Hardware settings */\n#ifdef TARGET_0\n/* Target 1 */\n"
                              "#define CORE_TIMER_INTERVAL\t2000u\n#endif /* Target 1*/ \n\n"
                              "#ifdef my_board\n/* second * / one */\n" +

@@ -108,8 +108,7 @@ private slots:
             project.addDevice(1);
         }
         project.setting("applicationheader", QString());
-        project.setting("usdo_server_enabled", "1");
-        project.setting("usdo_client_enabled", "1");
+        project.settings("usdo_server_enabled=1; usdo_client_enabled=1");
         int bound = 0;
         for (const auto &prototype : IndicationTable::prototypes()) {
             const QString key = QLatin1String(prototype.key);
@@ -211,8 +210,7 @@ private slots:
         TestProject project(isV4);
         ObjectDataBase &store = project.store();
         project.addLine(1);
-        project.setting("line0type", "5");
-        project.setting("line1type", "6");
+        project.settings("line0type=5; line1type=6");
         const std::pair<quint16, const char *> variables[] = {
             {CAN::UNSIGNED16, "speed"},        {CAN::UNSIGNED24, "wide"},
             {CAN::INTEGER8, "table[2]"},       {CAN::INTEGER8, "table[7]"},
@@ -221,7 +219,7 @@ private slots:
         for (quint8 line = 0; line < 2; ++line) {
             quint16 index = 0x2000;
             for (const auto &[type, name] : variables)
-                project.variable(line, index++, name, TestProject::application(type, "", name));
+                project.variable(line, index++, name, application(type, "", name));
         }
         // A safety message has a number of addresses of its own.
         store.setJ1939Setting("safetysupport", "1");

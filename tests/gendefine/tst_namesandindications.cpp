@@ -24,12 +24,12 @@ void named(TestProject &project, quint16 index, const QString &name,
     data.objecttype = CANopen::VAR;
     data.metadata = metaData;
     project.store().addIndex(line, index, data);
-    project.store().addSubIndex(line, index, 0, TestProject::sub(CAN::UNSIGNED8, "1"));
+    project.store().addSubIndex(line, index, 0, managed(CAN::UNSIGNED8, "1"));
 }
 
 Sub entry(const QString &name, const QString &define = QString())
 {
-    Sub sub = TestProject::sub(CAN::UNSIGNED8, "1");
+    Sub sub = managed(CAN::UNSIGNED8, "1");
     sub.name = name;
     if (!define.isEmpty())
         sub.metadata = {{"subdefine", define}};
@@ -184,22 +184,20 @@ private slots:
                              "   If there were some, they would be declared here. \n */\n";
 
         const Build two = [](TestProject &project) {
+            project.settings(
+                "fct_sdo_server_read=onRead; usdo_server_read_ind_function=ignoredWithoutUsdo");
             project.setting("fct_sync", " onSync ");
-            project.setting("fct_sdo_server_read", "onRead");
             project.setting("note_fct_sync", "every SYNC\nends */ here");
-            project.setting("usdo_server_read_ind_function", "ignoredWithoutUsdo");
         };
         const Build lines = [](TestProject &project) {
             project.addLine(1);
             project.addDevice(0);
             project.addDevice(1);
-            project.setting("fct_led_red", "led");
-            project.setting("fct_led_green", "led");
+            project.settings("fct_led_red=led; fct_led_green=led");
         };
         const Build uds = [](TestProject &project) {
-            project.setting("uds_static_indication", "1");
-            project.setting("uds_fct_dtc_info", "dtc");
-            project.setting("uds_fct_generic", "other");
+            project.settings(
+                "uds_static_indication=1; uds_fct_dtc_info=dtc; uds_fct_generic=other");
         };
         testRows<bool, Build, QString>(
             {"isV4", "build", "body"},

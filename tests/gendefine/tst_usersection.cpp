@@ -93,7 +93,7 @@ private slots:
     {
         TestProject project(false);
         project.addDevice(0);
-        project.setting("generate_generation_counter", "1");
+        project.settings("generate_generation_counter=1");
         project.setting("user_defines", "#ifdef GEN_GENERATION_COUNT_SHOWN\n#endif");
         GeneratedHeaders files(project);
         const QByteArray lines = "\n#define MINE \"\xE9\" \\\n  2\n\n";

@@ -121,14 +121,13 @@ private slots:
     void tables()
     {
         TestProject project(true);
-        project.object(
-            0, 0x1018, CANopen::RECORD, "Identity",
-            {TestProject::constant(UNSIGNED32, "7"), TestProject::constant(UNSIGNED32, "9"),
-             TestProject::constant(UNSIGNED32, "0x7"), TestProject::constant(UNSIGNED32, "0")});
-        project.variable(0, 0x2000, "a", TestProject::sub(UNSIGNED32, "9"));
-        project.variable(0, 0x2001, "b", TestProject::sub(UNSIGNED32, "9"));
-        project.variable(0, 0x2002, "time", TestProject::sub(TIME_OF_DAY, "1"));
-        project.variable(0, 0x0020, "type definition", TestProject::sub(UNSIGNED8, "1"));
+        project.object(0, 0x1018, CANopen::RECORD, "Identity",
+                       {constant(UNSIGNED32, "7"), constant(UNSIGNED32, "9"),
+                        constant(UNSIGNED32, "0x7"), constant(UNSIGNED32, "0")});
+        project.variable(0, 0x2000, "a", managed(UNSIGNED32, "9"));
+        project.variable(0, 0x2001, "b", managed(UNSIGNED32, "9"));
+        project.variable(0, 0x2002, "time", managed(TIME_OF_DAY, "1"));
+        project.variable(0, 0x0020, "type definition", managed(UNSIGNED8, "1"));
         const Facts facts = factsOf(project);
 
         QCOMPARE(facts.constants[u32], (std::vector<quint64>{7, 9, 0}));
@@ -149,12 +148,12 @@ private slots:
         project.addLine(1);
         for (const quint8 line : {0, 1}) {
             project.addDevice(line);
-            auto shared = TestProject::sub(UNSIGNED16, "5");
+            auto shared = managed(UNSIGNED16, "5");
             shared.sharedlines = true;
             project.variable(line, 0x2000, "shared", shared);
-            project.variable(line, 0x2001, "own", TestProject::sub(UNSIGNED16, "6"));
+            project.variable(line, 0x2001, "own", managed(UNSIGNED16, "6"));
         }
-        auto onlyHere = TestProject::sub(UNSIGNED16, "5");
+        auto onlyHere = managed(UNSIGNED16, "5");
         onlyHere.sharedlines = true;
         project.variable(1, 0x2002, "shared with nobody", onlyHere);
         const Facts facts = factsOf(project);
@@ -175,7 +174,7 @@ private slots:
         TestProject project(true);
         project.setting("compact_array_description", "1");
         using Subs = std::vector<TestProject::Sub>;
-        const auto like = TestProject::sub(UNSIGNED16, "7");
+        const auto like = managed(UNSIGNED16, "7");
         project.object(0, 0x11FF, CANopen::ARRAY, "too low", Subs(4, like));
         project.object(0, 0x2000, CANopen::ARRAY, "run", Subs(4, like));
         project.object(0, 0x2001, CANopen::ARRAY, "too short", Subs(1, like));
@@ -190,7 +189,7 @@ private slots:
             CANopen::ManagedConst;
         project.object(0, 0x2004, CANopen::ARRAY, "other class", implementations);
         project.object(0, 0x2005, CANopen::ARRAY, "application",
-                       Subs(4, TestProject::application(UNSIGNED16, "7", "list[$z]")));
+                       Subs(4, application(UNSIGNED16, "7", "list[$z]")));
         project.object(0, 0x2006, CANopen::ARRAY, "gap", Subs(4, like));
         project.store().deleteSubIndex(0, 0x2006, 3);
         const Facts facts = factsOf(project);
@@ -213,11 +212,10 @@ private slots:
         TestProject project(true);
         project.setting("static_srdo_data", "1");
         project.object(0, 0x1381, CANopen::RECORD, "SRDO mapping",
-                       {TestProject::constant(UNSIGNED32, "0x20000010"),
-                        TestProject::constant(UNSIGNED32, "0x20010010")});
-        project.variable(0, 0x2000, "plain", TestProject::sub(UNSIGNED16, "0"));
-        project.variable(0, 0x2001, "inverted", TestProject::application(UNSIGNED16, "0", "safe"));
-        project.variable(0, 0x2002, "other", TestProject::sub(UNSIGNED16, "0"));
+                       {constant(UNSIGNED32, "0x20000010"), constant(UNSIGNED32, "0x20010010")});
+        project.variable(0, 0x2000, "plain", managed(UNSIGNED16, "0"));
+        project.variable(0, 0x2001, "inverted", application(UNSIGNED16, "0", "safe"));
+        project.variable(0, 0x2002, "other", managed(UNSIGNED16, "0"));
         const Facts facts = factsOf(project);
         QCOMPARE(QByteArray(facts.find(0, 0x2000, 0)->specifier), QByteArray("_SRDO"));
         QCOMPARE(QByteArray(facts.find(0, 0x2001, 0)->specifier), QByteArray("_SRDO"));
@@ -232,13 +230,13 @@ private slots:
         project.pdo(0, 0x1400, {0x20000010});
         project.pdo(0, 0x1800, {0x20000010, 0x20000010, 0x20000010}, true);
         project.object(0, 0x1016, CANopen::ARRAY, "consumers",
-                       std::vector<TestProject::Sub>(3, TestProject::sub(UNSIGNED32, "0")));
+                       std::vector<TestProject::Sub>(3, managed(UNSIGNED32, "0")));
         project.object(0, 0x1A05, CANopen::RECORD, "scanner", {});
-        project.store().addSubIndex(0, 0x1A05, 0, TestProject::constant(UNSIGNED8, "254"));
-        auto stored = TestProject::sub(UNSIGNED16, "1");
+        project.store().addSubIndex(0, 0x1A05, 0, constant(UNSIGNED8, "254"));
+        auto stored = managed(UNSIGNED16, "1");
         stored.nvstorage = true;
         project.variable(0, 0x2000, "stored", stored);
-        auto virtualSub = TestProject::sub(UNSIGNED8, "1");
+        auto virtualSub = managed(UNSIGNED8, "1");
         virtualSub.implementation = CANopen::VirtualObject;
         project.object(0, 0x2001, CANopen::RECORD, "virtual", {virtualSub, virtualSub});
         const Facts facts = factsOf(project);
@@ -267,7 +265,7 @@ private slots:
         for (int index = 0x2000; index < 0x2000 + 260; ++index) {
             project.object(0, quint16(index), CANopen::ARRAY, "big", {});
             for (int sub = 0; sub < 254; ++sub)
-                subs.append({0, quint16(index), quint8(sub), TestProject::sub(UNSIGNED8, "1")});
+                subs.append({0, quint16(index), quint8(sub), managed(UNSIGNED8, "1")});
         }
         project.store().addSubIndices(subs);
         const Facts facts = factsOf(project);
