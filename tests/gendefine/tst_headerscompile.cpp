@@ -2,34 +2,14 @@
 
 #include "generators/base/indicationtable.h"
 #include "generators/canopen/objdictgeneratorv4.h"
-#include "generators/canopen/vobjdictgeneratorv4.h"
 #include "generators/define/gendefinegenerator.h"
 #include "generators/headers/extdeclgeneratorv4.h"
 #include "generators/headers/indicationgeneratorv4.h"
-#include "generators/headers/indicesgenerator.h"
 
 #include <QProcess>
 #include <QTest>
 
 #include <memory>
-
-Q_DECLARE_METATYPE(const ProjectCase *)
-
-/// Every header compiles together with the dictionary that it was made for.
-class TestHeadersCompile : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void sources_data();
-    void sources();
-    void allIndications_data();
-    void allIndications();
-    void hostileSettings_data();
-    void hostileSettings();
-    void declarations_data();
-    void declarations();
-};
 
 namespace {
 
@@ -41,14 +21,7 @@ public:
 
     void generate()
     {
-        ObjectDataBase &store = m_project.store();
-        const bool isCompact = store.getGeneralSetting("compact_array_description") == "1";
-        run<IndicesGenerator, IndicesGenerator>();
-        run<ObjDictGeneratorV4, ObjDictGenerator>(isCompact);
-        const auto virtualGenerator = make<VobjDictGeneratorV4, VobjDictGenerator>();
-        virtualGenerator->setStore(&store);
-        if (virtualGenerator->hasContent())
-            m_files.run(*virtualGenerator);
+        run<ObjDictGeneratorV4, ObjDictGenerator>(false);
         run<GenDefineGenerator, CoDefineGenerator>();
         QCOMPARE(m_files.errorText(), QString());
         run<indicationgeneratorv4, indicationgenerator>();
@@ -84,7 +57,6 @@ public:
         const QString dictionary = m_files.read("gen_objdict.c");
         const std::pair<const char *, const char *> switches[] = {
             {"gen_user.h", "-DSTACKSTUB_USER"},
-            {"userOverwriteStringDefaultvalues", "-DSTACKSTUB_STRING_DEFAULTS"},
             {"userOverwriteCobIdSettings", "-DSTACKSTUB_OVERWRITE"}};
         for (const auto &[text, option] : switches) {
             if (dictionary.contains(text))
@@ -105,226 +77,195 @@ private:
     GeneratedHeaders m_files;
 };
 
-QString applicationHeader(const ProjectCase &projectCase)
-{
-    QString text = "#ifndef APP_H\n#define APP_H 1\n";
-    for (const QString &line : QString(projectCase.variables).split('\n', Qt::SkipEmptyParts))
-        text += "extern " + line + '\n';
-    return text + "#endif\n";
-}
-
 } // namespace
 
-void TestHeadersCompile::sources_data()
+/// Whatever was typed, the headers compile.
+class TestHeadersCompile : public QObject
 {
-    QTest::addColumn<const ProjectCase *>("projectCase");
-    QTest::addColumn<bool>("isV4");
-    for (const ProjectCase &projectCase : projectCases()) {
-        for (const bool isV4 : {false, true})
-            QTest::addRow("%s, %s", projectCase.name, isV4 ? "V4" : "V3") << &projectCase << isV4;
+    Q_OBJECT
+
+private slots:
+    void allIndications_data()
+    {
+        QTest::addColumn<bool>("isV4");
+        QTest::addColumn<bool>("hasLines");
+        for (const bool isV4 : {false, true}) {
+            for (const bool hasLines : {false, true})
+                QTest::addRow("%s, %s", isV4 ? "V4" : "V3", hasLines ? "lines" : "one line")
+                    << isV4 << hasLines;
+        }
     }
-}
 
-void TestHeadersCompile::sources()
-{
-    QFETCH(const ProjectCase *, projectCase);
-    QFETCH(bool, isV4);
-    TestProject project(isV4);
-    projectCase->build(project);
-    Sources sources(project, isV4);
-    sources.files().write("app.h", applicationHeader(*projectCase).toUtf8());
-    sources.generate();
-    sources.files().write("indices.c", "#include <gen_indices.h>\n#include <gen_indices.h>\n"
-                                       "extern int application;\n");
-
-    for (const char *compiler : {"gcc", "clang"}) {
-        QCOMPARE(sources.check(compiler, "gen_objdict.c"), QString());
-        QCOMPARE(sources.check(compiler, "indices.c"), QString());
-        if (QFile::exists(sources.files().path("gen_vobjdict.c")))
-            QCOMPARE(sources.check(compiler, "gen_vobjdict.c", {"-DSTACKSTUB_VIRTUAL"}), QString());
+    /// Each prototype fits the pointer that the dictionary makes of the function.
+    void allIndications()
+    {
+        QFETCH(bool, isV4);
+        QFETCH(bool, hasLines);
+        TestProject project(isV4);
+        project.addDevice(0);
+        if (hasLines) {
+            project.addLine(1);
+            project.addDevice(1);
+        }
+        project.setting("applicationheader", QString());
+        project.settings("usdo_server_enabled=1; usdo_client_enabled=1");
+        int bound = 0;
+        for (const auto &prototype : IndicationTable::prototypes()) {
+            const QString key = QLatin1String(prototype.key);
+            project.setting(prototype.key, key + "_function");
+            project.setting(qPrintable("note_" + key), "ends */ early\n*/ and \\\nsplices \\");
+            bound += (isV4 ? prototype.v4 : prototype.v3) != nullptr;
+        }
+        Sources sources(project, isV4);
+        sources.generate();
+        QCOMPARE(sources.files().read("gen_indication.h").count("_function("), bound);
+        for (const char *compiler : {"gcc", "clang"})
+            QCOMPARE(sources.check(compiler, "gen_objdict.c"), QString());
     }
-}
 
-void TestHeadersCompile::allIndications_data()
-{
-    QTest::addColumn<bool>("isV4");
-    QTest::addColumn<bool>("hasLines");
-    for (const bool isV4 : {false, true}) {
-        for (const bool hasLines : {false, true})
-            QTest::addRow("%s, %s", isV4 ? "V4" : "V3", hasLines ? "lines" : "one line")
-                << isV4 << hasLines;
+    void hostileSettings_data()
+    {
+        QTest::addColumn<bool>("isV4");
+        QTest::addColumn<QString>("text");
+        const QString texts[] = {
+            "x */ /* \" \\\n#error broken", "1u\n#error", "\\",   "\?\?/", "// \"",
+            "99999999999999999999",         "-1",         "üß\t", "f(",    "int x; "};
+        for (const QString &text : texts) {
+            for (const bool isV4 : {false, true})
+                QTest::addRow("%s, %s", qPrintable(text.simplified()), isV4 ? "V4" : "V3")
+                    << isV4 << text;
+        }
     }
-}
 
-/// Each prototype fits the pointer that the dictionary makes of the function.
-void TestHeadersCompile::allIndications()
-{
-    QFETCH(bool, isV4);
-    QFETCH(bool, hasLines);
-    TestProject project(isV4);
-    project.addDevice(0);
-    if (hasLines) {
+    /// Whatever stands in a setting that is no C text of the user, the headers are valid C.
+    void hostileSettings()
+    {
+        QFETCH(bool, isV4);
+        QFETCH(QString, text);
+        TestProject project(isV4);
+        project.addDevice(0);
+        QStringList keys = {"co_node_id",
+                            "co_node_id_fct",
+                            "receivebuffersize",
+                            "transmitbuffersize",
+                            "additional_cob_count",
+                            "user_tx_cob",
+                            "co_timer_interval",
+                            "endian",
+                            "target_id",
+                            "targetsettings_0_name",
+                            "targetsettings_0_targetid",
+                            "sleep_wait_time",
+                            "max_slave_assignment",
+                            "co_network_id",
+                            "isotp_client_con",
+                            "uds_session_timeout",
+                            "co_srdo_interval"};
+        for (const auto &row : IndicationTable::staticSwitches())
+            keys << row.key;
+        for (const auto &row : IndicationTable::dynamicCounts())
+            keys << row.key;
+        for (const auto &row : IndicationTable::prototypes())
+            keys << row.key << QString("note_") + row.key;
+        for (const auto &row : IndicationTable::udsBindings())
+            keys << row.key;
+        for (const QString &key : std::as_const(keys))
+            project.setting(qPrintable(key), text);
+        for (const char *key : {"uds_static_indication", "isotp_supported", "udsserver_supported",
+                                "all_targets", "generate_generation_counter"})
+            project.setting(key, "1");
+        project.setting("targetsettings_cnt", "2");
+
+        for (const char *bootLoader : {"0", "1"}) {
+            project.setting("uds_bl_setting", bootLoader);
+            Sources sources(project, isV4);
+            sources.run<GenDefineGenerator, CoDefineGenerator>();
+            sources.run<indicationgeneratorv4, indicationgenerator>();
+            sources.files().write("application.c",
+                                  "#include <gen_define.h>\n#include <gen_define.h>\n"
+                                  "extern int application;\n");
+            sources.files().write("prototypes.c",
+                                  "#include <co_canopen.h>\n#include <gen_indication.h>\n");
+            QCOMPARE(sources.check("gcc", "application.c"), QString());
+            // One function can't have several types, so only one key is bound here.
+            for (const auto &row : IndicationTable::prototypes())
+                project.setting(row.key, QString(row.key) == "fct_sync" ? text : QString());
+            sources.run<indicationgeneratorv4, indicationgenerator>();
+            QCOMPARE(sources.check("gcc", "prototypes.c"), QString());
+        }
+    }
+
+    void declarations_data()
+    {
+        QTest::addColumn<bool>("isV4");
+        QTest::newRow("V3") << false;
+        QTest::newRow("V4") << true;
+    }
+
+    /// The variables of a project with several protocols: declared and defined once, whatever was
+    /// typed as their names.
+    void declarations()
+    {
+        QFETCH(bool, isV4);
+        TestProject project(isV4);
+        ObjectDataBase &store = project.store();
         project.addLine(1);
-        project.addDevice(1);
-    }
-    project.setting("applicationheader", QString());
-    project.setting("usdo_server_enabled", "1");
-    project.setting("usdo_client_enabled", "1");
-    int bound = 0;
-    for (const auto &prototype : IndicationTable::prototypes()) {
-        const QString key = QLatin1String(prototype.key);
-        project.setting(prototype.key, key + "_function");
-        project.setting(qPrintable("note_" + key), "ends */ early\n*/ and \\\nsplices \\");
-        bound += (isV4 ? prototype.v4 : prototype.v3) != nullptr;
-    }
-    Sources sources(project, isV4);
-    sources.generate();
-    QCOMPARE(sources.files().read("gen_indication.h").count("_function("), bound);
-    for (const char *compiler : {"gcc", "clang"})
-        QCOMPARE(sources.check(compiler, "gen_objdict.c"), QString());
-}
+        project.settings("line0type=5; line1type=6");
+        const std::pair<quint16, const char *> variables[] = {
+            {CAN::UNSIGNED16, "speed"},        {CAN::UNSIGNED24, "wide"},
+            {CAN::INTEGER8, "table[2]"},       {CAN::INTEGER8, "table[7]"},
+            {CAN::REAL32, "device.gain"},      {CAN::UNSIGNED8, "get(1)"},
+            {CAN::VISIBLE_STRING, "openText"}, {CAN::BOOLEAN, "*/ p->x"}};
+        for (quint8 line = 0; line < 2; ++line) {
+            quint16 index = 0x2000;
+            for (const auto &[type, name] : variables)
+                project.variable(line, index++, name, application(type, "", name));
+        }
+        // A safety message has a number of addresses of its own.
+        store.setJ1939Setting("safetysupport", "1");
+        store.setJ1939Setting("sdm_rec_addr_cnt", "4");
+        for (const auto &[number, isSafe, name] :
+             {std::tuple(0xFECA, 0, "sources"), std::tuple(0xFED0, 1, "safeSources")}) {
+            store.addPGN(0, number,
+                         {.number = quint32(number),
+                          .direction = ObjectDataBase::receive,
+                          .isSafe = quint8(isSafe),
+                          .multiSourceAddress = 3});
+            store.addSPN(0, number, ObjectDataBase::receive, 84,
+                         {.dataType = CAN::BITS11,
+                          .pgn = quint32(number),
+                          .direction = ObjectDataBase::receive,
+                          .spn = 84,
+                          .varName = name});
+        }
+        store.addCANID(1, 0x20000123, {.id = 0x20000123, .direction = ObjectDataBase::transmit});
+        store.addDataElement(1, 0x20000123, ObjectDataBase::transmit, 1,
+                             {.dataType = CAN::BITS29,
+                              .canId = 0x20000123,
+                              .direction = ObjectDataBase::transmit,
+                              .number = 1,
+                              .varName = "raw"});
 
-void TestHeadersCompile::hostileSettings_data()
-{
-    QTest::addColumn<bool>("isV4");
-    QTest::addColumn<QString>("text");
-    const QString texts[] = {
-        "x */ /* \" \\\n#error broken", "1u\n#error", "\\",   "\?\?/", "// \"",
-        "99999999999999999999",         "-1",         "üß\t", "f(",    "int x; "};
-    for (const QString &text : texts) {
-        for (const bool isV4 : {false, true})
-            QTest::addRow("%s, %s", qPrintable(text.simplified()), isV4 ? "V4" : "V3")
-                << isV4 << text;
-    }
-}
-
-/// Whatever stands in a setting that is no C text of the user, the headers are valid C.
-void TestHeadersCompile::hostileSettings()
-{
-    QFETCH(bool, isV4);
-    QFETCH(QString, text);
-    TestProject project(isV4);
-    project.addDevice(0);
-    QStringList keys = {"co_node_id",
-                        "co_node_id_fct",
-                        "receivebuffersize",
-                        "transmitbuffersize",
-                        "additional_cob_count",
-                        "user_tx_cob",
-                        "co_timer_interval",
-                        "endian",
-                        "target_id",
-                        "targetsettings_0_name",
-                        "targetsettings_0_targetid",
-                        "sleep_wait_time",
-                        "max_slave_assignment",
-                        "co_network_id",
-                        "isotp_client_con",
-                        "uds_session_timeout",
-                        "co_srdo_interval"};
-    for (const auto &row : IndicationTable::staticSwitches())
-        keys << row.key;
-    for (const auto &row : IndicationTable::dynamicCounts())
-        keys << row.key;
-    for (const auto &row : IndicationTable::prototypes())
-        keys << row.key << QString("note_") + row.key;
-    for (const auto &row : IndicationTable::udsBindings())
-        keys << row.key;
-    for (const QString &key : std::as_const(keys))
-        project.setting(qPrintable(key), text);
-    for (const char *key : {"uds_static_indication", "isotp_supported", "udsserver_supported",
-                            "all_targets", "generate_generation_counter"})
-        project.setting(key, "1");
-    project.setting("targetsettings_cnt", "2");
-
-    for (const char *bootLoader : {"0", "1"}) {
-        project.setting("uds_bl_setting", bootLoader);
         Sources sources(project, isV4);
         sources.run<GenDefineGenerator, CoDefineGenerator>();
-        sources.run<indicationgeneratorv4, indicationgenerator>();
-        sources.files().write("application.c", "#include <gen_define.h>\n#include <gen_define.h>\n"
-                                               "extern int application;\n");
-        sources.files().write("prototypes.c",
-                              "#include <co_canopen.h>\n#include <gen_indication.h>\n");
-        QCOMPARE(sources.check("gcc", "application.c"), QString());
-        // One function can't have several types, so only one key is bound here.
-        for (const auto &row : IndicationTable::prototypes())
-            project.setting(row.key, QString(row.key) == "fct_sync" ? text : QString());
-        sources.run<indicationgeneratorv4, indicationgenerator>();
-        QCOMPARE(sources.check("gcc", "prototypes.c"), QString());
+        sources.run<ExtDeclGeneratorV4, ExtDeclGenerator>();
+        const QString header = sources.files().read("gen_extern_decl.h");
+        for (const char *text :
+             {"extern UNSIGNED16 speed;\n", "extern UNSIGNED24 wide;\n",
+              "extern INTEGER8 table[8];\n", "extern char openText[];\n",
+              "/* PGN 0xfeca */\nextern UNSIGNED16 sources[3];\t/* SPN84 */\n",
+              "extern UNSIGNED16 safeSources[4];\t/* SPN84 */\n",
+              "/* CAN-ID 1/0x123 ext */\nextern UNSIGNED32 raw;", "\n/* line 1*/\n"})
+            QVERIFY2(header.count(text) == 1, text);
+        QVERIFY(!header.contains("get"));
+
+        sources.files().write("application.c",
+                              "#include <gen_define.h>\n#include <co_canopen.h>\n"
+                              "#include <gen_extern_decl.h>\n#include \"gen_var_decl.c\"\n");
+        for (const char *compiler : {"gcc", "clang"})
+            QCOMPARE(sources.check(compiler, "application.c"), QString());
     }
-}
-
-void TestHeadersCompile::declarations_data()
-{
-    QTest::addColumn<bool>("isV4");
-    QTest::newRow("V3") << false;
-    QTest::newRow("V4") << true;
-}
-
-/// The variables of a project with several protocols: declared and defined once, whatever was
-/// typed as their names.
-void TestHeadersCompile::declarations()
-{
-    QFETCH(bool, isV4);
-    TestProject project(isV4);
-    ObjectDataBase &store = project.store();
-    project.addLine(1);
-    project.setting("line0type", "5");
-    project.setting("line1type", "6");
-    const std::pair<quint16, const char *> variables[] = {
-        {CAN::UNSIGNED16, "speed"},        {CAN::UNSIGNED24, "wide"},
-        {CAN::INTEGER8, "table[2]"},       {CAN::INTEGER8, "table[7]"},
-        {CAN::REAL32, "device.gain"},      {CAN::UNSIGNED8, "get(1)"},
-        {CAN::VISIBLE_STRING, "openText"}, {CAN::BOOLEAN, "*/ p->x"}};
-    for (quint8 line = 0; line < 2; ++line) {
-        quint16 index = 0x2000;
-        for (const auto &[type, name] : variables)
-            project.variable(line, index++, name, TestProject::application(type, "", name));
-    }
-    // A safety message has a number of addresses of its own.
-    store.setJ1939Setting("safetysupport", "1");
-    store.setJ1939Setting("sdm_rec_addr_cnt", "4");
-    for (const auto &[number, isSafe, name] :
-         {std::tuple(0xFECA, 0, "sources"), std::tuple(0xFED0, 1, "safeSources")}) {
-        store.addPGN(0, number,
-                     {.number = quint32(number),
-                      .direction = ObjectDataBase::receive,
-                      .isSafe = quint8(isSafe),
-                      .multiSourceAddress = 3});
-        store.addSPN(0, number, ObjectDataBase::receive, 84,
-                     {.dataType = CAN::BITS11,
-                      .pgn = quint32(number),
-                      .direction = ObjectDataBase::receive,
-                      .spn = 84,
-                      .varName = name});
-    }
-    store.addCANID(1, 0x20000123, {.id = 0x20000123, .direction = ObjectDataBase::transmit});
-    store.addDataElement(1, 0x20000123, ObjectDataBase::transmit, 1,
-                         {.dataType = CAN::BITS29,
-                          .canId = 0x20000123,
-                          .direction = ObjectDataBase::transmit,
-                          .number = 1,
-                          .varName = "raw"});
-
-    Sources sources(project, isV4);
-    sources.run<GenDefineGenerator, CoDefineGenerator>();
-    sources.run<ExtDeclGeneratorV4, ExtDeclGenerator>();
-    const QString header = sources.files().read("gen_extern_decl.h");
-    for (const char *text : {"extern UNSIGNED16 speed;\n", "extern UNSIGNED24 wide;\n",
-                             "extern INTEGER8 table[8];\n", "extern char openText[];\n",
-                             "/* PGN 0xfeca */\nextern UNSIGNED16 sources[3];\t/* SPN84 */\n",
-                             "extern UNSIGNED16 safeSources[4];\t/* SPN84 */\n",
-                             "/* CAN-ID 1/0x123 ext */\nextern UNSIGNED32 raw;", "\n/* line 1*/\n"})
-        QVERIFY2(header.count(text) == 1, text);
-    QVERIFY(!header.contains("get"));
-
-    sources.files().write("application.c",
-                          "#include <gen_define.h>\n#include <co_canopen.h>\n"
-                          "#include <gen_extern_decl.h>\n#include \"gen_var_decl.c\"\n");
-    for (const char *compiler : {"gcc", "clang"})
-        QCOMPARE(sources.check(compiler, "application.c"), QString());
-}
+};
 
 QTEST_GUILESS_MAIN(TestHeadersCompile)
 #include "tst_headerscompile.moc"

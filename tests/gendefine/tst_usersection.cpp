@@ -2,6 +2,7 @@
 
 #include "generators/define/gendefinegenerator.h"
 #include "tests/support/filesizelimit.h"
+#include "tests/support/rows.h"
 
 #include <QDir>
 #include <QTest>
@@ -9,21 +10,6 @@
 using Build = std::function<void(TestProject &)>;
 using Defines = QMap<QString, QString>;
 Q_DECLARE_METATYPE(Build)
-
-/// What a new gen_define.h keeps of its former self.
-class TestUserSection : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void userSection_data();
-    void userSection();
-    void hundredRuns();
-    void generationCount_data();
-    void generationCount();
-    void failedRuns_data();
-    void failedRuns();
-};
 
 namespace {
 
@@ -54,144 +40,143 @@ QByteArray sectionOf(const QByteArray &header)
 
 } // namespace
 
-void TestUserSection::userSection_data()
+/// What a new gen_define.h keeps of its former self.
+class TestUserSection : public QObject
 {
-    QTest::addColumn<QByteArray>("former");
-    QTest::addColumn<QByteArray>("lines");
+    Q_OBJECT
 
-    const QByteArray text = "#define MINE 1\n\n  /* indented */\n";
-    const QByteArray whole = oldHead + notice + startMark + text + endMark + oldTail;
-    QTest::newRow("none") << QByteArray() << QByteArray("\n");
-    QTest::newRow("LF") << whole << text;
-    QTest::newRow("CR LF") << QByteArray(whole).replace("\n", "\r\n") << text;
-    QTest::newRow("CR") << QByteArray(whole).replace("\n", "\r") << text;
-    QTest::newRow("mixed") << QByteArray(whole).replace("1\n", "1\r\n") << text;
-    QTest::newRow("UTF-16") << utf16(whole) << text;
-    const QByteArray bytes = "caf\xE9 \xFF\xFE \xC3\xA4 tab\t\x01\n";
-    QTest::newRow("bytes that are no UTF-8")
-        << oldHead + startMark + bytes + endMark + oldTail << bytes;
-    QTest::newRow("no end marker") << oldHead + startMark + text + "last" << text + "last\n";
-    QTest::newRow("no start marker") << oldHead + notice + text + endMark + oldTail << text;
-    QTest::newRow("markers in other lines")
-        << whole + "x " + startMark + "lost? " + endMark << text;
-    QTest::newRow("two sections") << whole + startMark + "more\n" + endMark << text + "more\n";
-    QTest::newRow("huge") << oldHead + startMark + QByteArray(text).repeated(200000) + endMark
-                          << QByteArray(text).repeated(200000);
-    const QByteArray longLine = QByteArray(5000000, 'x') + '\n';
-    QTest::newRow("long line") << oldHead + startMark + longLine + endMark << longLine;
-    QTest::newRow("no header at all") << QByteArray("\0\x80junk", 6) << QByteArray("\n");
-}
+private slots:
+    void userSection_data()
+    {
 
-void TestUserSection::userSection()
-{
-    QFETCH(QByteArray, former);
-    QFETCH(QByteArray, lines);
-    TestProject project(true);
-    project.addDevice(0);
-    GeneratedHeaders files(project);
-    if (!former.isEmpty())
+        const QByteArray text = "#define MINE 1\n\n  /* indented */\n";
+        const QByteArray whole = oldHead + notice + startMark + text + endMark + oldTail;
+        const QByteArray bytes = "caf\xE9 \xFF\xFE \xC3\xA4 tab\t\x01\n";
+        const QByteArray longLine = QByteArray(5000000, 'x') + '\n';
+        testRows<QByteArray, QByteArray>(
+            {"former", "lines"},
+            {{"none", {}, "\n"},
+             {"LF", whole, text},
+             {"CR LF", QByteArray(whole).replace("\n", "\r\n"), text},
+             {"CR", QByteArray(whole).replace("\n", "\r"), text},
+             {"mixed", QByteArray(whole).replace("1\n", "1\r\n"), text},
+             {"UTF-16", utf16(whole), text},
+             {"bytes that are no UTF-8", oldHead + startMark + bytes + endMark + oldTail, bytes},
+             {"no end marker", oldHead + startMark + text + "last", text + "last\n"},
+             {"no start marker", oldHead + notice + text + endMark + oldTail, text},
+             {"markers in other lines", whole + "x " + startMark + "lost? " + endMark, text},
+             {"two sections", whole + startMark + "more\n" + endMark, text + "more\n"},
+             {"huge", oldHead + startMark + QByteArray(text).repeated(200000) + endMark,
+              QByteArray(text).repeated(200000)},
+             {"long line", oldHead + startMark + longLine + endMark, longLine},
+             {"no header at all", QByteArray("\0\x80junk", 6), "\n"}});
+    }
+
+    void userSection()
+    {
+        QFETCH(QByteArray, former);
+        QFETCH(QByteArray, lines);
+        TestProject project(true);
+        project.addDevice(0);
+        GeneratedHeaders files(project);
+        if (!former.isEmpty())
+            files.write("gen_define.h", former);
+        GenDefineGenerator generator;
+        files.run(generator);
+        const QByteArray written = readBytes(files.path("gen_define.h"));
+        QVERIFY(sectionOf(written) == lines);
+        QVERIFY(written.endsWith(endMark + oldTail));
+        QCOMPARE(generator.userSection().trimmed(), QString::fromUtf8(lines).trimmed());
+    }
+
+    void hundredRuns()
+    {
+        TestProject project(false);
+        project.addDevice(0);
+        project.settings("generate_generation_counter=1");
+        project.setting("user_defines", "#ifdef GEN_GENERATION_COUNT_SHOWN\n#endif");
+        GeneratedHeaders files(project);
+        const QByteArray lines = "\n#define MINE \"\xE9\" \\\n  2\n\n";
+        files.write("gen_define.h", startMark + lines + endMark);
+        for (int run = 1; run <= 100; ++run) {
+            CoDefineGenerator generator;
+            const QString text = files.run(generator);
+            QVERIFY(sectionOf(readBytes(files.path("gen_define.h"))) == lines);
+            QVERIFY(text.contains(QString("#define GEN_GENERATION_COUNT\t%1ul\n").arg(run)));
+        }
+    }
+
+    void generationCount_data()
+    {
+
+        const Build on = [](TestProject &project) {
+            project.setting("generate_generation_counter", "1");
+        };
+        const QByteArray old = "#define GEN_GENERATION_COUNT\t17ul\n";
+        const Build tool = [on](TestProject &project) {
+            on(project);
+            project.setting("tsk_generation_count", "5");
+        };
+        testRows<QByteArray, Build, bool, QString>(
+            {"former", "build", "fromNetworkTool", "count"},
+            {{"counts on", old, on, false, "18ul"},
+             {"CR LF", QByteArray(old).replace("\n", "\r\n"), on, false, "18ul"},
+             {"hexadecimal", "#define GEN_GENERATION_COUNT\t0x1Ful\n", on, false, "32ul"},
+             {"damaged", "#define GEN_GENERATION_COUNT\tul\n", on, false, "1ul"},
+             {"off", old, Build(), false, "missing"},
+             {"network tool", old, tool, true, "5ul"},
+             {"network tool without count", old, on, true, "missing"}});
+    }
+
+    void generationCount()
+    {
+        QFETCH(QByteArray, former);
+        QFETCH(Build, build);
+        QFETCH(bool, fromNetworkTool);
+        QFETCH(QString, count);
+        TestProject project(true);
+        if (build)
+            build(project);
+        GeneratedHeaders files(project);
         files.write("gen_define.h", former);
-    GenDefineGenerator generator;
-    files.run(generator);
-    const QByteArray written = readBytes(files.path("gen_define.h"));
-    QVERIFY(sectionOf(written) == lines);
-    QVERIFY(written.endsWith(endMark + oldTail));
-    QCOMPARE(generator.userSection().trimmed(), QString::fromUtf8(lines).trimmed());
-}
-
-void TestUserSection::hundredRuns()
-{
-    TestProject project(false);
-    project.addDevice(0);
-    project.setting("generate_generation_counter", "1");
-    project.setting("user_defines", "#ifdef GEN_GENERATION_COUNT_SHOWN\n#endif");
-    GeneratedHeaders files(project);
-    const QByteArray lines = "\n#define MINE \"\xE9\" \\\n  2\n\n";
-    files.write("gen_define.h", startMark + lines + endMark);
-    for (int run = 1; run <= 100; ++run) {
-        CoDefineGenerator generator;
-        const QString text = files.run(generator);
-        QVERIFY(sectionOf(readBytes(files.path("gen_define.h"))) == lines);
-        QVERIFY(text.contains(QString("#define GEN_GENERATION_COUNT\t%1ul\n").arg(run)));
+        GenDefineGenerator generator;
+        generator.setFromNetworkTool(fromNetworkTool);
+        const Defines defines = GeneratedHeaders::defines(files.run(generator));
+        QCOMPARE(defines.value("GEN_GENERATION_COUNT", "missing"), count);
     }
-}
 
-void TestUserSection::generationCount_data()
-{
-    QTest::addColumn<QByteArray>("former");
-    QTest::addColumn<Build>("build");
-    QTest::addColumn<bool>("fromNetworkTool");
-    QTest::addColumn<QString>("count");
-
-    const Build on = [](TestProject &project) {
-        project.setting("generate_generation_counter", "1");
-    };
-    const QByteArray old = "#define GEN_GENERATION_COUNT\t17ul\n";
-    QTest::newRow("counts on") << old << on << false << "18ul";
-    QTest::newRow("CR LF") << QByteArray(old).replace("\n", "\r\n") << on << false << "18ul";
-    QTest::newRow("hexadecimal") << QByteArray("#define GEN_GENERATION_COUNT\t0x1Ful\n") << on
-                                 << false << "32ul";
-    QTest::newRow("damaged") << QByteArray("#define GEN_GENERATION_COUNT\tul\n") << on << false
-                             << "1ul";
-    QTest::newRow("off") << old << Build() << false << "missing";
-    const Build tool = [on](TestProject &project) {
-        on(project);
-        project.setting("tsk_generation_count", "5");
-    };
-    QTest::newRow("network tool") << old << tool << true << "5ul";
-    QTest::newRow("network tool without count") << old << on << true << "missing";
-}
-
-void TestUserSection::generationCount()
-{
-    QFETCH(QByteArray, former);
-    QFETCH(Build, build);
-    QFETCH(bool, fromNetworkTool);
-    QFETCH(QString, count);
-    TestProject project(true);
-    if (build)
-        build(project);
-    GeneratedHeaders files(project);
-    files.write("gen_define.h", former);
-    GenDefineGenerator generator;
-    generator.setFromNetworkTool(fromNetworkTool);
-    const Defines defines = GeneratedHeaders::defines(files.run(generator));
-    QCOMPARE(defines.value("GEN_GENERATION_COUNT", "missing"), count);
-}
-
-void TestUserSection::failedRuns_data()
-{
-    QTest::addColumn<QString>("failure");
-    QTest::newRow("disk full") << "disk full";
-    QTest::newRow("stopped") << "stopped";
-}
-
-/// A run that does not end well leaves the former file as it was, and says so.
-void TestUserSection::failedRuns()
-{
-    QFETCH(QString, failure);
-    TestProject project(true);
-    project.addDevice(0);
-    GeneratedHeaders files(project);
-    const QByteArray former = oldHead + startMark + "#define MINE 1\n" + endMark + oldTail;
-    files.write("gen_define.h", former);
-    GenDefineGenerator generator;
-    connect(&generator, &AbstractGenerator::progress, &generator, [&](quint8 percent) {
-        if (failure == "stopped" && percent < 100)
-            QCOMPARE(generator.requestStop(), int(AbstractGenerator::Done));
-    });
-    if (failure == "disk full") {
-        if (!FileSizeLimit::isSupported())
-            QSKIP("no way to limit files");
-        const FileSizeLimit limit(500);
-        files.run(generator);
-    } else {
-        files.run(generator);
+    void failedRuns_data()
+    {
+        testRows<QString>({"failure"}, {{"disk full", "disk full"}, {"stopped", "stopped"}});
     }
-    QVERIFY(generator.errorCode() != 0);
-    QCOMPARE(readBytes(files.path("gen_define.h")), former);
-    QCOMPARE(QDir(files.folder()).entryList(QDir::Files), QStringList("gen_define.h"));
-}
+
+    /// A run that does not end well leaves the former file as it was, and says so.
+    void failedRuns()
+    {
+        QFETCH(QString, failure);
+        TestProject project(true);
+        project.addDevice(0);
+        GeneratedHeaders files(project);
+        const QByteArray former = oldHead + startMark + "#define MINE 1\n" + endMark + oldTail;
+        files.write("gen_define.h", former);
+        GenDefineGenerator generator;
+        connect(&generator, &AbstractGenerator::progress, &generator, [&](quint8 percent) {
+            if (failure == "stopped" && percent < 100)
+                QCOMPARE(generator.requestStop(), int(AbstractGenerator::Done));
+        });
+        if (failure == "disk full") {
+            if (!FileSizeLimit::isSupported())
+                QSKIP("no way to limit files");
+            const FileSizeLimit limit(500);
+            files.run(generator);
+        } else {
+            files.run(generator);
+        }
+        QVERIFY(generator.errorCode() != 0);
+        QCOMPARE(readBytes(files.path("gen_define.h")), former);
+        QCOMPARE(QDir(files.folder()).entryList(QDir::Files), QStringList("gen_define.h"));
+    }
+};
 
 QTEST_GUILESS_MAIN(TestUserSection)
 #include "tst_usersection.moc"

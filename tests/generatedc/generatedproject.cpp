@@ -154,7 +154,7 @@ QString GeneratedProject::compile(const QString &compiler)
                    "void stackstubPrintApplication(void)\n{\n";
     if (QString(m_case.variables).contains("shortText"))
         application += "    printf(\"texts %s %.4s %.4s\\n\", texts[0], shortText, exactText);\n";
-    write("application.c", application + "}\n");
+    write("application.c", application + "}\n#include <gen_indices.h>\n#include <gen_indices.h>\n");
 
     const QString stub = QLatin1String(QUILLFORGE_SOURCE_DIR "/tests/stackstub");
     QStringList sources = {path("gen_objdict.c"), path("application.c"), stub + "/stackstub.c",

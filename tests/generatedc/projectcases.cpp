@@ -17,12 +17,12 @@ constexpr quint16 numericTypes[] = {
 void device(TestProject &project)
 {
     project.addDevice(0);
-    Sub mappable = TestProject::sub(UNSIGNED16, "0x1234");
+    Sub mappable = managed(UNSIGNED16, "0x1234");
     project.variable(0, 0x2000, "my value", mappable);
-    project.variable(0, 0x2001, "signed", TestProject::sub(INTEGER16, "-5"));
-    project.variable(0, 0x2002, "as the constant", TestProject::sub(UNSIGNED8, "4"));
+    project.variable(0, 0x2001, "signed", managed(INTEGER16, "-5"));
+    project.variable(0, 0x2002, "as the constant", managed(UNSIGNED8, "4"));
     project.variable(0, 0x2003, "stored", [] {
-        Sub sub = TestProject::sub(UNSIGNED32, "4294967295");
+        Sub sub = managed(UNSIGNED32, "4294967295");
         sub.nvstorage = true;
         return sub;
     }());
@@ -36,42 +36,36 @@ void everyClass(TestProject &project)
         const QString value = type == BOOLEAN                    ? "1"
                               : type == REAL32 || type == REAL64 ? "-1.5"
                                                                  : "3";
-        project.variable(0, index++, "managed", TestProject::sub(type, value));
-        project.variable(0, index++, "constant", TestProject::constant(type, value));
-        Sub virtualSub = TestProject::sub(type, value);
+        project.variable(0, index++, "managed", managed(type, value));
+        project.variable(0, index++, "constant", constant(type, value));
+        Sub virtualSub = managed(type, value);
         virtualSub.implementation = CANopen::VirtualObject;
         project.variable(0, index++, "virtual", virtualSub);
     }
-    project.variable(0, 0x2100, "u8", TestProject::application(UNSIGNED8, "1", "appU8"));
-    project.variable(0, 0x2101, "u16", TestProject::application(UNSIGNED16, "1", "appU16"));
-    project.variable(0, 0x2102, "u24", TestProject::application(UNSIGNED24, "1", "appU24"));
-    project.variable(0, 0x2103, "u32", TestProject::application(UNSIGNED32, "1", "appTable[1][2]"));
-    project.variable(0, 0x2104, "u40", TestProject::application(UNSIGNED40, "1", "appU40"));
-    project.variable(0, 0x2105, "u48", TestProject::application(TIME_OF_DAY, "1", "appU48"));
-    project.variable(0, 0x2106, "u64", TestProject::application(UNSIGNED64, "1", "appU64"));
-    project.variable(0, 0x2107, "i8", TestProject::application(INTEGER8, "-1", "appI8"));
-    project.variable(0, 0x2108, "i16", TestProject::application(INTEGER16, "-1", "appI16"));
-    project.variable(0, 0x2109, "i24", TestProject::application(INTEGER24, "-1", "appI24"));
-    project.variable(0, 0x210A, "i32",
-                     TestProject::application(INTEGER32, "-1", "(INTEGER32 *)(&appI32)"));
-    project.variable(0, 0x210B, "r32", TestProject::application(REAL32, "0.1", "appR32"));
-    project.variable(0, 0x210C, "by index",
-                     TestProject::application(UNSIGNED16, "1", "appList[{$i-0x2100}]"));
-    project.variable(0, 0x2110, "text",
-                     TestProject::application(VISIBLE_STRING, "hello", "appText", 20));
-    project.variable(0, 0x2111, "utf8",
-                     TestProject::application(UTF8_STRING, "hällo", "appUtf8", 20));
-    project.variable(0, 0x2112, "octets",
-                     TestProject::application(OCTET_STRING, "01 02 ff", "appOctets", 8));
-    project.variable(0, 0x2113, "domain",
-                     TestProject::application(DOMAIN_TYPE, "", "appDomain", 100));
-    project.variable(0, 0x2114, "const text", TestProject::constant(VISIBLE_STRING, "fixed"));
-    project.variable(0, 0x2115, "const utf8", TestProject::constant(UTF8_STRING, "€"));
-    project.variable(0, 0x2116, "const octets", TestProject::constant(OCTET_STRING, "dead beef"));
-    project.variable(0, 0x2119, "const unicode", TestProject::constant(UNICODE_STRING, "ab"));
-    project.variable(0, 0x211A, "r64", TestProject::application(REAL64, "1", "appU64"));
-    project.variable(0, 0x2117, "unnamed domain", TestProject::sub(DOMAIN_TYPE, ""));
-    project.variable(0, 0x2118, "managed text", TestProject::sub(VISIBLE_STRING, "refused"));
+    project.variable(0, 0x2100, "u8", application(UNSIGNED8, "1", "appU8"));
+    project.variable(0, 0x2101, "u16", application(UNSIGNED16, "1", "appU16"));
+    project.variable(0, 0x2102, "u24", application(UNSIGNED24, "1", "appU24"));
+    project.variable(0, 0x2103, "u32", application(UNSIGNED32, "1", "appTable[1][2]"));
+    project.variable(0, 0x2104, "u40", application(UNSIGNED40, "1", "appU40"));
+    project.variable(0, 0x2105, "u48", application(TIME_OF_DAY, "1", "appU48"));
+    project.variable(0, 0x2106, "u64", application(UNSIGNED64, "1", "appU64"));
+    project.variable(0, 0x2107, "i8", application(INTEGER8, "-1", "appI8"));
+    project.variable(0, 0x2108, "i16", application(INTEGER16, "-1", "appI16"));
+    project.variable(0, 0x2109, "i24", application(INTEGER24, "-1", "appI24"));
+    project.variable(0, 0x210A, "i32", application(INTEGER32, "-1", "(INTEGER32 *)(&appI32)"));
+    project.variable(0, 0x210B, "r32", application(REAL32, "0.1", "appR32"));
+    project.variable(0, 0x210C, "by index", application(UNSIGNED16, "1", "appList[{$i-0x2100}]"));
+    project.variable(0, 0x2110, "text", application(VISIBLE_STRING, "hello", "appText", 20));
+    project.variable(0, 0x2111, "utf8", application(UTF8_STRING, "hällo", "appUtf8", 20));
+    project.variable(0, 0x2112, "octets", application(OCTET_STRING, "01 02 ff", "appOctets", 8));
+    project.variable(0, 0x2113, "domain", application(DOMAIN_TYPE, "", "appDomain", 100));
+    project.variable(0, 0x2114, "const text", constant(VISIBLE_STRING, "fixed"));
+    project.variable(0, 0x2115, "const utf8", constant(UTF8_STRING, "€"));
+    project.variable(0, 0x2116, "const octets", constant(OCTET_STRING, "dead beef"));
+    project.variable(0, 0x2119, "const unicode", constant(UNICODE_STRING, "ab"));
+    project.variable(0, 0x211A, "r64", application(REAL64, "1", "appU64"));
+    project.variable(0, 0x2117, "unnamed domain", managed(DOMAIN_TYPE, ""));
+    project.variable(0, 0x2118, "managed text", managed(VISIBLE_STRING, "refused"));
 }
 
 constexpr const char *everyClassVariables =
@@ -87,14 +81,14 @@ void unknownTypes(TestProject &project)
     project.addDevice(0);
     quint16 index = 0x2000;
     for (const quint16 type : {0, 14, 30, 125, 200, 65535}) {
-        project.variable(0, index++, "managed", TestProject::sub(type, "1"));
-        project.variable(0, index++, "constant", TestProject::constant(type, "1"));
-        project.variable(0, index++, "variable", TestProject::application(type, "1", "appU8"));
+        project.variable(0, index++, "managed", managed(type, "1"));
+        project.variable(0, index++, "constant", constant(type, "1"));
+        project.variable(0, index++, "variable", application(type, "1", "appU8"));
     }
     // Defaults that are no numbers.
     for (const char *value :
          {"abc", "'", "\"", "*/", "1;", "0x", "0b11", "$NODEID+0x10+1", "1.5", "١"})
-        project.variable(0, index++, "odd", TestProject::sub(UNSIGNED16, QString::fromUtf8(value)));
+        project.variable(0, index++, "odd", managed(UNSIGNED16, QString::fromUtf8(value)));
 }
 
 void limits(TestProject &project)
@@ -103,7 +97,7 @@ void limits(TestProject &project)
     project.setting("limit_check", "1");
     const auto limited = [&](quint16 index, quint16 type, const char *value, const char *low,
                              const char *high) {
-        Sub sub = TestProject::sub(type, value);
+        Sub sub = managed(type, value);
         sub.limitineds = true;
         sub.lowlimit = low;
         sub.uplimit = high;
@@ -119,7 +113,7 @@ void limits(TestProject &project)
     limited(0x2107, UNSIGNED32, "99999999999999999999999", "0", "99999999999999999999999");
     limited(0x2108, INTEGER16, "-9223372036854775808", "-99999999999999999999999", "0");
     limited(0x2109, REAL32, "nan", "-inf", "1e400");
-    Sub locked = TestProject::sub(UNSIGNED8, "1", "ro");
+    Sub locked = managed(UNSIGNED8, "1", "ro");
     locked.limitineds = true;
     locked.lowlimit = "77";
     project.variable(0, 0x2110, "no limit without write access", locked);
@@ -130,27 +124,27 @@ void compact(TestProject &project)
     device(project);
     project.setting("compact_array_description", "1");
     project.object(0, 0x2100, CANopen::ARRAY, "alike",
-                   std::vector<Sub>(10, TestProject::sub(UNSIGNED16, "7")));
-    std::vector<Sub> tail(6, TestProject::sub(UNSIGNED32, "9"));
+                   std::vector<Sub>(10, managed(UNSIGNED16, "7")));
+    std::vector<Sub> tail(6, managed(UNSIGNED32, "9"));
     tail[1].defaultvalue = "8";
     project.object(0, 0x2101, CANopen::ARRAY, "alike from the third", tail);
     project.object(0, 0x2102, CANopen::ARRAY, "alike constants",
-                   std::vector<Sub>(5, TestProject::constant(UNSIGNED8, "3")));
-    std::vector<Sub> mixed(4, TestProject::sub(UNSIGNED8, "1"));
+                   std::vector<Sub>(5, constant(UNSIGNED8, "3")));
+    std::vector<Sub> mixed(4, managed(UNSIGNED8, "1"));
     mixed[3].implementation = CANopen::Variable;
     mixed[3].varname = "appU8";
     mixed[2] = mixed[3];
     project.object(0, 0x2103, CANopen::ARRAY, "two implementations", mixed);
     project.object(0, 0x1F82, CANopen::ARRAY, "service",
-                   std::vector<Sub>(127, TestProject::sub(UNSIGNED8, "0")));
+                   std::vector<Sub>(127, managed(UNSIGNED8, "0")));
 }
 
 void pdos(TestProject &project)
 {
     device(project);
-    project.variable(0, 0x2100, "application", TestProject::application(UNSIGNED32, "1", "appU32"));
-    project.variable(0, 0x2101, "constant", TestProject::constant(UNSIGNED8, "1"));
-    Sub virtualSub = TestProject::sub(UNSIGNED8, "1");
+    project.variable(0, 0x2100, "application", application(UNSIGNED32, "1", "appU32"));
+    project.variable(0, 0x2101, "constant", constant(UNSIGNED8, "1"));
+    Sub virtualSub = managed(UNSIGNED8, "1");
     virtualSub.implementation = CANopen::VirtualObject;
     project.variable(0, 0x2102, "virtual", virtualSub);
     project.pdo(0, 0x1400, {0x20000010, 0x20010010});
@@ -162,11 +156,11 @@ void pdos(TestProject &project)
     project.pdo(0, 0x1802, {0x20020008}, true);
     project.pdo(0, 0x1803, {});
     project.object(0, 0x1A05, CANopen::RECORD, "mapping without communication",
-                   {TestProject::constant(UNSIGNED32, "0x20000010")});
+                   {constant(UNSIGNED32, "0x20000010")});
     // A destination address mode PDO maps nothing by itself.
-    project.object(0, 0x1804, CANopen::RECORD, "MPDO", {TestProject::sub(UNSIGNED32, "0x300")});
+    project.object(0, 0x1804, CANopen::RECORD, "MPDO", {managed(UNSIGNED32, "0x300")});
     project.object(0, 0x1A04, CANopen::RECORD, "MPDO mapping", {});
-    project.store().addSubIndex(0, 0x1A04, 0, TestProject::constant(UNSIGNED8, "0xFF"));
+    project.store().addSubIndex(0, 0x1A04, 0, constant(UNSIGNED8, "0xFF"));
 }
 
 constexpr const char *pdoVariables = "UNSIGNED32 appU32;\n";
@@ -175,60 +169,53 @@ void bitwisePdos(TestProject &project)
 {
     pdos(project);
     project.setting("bitwise_mapping", "1");
-    project.variable(0, 0x2200, "bit", TestProject::sub(BOOLEAN, "1"));
+    project.variable(0, 0x2200, "bit", managed(BOOLEAN, "1"));
     project.pdo(0, 0x1805, {0x22000001, 0x20020008});
 }
 
 void services(TestProject &project)
 {
     device(project);
-    project.setting("lss_supported", "1");
-    project.setting("nmtmaster", "1");
-    project.setting("idnego_supported", "1");
-    project.setting("bootup_manager", "1");
-    project.setting("isotp_supported", "1");
-    project.setting("isotp_connection_cnt", "2");
-    project.setting("event_led", "1");
-    project.variable(0, 0x1005, "SYNC", TestProject::sub(UNSIGNED32, "0x80"));
-    project.variable(0, 0x1006, "period", TestProject::sub(UNSIGNED32, "10000"));
-    project.variable(0, 0x1007, "window", TestProject::sub(UNSIGNED32, "500"));
-    project.variable(0, 0x100C, "guard time", TestProject::sub(UNSIGNED16, "0"));
-    project.variable(0, 0x100D, "life time", TestProject::sub(UNSIGNED8, "0"));
-    project.variable(0, 0x1012, "TIME", TestProject::sub(UNSIGNED32, "0x100"));
-    project.variable(0, 0x1014, "EMCY", TestProject::sub(UNSIGNED32, "$NODEID+0x80"));
-    project.variable(0, 0x1015, "EMCY inhibit", TestProject::sub(UNSIGNED16, "0"));
+    project.settings("lss_supported=1; nmtmaster=1; idnego_supported=1; bootup_manager=1; "
+                     "isotp_supported=1; isotp_connection_cnt=2; event_led=1");
+    project.variable(0, 0x1005, "SYNC", managed(UNSIGNED32, "0x80"));
+    project.variable(0, 0x1006, "period", managed(UNSIGNED32, "10000"));
+    project.variable(0, 0x1007, "window", managed(UNSIGNED32, "500"));
+    project.variable(0, 0x100C, "guard time", managed(UNSIGNED16, "0"));
+    project.variable(0, 0x100D, "life time", managed(UNSIGNED8, "0"));
+    project.variable(0, 0x1012, "TIME", managed(UNSIGNED32, "0x100"));
+    project.variable(0, 0x1014, "EMCY", managed(UNSIGNED32, "$NODEID+0x80"));
+    project.variable(0, 0x1015, "EMCY inhibit", managed(UNSIGNED16, "0"));
     project.object(0, 0x1003, CANopen::ARRAY, "errors",
-                   std::vector<Sub>(4, TestProject::sub(UNSIGNED32, "0", "ro")));
-    project.object(0, 0x1010, CANopen::ARRAY, "store", {TestProject::sub(UNSIGNED32, "1")});
+                   std::vector<Sub>(4, managed(UNSIGNED32, "0", "ro")));
+    project.object(0, 0x1010, CANopen::ARRAY, "store", {managed(UNSIGNED32, "1")});
     project.object(0, 0x1016, CANopen::ARRAY, "consumer heartbeat",
-                   std::vector<Sub>(3, TestProject::sub(UNSIGNED32, "0")));
+                   std::vector<Sub>(3, managed(UNSIGNED32, "0")));
     project.object(0, 0x1028, CANopen::ARRAY, "EMCY consumer",
-                   std::vector<Sub>(5, TestProject::sub(UNSIGNED32, "0x81")));
+                   std::vector<Sub>(5, managed(UNSIGNED32, "0x81")));
     project.object(0, 0x1029, CANopen::ARRAY, "error behaviour",
-                   std::vector<Sub>(2, TestProject::sub(UNSIGNED8, "0")));
+                   std::vector<Sub>(2, managed(UNSIGNED8, "0")));
     project.object(0, 0x1280, CANopen::RECORD, "SDO client",
-                   std::vector<Sub>(3, TestProject::sub(UNSIGNED32, "0x80000000")));
-    project.variable(0, 0x1300, "GFC", TestProject::sub(UNSIGNED8, "1"));
+                   std::vector<Sub>(3, managed(UNSIGNED32, "0x80000000")));
+    project.variable(0, 0x1300, "GFC", managed(UNSIGNED8, "1"));
     project.object(0, 0x1301, CANopen::RECORD, "SRDO",
-                   std::vector<Sub>(6, TestProject::sub(UNSIGNED32, "0")));
+                   std::vector<Sub>(6, managed(UNSIGNED32, "0")));
     project.object(0, 0x1381, CANopen::RECORD, "SRDO mapping",
-                   {TestProject::constant(UNSIGNED32, "0x20000010"),
-                    TestProject::constant(UNSIGNED32, "0x20010010")});
-    project.variable(0, 0x13FE, "signature", TestProject::sub(UNSIGNED8, "0"));
-    project.object(0, 0x1F10, CANopen::RECORD, "SRD", {TestProject::sub(UNSIGNED32, "0")});
-    project.variable(0, 0x1F80, "NMT startup", TestProject::sub(UNSIGNED32, "0x21"));
+                   {constant(UNSIGNED32, "0x20000010"), constant(UNSIGNED32, "0x20010010")});
+    project.variable(0, 0x13FE, "signature", managed(UNSIGNED8, "0"));
+    project.object(0, 0x1F10, CANopen::RECORD, "SRD", {managed(UNSIGNED32, "0")});
+    project.variable(0, 0x1F80, "NMT startup", managed(UNSIGNED32, "0x21"));
     project.object(0, 0x1F81, CANopen::ARRAY, "slaves",
-                   std::vector<Sub>(10, TestProject::sub(UNSIGNED32, "0")));
+                   std::vector<Sub>(10, managed(UNSIGNED32, "0")));
     project.object(0, 0x1F90, CANopen::ARRAY, "flying master",
-                   std::vector<Sub>(6, TestProject::sub(UNSIGNED16, "1")));
-    project.object(0, 0x1F2C, CANopen::ARRAY, "routing", {TestProject::sub(UNSIGNED32, "0")});
+                   std::vector<Sub>(6, managed(UNSIGNED16, "1")));
+    project.object(0, 0x1F2C, CANopen::ARRAY, "routing", {managed(UNSIGNED32, "0")});
 }
 
 void staticRoles(TestProject &project)
 {
     services(project);
-    project.setting("enable_dynamic", "0");
-    project.setting("static_srdo_data", "1");
+    project.settings("enable_dynamic=0; static_srdo_data=1");
 }
 
 void overwrite(TestProject &project)
@@ -236,15 +223,14 @@ void overwrite(TestProject &project)
     pdos(project);
     project.setting("overwrite_predef", "1");
     project.object(0, 0x1201, CANopen::RECORD, "second server",
-                   {TestProject::sub(UNSIGNED32, "0x701"), TestProject::sub(UNSIGNED32, "0x702")});
+                   {managed(UNSIGNED32, "0x701"), managed(UNSIGNED32, "0x702")});
 }
 
 /// What a user can type where the generated C shows it.
 void hostileTexts(TestProject &project)
 {
     project.addDevice(0);
-    project.setting("generate_string_defaults", "1");
-    project.setting("init_static_variables", "1");
+    project.settings("generate_string_defaults=1; init_static_variables=1");
     const char *names[] = {"with blanks", "ümläut",           "quote\"d",  "end */ comment",
                            "back\\slash", "splice\\",         "what\?\?/", "two\nlines",
                            "/* open",     "%1 %2 %n",         "",          "same",
@@ -252,7 +238,7 @@ void hostileTexts(TestProject &project)
     quint16 index = 0x2000;
     for (const char *name : names) {
         project.variable(0, index, QString::fromUtf8(name),
-                         TestProject::sub(UNSIGNED8, QString::number(index % 100)));
+                         managed(UNSIGNED8, QString::number(index % 100)));
         ++index;
     }
     const QString texts[] = {"say \"hi\"",
@@ -268,18 +254,17 @@ void hostileTexts(TestProject &project)
     index = 0x2100;
     int number = 0;
     for (const QString &text : texts) {
-        project.variable(0, index++, "const", TestProject::constant(VISIBLE_STRING, text));
-        project.variable(0, index++, "utf8", TestProject::constant(UTF8_STRING, text));
-        project.variable(0, index++, "octets", TestProject::constant(OCTET_STRING, text));
-        project.variable(0, index++, "variable",
-                         TestProject::application(VISIBLE_STRING, text,
-                                                  QStringLiteral("texts[%1]").arg(number++), 20));
+        project.variable(0, index++, "const", constant(VISIBLE_STRING, text));
+        project.variable(0, index++, "utf8", constant(UTF8_STRING, text));
+        project.variable(0, index++, "octets", constant(OCTET_STRING, text));
+        project.variable(
+            0, index++, "variable",
+            application(VISIBLE_STRING, text, QStringLiteral("texts[%1]").arg(number++), 20));
     }
     project.variable(0, 0x2200, "too long",
-                     TestProject::application(VISIBLE_STRING, "123456789", "shortText", 4));
-    project.variable(0, 0x2201, "exact",
-                     TestProject::application(VISIBLE_STRING, "1234", "exactText", 4));
-    project.variable(0, index++, "node-id", TestProject::sub(UNSIGNED16, "$NODEID"));
+                     application(VISIBLE_STRING, "123456789", "shortText", 4));
+    project.variable(0, 0x2201, "exact", application(VISIBLE_STRING, "1234", "exactText", 4));
+    project.variable(0, index++, "node-id", managed(UNSIGNED16, "$NODEID"));
 }
 
 constexpr const char *hostileVariables =
@@ -291,20 +276,17 @@ void twoLines(TestProject &project)
     project.addLine(1);
     for (const quint8 line : {0, 1}) {
         project.addDevice(line);
-        Sub shared = TestProject::sub(UNSIGNED16, "500");
+        Sub shared = managed(UNSIGNED16, "500");
         shared.sharedlines = true;
         project.variable(line, 0x2000, "shared", shared);
         project.object(line, 0x2001, CANopen::ARRAY, "shared array", {shared, shared, shared});
-        project.variable(line, 0x2002, "own", TestProject::sub(UNSIGNED16, line ? "11" : "10"));
+        project.variable(line, 0x2002, "own", managed(UNSIGNED16, line ? "11" : "10"));
         project.pdo(line, 0x1400, {0x20000010});
         project.pdo(line, 0x1401, {0x20020010});
         project.pdo(line, 0x1800, {0x20000010, 0x20020010});
     }
-    project.setting("nmtmaster", "2");
-    project.setting("co_ml_ms", "0,1");
-    project.setting("co_node_id", "5,6");
-    project.setting("overwrite_predef", "1,0");
-    project.setting("receivebuffersize", "10,20");
+    project.settings(
+        "nmtmaster=2; co_ml_ms=0,1; co_node_id=5,6; overwrite_predef=1,0; receivebuffersize=10,20");
 }
 
 void forcedLineForm(TestProject &project)
@@ -317,44 +299,33 @@ void forcedLineForm(TestProject &project)
 void fd(TestProject &project)
 {
     pdos(project);
-    project.setting("canfd_supported", "1");
-    project.setting("usdo_server_enabled", "1");
-    project.setting("usdo_server_cnt", "2");
-    project.setting("usdo_client_enabled", "1");
-    project.setting("usdo_client_cnt", "3");
+    project.settings("canfd_supported=1; usdo_server_enabled=1; usdo_server_cnt=2; "
+                     "usdo_client_enabled=1; usdo_client_cnt=3");
 }
 
 void fdLines(TestProject &project)
 {
     twoLines(project);
-    project.setting("canfd_supported", "1");
-    project.setting("usdo_server_enabled", "1");
-    project.setting("usdo_server_cnt", "2,1");
+    project.settings("canfd_supported=1; usdo_server_enabled=1; usdo_server_cnt=2,1");
 }
 
 void uds(TestProject &project)
 {
     device(project);
-    project.setting("isotp_supported", "1");
-    project.setting("isotp_connection_cnt", "1");
-    project.setting("udsserver_supported", "1");
-    project.setting("uds_client_cnt", "1");
-    project.setting("uds_static_indication", "1");
+    project.settings("isotp_supported=1; isotp_connection_cnt=1; udsserver_supported=1; "
+                     "uds_client_cnt=1; uds_static_indication=1");
 }
 
 void staticIndications(TestProject &project)
 {
     device(project);
-    project.setting("enable_dynamic", "0");
+    project.settings(
+        "enable_dynamic=0; fct_store_save=appStore; fct_led_red=appLed; fct_time=appTime");
     project.setting("fct_sync", " appSync ");
-    project.setting("fct_store_save", "appStore");
-    project.setting("fct_led_red", "appLed");
-    project.setting("fct_time", "appTime");
     project.setting("isotp_connection_cnt", "2"); // of no use without ISO-TP
     project.setting("special_virtual_objects", "1");
     // The functions of a client alone have no pointers.
-    project.setting("usdo_client_enabled", "1");
-    project.setting("usdo_client_read_ind_function", "appRead");
+    project.settings("usdo_client_enabled=1; usdo_client_read_ind_function=appRead");
 }
 
 constexpr const char *indicationFunctions =
@@ -374,9 +345,8 @@ const std::vector<ProjectCase> &projectCases()
         {"every class, initialised",
          [](TestProject &project) {
              everyClass(project);
-             project.setting("init_static_variables", "1");
-             project.setting("generate_string_defaults", "1");
-             project.setting("static_memory_specifier", "__attribute__((aligned(8)))");
+             project.settings("init_static_variables=1; generate_string_defaults=1; "
+                              "static_memory_specifier=__attribute__((aligned(8)))");
          },
          everyClassVariables},
         {"unknown types", unknownTypes, "UNSIGNED8 appU8;\n", "", true},
@@ -392,8 +362,7 @@ const std::vector<ProjectCase> &projectCases()
         {"two lines, compact with limits",
          [](TestProject &project) {
              twoLines(project);
-             project.setting("compact_array_description", "1");
-             project.setting("limit_check", "1");
+             project.settings("compact_array_description=1; limit_check=1");
          }},
         {"line form for one line", forcedLineForm, pdoVariables},
         {"CAN FD", fd, pdoVariables},

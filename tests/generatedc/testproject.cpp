@@ -29,6 +29,12 @@ void TestProject::setting(const char *key, const QString &value)
     m_store.setGeneralSetting(QLatin1String(key), value);
 }
 
+void TestProject::settings(const char *text)
+{
+    for (const QString &row : QString::fromUtf8(text).split("; "))
+        setting(qPrintable(row.section('=', 0, 0)), row.section('=', 1));
+}
+
 void TestProject::addLine(quint8 line)
 {
     m_store.addNode(line, {});
@@ -39,13 +45,14 @@ void TestProject::addDevice(quint8 line)
 {
     using namespace CAN;
     variable(line, 0x1000, "Device Type", constant(UNSIGNED32, "0x00020191"));
-    variable(line, 0x1001, "Error Register", sub(UNSIGNED8, "0", "ro"));
-    variable(line, 0x1017, "Producer Heartbeat Time", sub(UNSIGNED16, "1000"));
+    variable(line, 0x1001, "Error Register", managed(UNSIGNED8, "0", "ro"));
+    variable(line, 0x1017, "Producer Heartbeat Time", managed(UNSIGNED16, "1000"));
     object(line, 0x1018, CANopen::RECORD, "Identity Object",
            {constant(UNSIGNED32, "0x319"), constant(UNSIGNED32, "2"), constant(UNSIGNED32, "2"),
             constant(UNSIGNED32, "0")});
-    object(line, 0x1200, CANopen::RECORD, "SDO Server",
-           {sub(UNSIGNED32, "$NODEID+0x600", "ro"), sub(UNSIGNED32, "$NODEID+0x580", "ro")});
+    object(
+        line, 0x1200, CANopen::RECORD, "SDO Server",
+        {managed(UNSIGNED32, "$NODEID+0x600", "ro"), managed(UNSIGNED32, "$NODEID+0x580", "ro")});
 }
 
 void TestProject::variable(quint8 line, quint16 index, const QString &name, const Sub &sub)
@@ -89,28 +96,28 @@ void TestProject::pdo(quint8 line, quint16 communication, const std::vector<quin
     constexpr quint16 firstTransmit = 0x1800;
     const bool isTransmit = communication >= firstTransmit;
     const QString cobId = isTransmit ? QStringLiteral("$NODEID+0x180") : QStringLiteral("0x201");
-    std::vector<Sub> entries = {sub(CAN::UNSIGNED32, cobId), sub(CAN::UNSIGNED8, "254"),
-                                sub(CAN::UNSIGNED16, "100")};
+    std::vector<Sub> entries = {managed(CAN::UNSIGNED32, cobId), managed(CAN::UNSIGNED8, "254"),
+                                managed(CAN::UNSIGNED16, "100")};
     if (isTransmit) {
-        entries.push_back(sub(CAN::UNSIGNED8, "0"));
-        entries.push_back(sub(CAN::UNSIGNED16, "500"));
-        entries.push_back(sub(CAN::UNSIGNED8, "7"));
+        entries.push_back(managed(CAN::UNSIGNED8, "0"));
+        entries.push_back(managed(CAN::UNSIGNED16, "500"));
+        entries.push_back(managed(CAN::UNSIGNED8, "7"));
     }
     object(line, communication, CANopen::RECORD, "PDO communication parameter", entries);
     std::vector<Sub> mapped;
     for (const quint32 entry : mapping)
-        mapped.push_back(isDynamic ? sub(CAN::UNSIGNED32, hexText(entry))
+        mapped.push_back(isDynamic ? managed(CAN::UNSIGNED32, hexText(entry))
                                    : constant(CAN::UNSIGNED32, hexText(entry)));
     const auto mappingIndex = quint16(communication + 0x200);
     object(line, mappingIndex, CANopen::RECORD, "PDO mapping parameter", mapped);
     if (isDynamic)
         m_store.addSubIndex(line, mappingIndex, 0,
-                            sub(CAN::UNSIGNED8, QString::number(mapping.size())));
+                            managed(CAN::UNSIGNED8, QString::number(mapping.size())));
 }
 
-TestProject::Sub TestProject::sub(quint16 dataType, const QString &value, const QString &access)
+TestProject::Sub managed(quint16 dataType, const QString &value, const QString &access)
 {
-    Sub sub;
+    TestProject::Sub sub;
     sub.datatype = dataType;
     sub.defaultvalue = value;
     sub.accesstype = access;
@@ -119,18 +126,18 @@ TestProject::Sub TestProject::sub(quint16 dataType, const QString &value, const 
     return sub;
 }
 
-TestProject::Sub TestProject::constant(quint16 dataType, const QString &value)
+TestProject::Sub constant(quint16 dataType, const QString &value)
 {
-    Sub constant = sub(dataType, value, QStringLiteral("const"));
-    constant.implementation = CANopen::ManagedConst;
-    constant.pdomapping = PDOMapping::Forbidden;
-    return constant;
+    TestProject::Sub result = managed(dataType, value, QStringLiteral("const"));
+    result.implementation = CANopen::ManagedConst;
+    result.pdomapping = PDOMapping::Forbidden;
+    return result;
 }
 
-TestProject::Sub TestProject::application(quint16 dataType, const QString &value,
-                                          const QString &varName, quint32 size)
+TestProject::Sub application(quint16 dataType, const QString &value, const QString &varName,
+                             quint32 size)
 {
-    Sub variable = sub(dataType, value);
+    TestProject::Sub variable = managed(dataType, value);
     variable.implementation = CANopen::Variable;
     variable.varname = varName;
     variable.size = size;

@@ -19,6 +19,8 @@ public:
     [[nodiscard]] ObjectDataBase &store() { return m_store; }
 
     void setting(const char *key, const QString &value);
+    /// Several settings: "key=value; other=value".
+    void settings(const char *text);
     void addLine(quint8 line);
     /// The objects that CiA 301 asks of every device, and SDO server 1.
     void addDevice(quint8 line);
@@ -32,16 +34,16 @@ public:
     void pdo(quint8 line, quint16 communication, const std::vector<quint32> &mapping,
              bool isDynamic = false);
 
-    /// A managed variable; change the record for anything else.
-    [[nodiscard]] static Sub sub(quint16 dataType, const QString &value,
-                                 const QString &access = QStringLiteral("rw"));
-    [[nodiscard]] static Sub constant(quint16 dataType, const QString &value);
-    [[nodiscard]] static Sub application(quint16 dataType, const QString &value,
-                                         const QString &varName, quint32 size = 0);
-
 private:
     ObjectDataBase m_store;
 };
+
+/// A managed variable; change the record for anything else.
+[[nodiscard]] TestProject::Sub managed(quint16 dataType, const QString &value,
+                                       const QString &access = QStringLiteral("rw"));
+[[nodiscard]] TestProject::Sub constant(quint16 dataType, const QString &value);
+[[nodiscard]] TestProject::Sub application(quint16 dataType, const QString &value,
+                                           const QString &varName, quint32 size = 0);
 
 /// A project of the matrix and what the application has to define for it.
 struct ProjectCase

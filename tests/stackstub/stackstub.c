@@ -396,11 +396,7 @@ void stackstubPrintDictionary(void)
 
 /* --- Calls ----------------------------------------------------------------------------------- */
 
-#ifdef STACKSTUB_V4
-RET_T coreStackInit(const CORE_COMMON_INIT_VAL_T *pVars)
-#else
-RET_T commonStackInit(const CO_COMMON_INIT_VAL_T *pVars)
-#endif
+RET_T stackstubStackInit(const STACKSTUB_COMMON_INIT_VAL_T *pVars)
 {
     printf("call stack init version=%u\n", (pVars == NULL) ? 0u : pVars->version);
     return RET_OK;

@@ -12,6 +12,24 @@
 #define STACKSTUB_ARGS(...) __VA_ARGS__
 #endif
 
+typedef struct
+{
+    UNSIGNED8 version;
+    UNSIGNED16 receiveBuffers[STACKSTUB_LINES];
+    UNSIGNED16 transmitBuffers[STACKSTUB_LINES];
+    UNSIGNED16 cobs[STACKSTUB_LINES];
+#ifdef ISOTP_SUPPORTED
+    UNSIGNED16 isoTpClients[STACKSTUB_LINES];
+    UNSIGNED16 isoTpServers[STACKSTUB_LINES];
+#endif
+    UNSIGNED8 protocolType[STACKSTUB_LINES];
+#ifdef STACKSTUB_FD
+    BOOL_T fdMode[STACKSTUB_LINES];
+#endif
+} STACKSTUB_COMMON_INIT_VAL_T;
+
+RET_T stackstubStackInit(const STACKSTUB_COMMON_INIT_VAL_T *pVars);
+
 typedef UNSIGNED8 (*STACKSTUB_NODE_ID_FCT_T)(void);
 typedef RET_T (*CO_EVENT_STORE_T)(STACKSTUB_ARGS(UNSIGNED8 subIndex));
 

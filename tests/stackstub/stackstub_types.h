@@ -15,61 +15,22 @@ typedef int8_t INTEGER8;
 typedef int16_t INTEGER16;
 typedef int32_t INTEGER32;
 typedef float REAL32;
-typedef struct
-{
-    UNSIGNED8 bytes[3];
-} UNSIGNED24;
-typedef struct
-{
-    UNSIGNED8 bytes[5];
-} UNSIGNED40;
-typedef struct
-{
-    UNSIGNED8 bytes[6];
-} UNSIGNED48;
-typedef struct
-{
-    UNSIGNED8 bytes[8];
-} UNSIGNED64;
-typedef struct
-{
-    UNSIGNED8 bytes[3];
-} INTEGER24;
+/* clang-format off */
+typedef struct { UNSIGNED8 bytes[3]; } UNSIGNED24;
+typedef struct { UNSIGNED8 bytes[3]; } INTEGER24;
+typedef struct { UNSIGNED8 bytes[5]; } UNSIGNED40;
+typedef struct { UNSIGNED8 bytes[6]; } UNSIGNED48;
+typedef struct { UNSIGNED8 bytes[8]; } UNSIGNED64;
+#define U24_SET(a, b, c) {{(a), (b), (c)}}
+#define I24_SET(a, b, c) {{(a), (b), (c)}}
+#define U40_SET(a, b, c, d, e) {{(a), (b), (c), (d), (e)}}
+#define U48_SET(a, b, c, d, e, f) {{(a), (b), (c), (d), (e), (f)}}
+#define U64_SET(a, b, c, d, e, f, g, h) {{(a), (b), (c), (d), (e), (f), (g), (h)}}
+/* clang-format on */
 typedef char *VIS_STRING;
 typedef char *UTF8_STRING;
 typedef UNSIGNED8 OCTET_STRING;
 typedef UNSIGNED8 *CO_DOMAIN_PTR;
-
-#define U24_SET(a, b, c)                                                                           \
-    {                                                                                              \
-        {                                                                                          \
-            (a), (b), (c)                                                                          \
-        }                                                                                          \
-    }
-#define I24_SET(a, b, c)                                                                           \
-    {                                                                                              \
-        {                                                                                          \
-            (a), (b), (c)                                                                          \
-        }                                                                                          \
-    }
-#define U40_SET(a, b, c, d, e)                                                                     \
-    {                                                                                              \
-        {                                                                                          \
-            (a), (b), (c), (d), (e)                                                                \
-        }                                                                                          \
-    }
-#define U48_SET(a, b, c, d, e, f)                                                                  \
-    {                                                                                              \
-        {                                                                                          \
-            (a), (b), (c), (d), (e), (f)                                                           \
-        }                                                                                          \
-    }
-#define U64_SET(a, b, c, d, e, f, g, h)                                                            \
-    {                                                                                              \
-        {                                                                                          \
-            (a), (b), (c), (d), (e), (f), (g), (h)                                                 \
-        }                                                                                          \
-    }
 
 typedef enum { CO_FALSE = 0, CO_TRUE = 1 } BOOL_T;
 

@@ -94,22 +94,7 @@ typedef UNSIGNED8 CO_LINE_TYPE;
 #define MP_PROT_TYPE_UDS 0x08u
 #define MP_PROT_TYPE_UNKNOWN 0x80u
 
-typedef struct
-{
-    UNSIGNED8 version;
-    UNSIGNED16 receiveBuffers[STACKSTUB_LINES];
-    UNSIGNED16 transmitBuffers[STACKSTUB_LINES];
-    UNSIGNED16 cobs[STACKSTUB_LINES];
-#ifdef ISOTP_SUPPORTED
-    UNSIGNED16 isoTpClients[STACKSTUB_LINES];
-    UNSIGNED16 isoTpServers[STACKSTUB_LINES];
-#endif
-    UNSIGNED8 protocolType[STACKSTUB_LINES];
-#ifdef STACKSTUB_FD
-    BOOL_T fdMode[STACKSTUB_LINES];
-#endif
-} CO_COMMON_INIT_VAL_T;
-
-RET_T commonStackInit(const CO_COMMON_INIT_VAL_T *pVars);
+#define CO_COMMON_INIT_VAL_T STACKSTUB_COMMON_INIT_VAL_T
+#define stackstubStackInit commonStackInit
 
 #endif /* CO_DATATYPE_H */

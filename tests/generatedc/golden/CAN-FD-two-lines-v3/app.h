@@ -1,3 +1,0 @@
-#ifndef APP_H
-#define APP_H 1
-#endif
