@@ -1,13 +1,14 @@
 #include "odeditor/objectpanes.h"
 
-#include "gui/emtytreeform.h"
+#include "odeditor/indexform.h"
+#include "odeditor/subindexform.h"
 
 BaseTreeForm *ObjectPanes::forObject(QWidget *parent)
 {
-    return new EmtyTreeForm(parent);
+    return new IndexForm(parent);
 }
 
 BaseTreeForm *ObjectPanes::forSubIndex(QWidget *parent)
 {
-    return new EmtyTreeForm(parent);
+    return new SubIndexForm(parent);
 }
