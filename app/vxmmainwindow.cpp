@@ -329,8 +329,13 @@ void VxmMainWindow::fillToolBox(const QList<Page> &pages, const PageContext &con
                              page.factory->label(context));
     }
     // The box puts each page into a frame that scrolls, and that shows nothing of having the focus.
-    for (auto *frame : ui->toolBox->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly))
+    // Its bars are off, as pages scroll themselves: one that comes and goes by what the page needs
+    // at the width that it leaves resizes the page without end.
+    for (auto *frame : ui->toolBox->findChildren<QScrollArea *>(Qt::FindDirectChildrenOnly)) {
         frame->setFocusPolicy(Qt::NoFocus);
+        frame->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        frame->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    }
     // The start page stands on the page of the output.
     QWidget *wanted = former != nullptr ? former : m_outputForm;
     ui->toolBox->setCurrentIndex(std::max(0, ui->toolBox->indexOf(wanted)));

@@ -229,16 +229,8 @@ void DictionaryTree::updateObject(quint16 index)
     fill(*item, index, data);
     if (!m_filter.isEmpty())
         item->setHidden(!item->text(0).contains(m_filter, Qt::CaseInsensitive));
-    if (!item->data(0, filledRole).toBool())
-        return;
     // An object that was replaced has other subindices, whose own changes are not told.
-    const QList<quint8> present = m_store->getSubIndices(m_line, index);
-    for (int at = item->childCount() - 1; at >= 0; --at) {
-        if (!present.contains(rowOf(item->child(at)).subindex))
-            delete item->takeChild(at);
-    }
-    for (const quint8 subindex : present)
-        updateSubIndex(index, subindex);
+    updateSubIndices(index);
 }
 
 void DictionaryTree::removeObject(quint16 index)
@@ -254,6 +246,20 @@ void DictionaryTree::removeObject(quint16 index)
         delete segment;
 }
 
+void DictionaryTree::updateSubIndices(quint16 index)
+{
+    QTreeWidgetItem *object = m_objects.value(index);
+    if (object == nullptr || !object->data(0, filledRole).toBool())
+        return;
+    const QList<quint8> present = m_store->getSubIndices(m_line, index);
+    for (int at = object->childCount() - 1; at >= 0; --at) {
+        if (!present.contains(rowOf(object->child(at)).subindex))
+            delete object->takeChild(at);
+    }
+    for (const quint8 subindex : present)
+        updateSubIndex(index, subindex);
+}
+
 void DictionaryTree::updateSubIndex(quint16 index, quint8 subindex)
 {
     QTreeWidgetItem *object = m_objects.value(index);
@@ -267,12 +273,6 @@ void DictionaryTree::updateSubIndex(quint16 index, quint8 subindex)
     }
     if (const QString text = subIndexText(index, subindex); text != item->text(0))
         item->setText(0, text);
-}
-
-void DictionaryTree::removeSubIndex(quint16 index, quint8 subindex)
-{
-    if (const QTreeWidgetItem *object = m_objects.value(index); object != nullptr)
-        delete childWith(*object, keyOf(TreeRow::ofSubIndex(index, subindex)));
 }
 
 // --- State --------------------------------------------------------------------------------------

@@ -68,8 +68,9 @@ public:
     // What the store tells
     void updateObject(quint16 index);
     void removeObject(quint16 index);
+    /// All subindices of an object.
+    void updateSubIndices(quint16 index);
     void updateSubIndex(quint16 index, quint8 subindex);
-    void removeSubIndex(quint16 index, quint8 subindex);
 
     /// Objects whose text does not contain the filter are hidden; case makes no difference.
     void setFilter(const QString &filter);

@@ -197,7 +197,7 @@ void ObjectDictionaryForm::openPane()
     m_pane->open(context(), {.line = line(),
                              .index = index,
                              .subindex = m_shownSubindex,
-                             .canEdit = editContext().rights.mayRestructure(index),
+                             .canEdit = true, // of what, the rights tell
                              .expert = m_expert});
     const QList<int> sizes = m_splitter->sizes();
     m_splitter->addWidget(m_pane);
@@ -287,13 +287,17 @@ void ObjectDictionaryForm::followTree(const ObjectDataBase::ChangeSet &change)
         m_tree->updateObject(change.index);
         break;
     case ObjectDataBase::SubIndexAdded:
-        m_tree->updateSubIndex(change.index, change.subindex);
+        // Subindex 0 stands for several of the object.
+        if (change.subindex == 0)
+            m_tree->updateSubIndices(change.index);
+        else
+            m_tree->updateSubIndex(change.index, change.subindex);
         break;
     case ObjectDataBase::IndexDeleted:
         m_tree->removeObject(change.index);
         break;
     case ObjectDataBase::SubIndexDeleted:
-        m_tree->removeSubIndex(change.index, change.subindex);
+        m_tree->updateSubIndices(change.index);
         break;
     case ObjectDataBase::NodeDeleted:
         m_tree->reload();

@@ -363,16 +363,16 @@ private slots:
             QVERIFY(within("filter", 50, [&] { QTest::keyClicks(filter, QString(letter)); }));
         QVERIFY(within("filter away", 50, [&] { filter->clear(); }));
 
-        QTreeWidgetItem *segment = session.tree->topLevelItem(1);
-        session.tree->setCurrentItem(segment->child(0));
+        const auto segment = [&] { return session.tree->topLevelItem(1); };
+        session.tree->setCurrentItem(segment()->child(0));
         for (int row = 0; row < 1000; ++row)
-            segment->child(2 * row)->setSelected(true);
+            segment()->child(2 * row)->setSelected(true);
         QVERIFY(within("copy", 500, [&] { session.form.doAction(BaseMainForm::Copy); }));
         QVERIFY(within("delete", 500, [&] { session.key(Qt::Key_Delete); }));
-        QCOMPARE(segment->childCount(), 9000);
-        session.tree->setCurrentItem(segment->child(8999));
+        QCOMPARE(segment()->childCount(), 9000);
+        session.tree->setCurrentItem(segment()->child(8999));
         QVERIFY(within("paste", 500, [&] { session.form.doAction(BaseMainForm::Paste); }));
-        QCOMPARE(segment->childCount(), 10000);
+        QCOMPARE(segment()->childCount(), 10000);
         const QList<quint16> indices = session.objects();
         QVERIFY(within("burst", 1000, [&] {
             for (const quint16 index : indices)
