@@ -5,6 +5,7 @@
 #include "odeditor/objectclassfactory.h"
 #include "odeditor/overviewtable.h"
 #include "odeditor/subindexform.h"
+#include "store/undomanager.h"
 #include "store/usersettings.h"
 
 #include "canopen/cohelper.h"
@@ -248,6 +249,27 @@ private slots:
         QVERIFY(table(*form, u"tblImplementation"_s)->isHidden());
         form->saveData();
         QCOMPARE(desk.entry(0x2000, 0).varname, u"v_81920"_s);
+    }
+
+    void whatAPaneWritesIsOneStep()
+    {
+        Desk desk;
+        desk.store->addIndex(0, 0x2000, {.name = u"Motor"_s, .objecttype = CANopen::ARRAY});
+        desk.store->addSubIndex(0, 0x2000, 0, {.defaultvalue = u"1"_s});
+        desk.store->addSubIndex(0, 0x2000, 1, {.datatype = CAN::UNSIGNED8});
+        UndoManager undo;
+        undo.setDatabase(desk.store);
+        const QString before = desk.store->contentHash();
+        const auto form = desk.open<IndexForm>(0x2000);
+        AttributeTable *attributes = table(*form, u"tblAttributes_2"_s);
+        cell(attributes, u"Name"_s)->setText(u"Pump"_s);
+        choose(attributes, u"Data Type"_s, CAN::UNSIGNED32);
+        form->saveData();
+        QCOMPARE(desk.entry(0x2000, 1).datatype, CAN::UNSIGNED32);
+        QVERIFY(desk.store->contentHash() != before);
+        undo.undo();
+        QCOMPARE(desk.store->contentHash(), before);
+        QVERIFY(!undo.canUndo());
     }
 
     void badInputIsToldAndNotTaken_data()
