@@ -17,6 +17,9 @@ struct FormPage
 };
 constexpr std::array formPages{
     FormPage{"GeneratorOutputForm", "generator-output.md"},
+    FormPage{"IndexForm", "object-panes.md"},
+    FormPage{"SubIndexForm", "object-panes.md"},
+    FormPage{"MetaDataInputDialog", "object-panes.md"},
     FormPage{"ObjectDictionaryForm", "object-dictionary.md"},
     FormPage{"ManufacturerSegmentForm", "object-dictionary.md"},
     FormPage{"SelectSubindexDialog", "object-dictionary.md"},
@@ -51,7 +54,9 @@ QList<HelpViewerDialog::Chapter> ManualHandler::chapters()
         {tr("Start"),
          {QStringLiteral("first-project.md"), QStringLiteral("main-window.md"),
           QStringLiteral("keyboard.md")}},
-        {tr("Pages"), {QStringLiteral("object-dictionary.md"), QStringLiteral("generator-output.md")}},
+        {tr("Pages"),
+         {QStringLiteral("object-dictionary.md"), QStringLiteral("object-panes.md"),
+          QStringLiteral("generator-output.md")}},
         {tr("Tasks"),
          {QStringLiteral("lines.md"), QStringLiteral("import.md"), QStringLiteral("saving.md"),
           QStringLiteral("viewer.md"), QStringLiteral("updates.md")}},

@@ -473,8 +473,7 @@ bool IndexForm::confirmLoss(quint32 objectType)
         return true;
     const int answer = GuiHelper::showMessageBox(
         this, {.title = GuiHelper::boxTitle(),
-               .text = tr("A %1 has one value. %n further subindices of %2 would be deleted. "
-                          "Proceed?",
+               .text = tr("A %1 has one value; %n subindex(es) of %2 would be deleted. Proceed?",
                           nullptr, int(lost))
                            .arg(COHelper::objectCode2String(objectType), IndexText::hex(m_index)),
                .informativeText = {},

@@ -22,12 +22,12 @@ struct Column
 
 constexpr std::array columns{
     Column{"Sub", SubIndexField::Name, 48}, // not a field
-    Column{"Name", SubIndexField::Name, 200},
-    Column{"DataType", SubIndexField::DataType, 128},
-    Column{"Default", SubIndexField::DefaultValue, 96},
-    Column{"Access", SubIndexField::AccessType, 96},
-    Column{"PDO", SubIndexField::PdoMapping, 80},
-    Column{"Impl.", SubIndexField::Implementation, 128},
+    Column{"Name", SubIndexField::Name, 144},
+    Column{"DataType", SubIndexField::DataType, 112},
+    Column{"Default", SubIndexField::DefaultValue, 72},
+    Column{"Access", SubIndexField::AccessType, 88},
+    Column{"PDO", SubIndexField::PdoMapping, 64},
+    Column{"Impl.", SubIndexField::Implementation, 120},
     Column{"Has Default", SubIndexField::HasDefault, 88},
     Column{"Default in EDS", SubIndexField::DefaultInEds, 112},
 };

@@ -35,6 +35,11 @@ private:
 WidgetDelegate::WidgetDelegate(Describe describe, QObject *parent)
     : QStyledItemDelegate(parent), m_describe(std::move(describe))
 {
+    // A closed editor still lives until the events are handled.
+    connect(this, &QAbstractItemDelegate::closeEditor, this, [this](const QWidget *editor) {
+        if (editor == m_editor)
+            m_editor = nullptr;
+    });
 }
 
 QWidget *WidgetDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem &,
@@ -118,6 +123,5 @@ void WidgetDelegate::commitOpenEditor()
             emit commitData(editor);
         }
         emit closeEditor(editor);
-        m_editor = nullptr;
     }
 }
