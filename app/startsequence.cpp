@@ -3,6 +3,7 @@
 #include "app/startoptions.h"
 #include "app/vxmmainwindow.h"
 #include "gui/displaychoice.h"
+#include "gui/guihelper.h"
 #include "gui/tolvexbaseapplication.h"
 #include "resources/codb/standardprofiles.h"
 #include "resources/templates/projecttemplates.h"
@@ -12,6 +13,9 @@
 
 #include <QFileInfo>
 #include <QTimer>
+
+#include <cstdio>
+#include <cstdlib>
 
 namespace {
 
@@ -29,22 +33,39 @@ void nameApplication(TolvexBaseApplication &application, const char *name)
     QApplication::setStartDragDistance(dragPixels);
 }
 
-void prepareProjectStore(ObjectDataBase &store)
+/// False if there is no place for its working copy.
+bool prepareProjectStore(ObjectDataBase &store)
 {
-    store.createNewDataBase();
+    if (!store.createNewDataBase())
+        return false;
     store.addNode(0, ObjectDataBase::NODE_DATA_T());
     const QString key = QStringLiteral("line0type");
     if (Edition::isCANopen())
         store.setGeneralSetting(key, QStringLiteral("1"));
     else if (Edition::isJ1939())
         store.setGeneralSetting(key, QStringLiteral("2"));
+    return true;
 }
 
-void prepareLibraryStore(ObjectDataBase &store)
+bool prepareLibraryStore(ObjectDataBase &store)
 {
-    store.createNewDataBase();
+    if (!store.createNewDataBase())
+        return false;
     store.addNode(0, ObjectDataBase::NODE_DATA_T());
     store.purgeStrings();
+    return true;
+}
+
+/// Without working copies there is nothing to work on, not even a new project.
+int tellAndEnd(const QString &reason, bool isHidden)
+{
+    const QString text = QStringLiteral("The program cannot start.");
+    if (isHidden)
+        std::fprintf(stderr, "%s %s\n", qUtf8Printable(text), qUtf8Printable(reason));
+    else
+        GuiHelper::showMessageBox(nullptr, GuiHelper::boxTitle(), text, reason, QMessageBox::Ok,
+                                  QMessageBox::Critical);
+    return EXIT_FAILURE;
 }
 
 /// What is opened when the command line names no project.
@@ -78,9 +99,11 @@ int runQuillforge(int argc, char *argv[], const char *applicationName)
     StandardProfiles::makeAvailable();
     ProjectTemplates::makeAvailable();
     const auto project = std::make_shared<ObjectDataBase>();
-    prepareProjectStore(*project);
     const auto library = std::make_shared<ObjectDataBase>();
-    prepareLibraryStore(*library);
+    if (!prepareProjectStore(*project))
+        return tellAndEnd(project->lastErrorText(), options.hidden);
+    if (!prepareLibraryStore(*library))
+        return tellAndEnd(library->lastErrorText(), options.hidden);
 
     VxmMainWindow window(options);
     window.setDatabase(project);

@@ -3,6 +3,7 @@
 #include "store/workingcopy.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -18,8 +19,8 @@ void UserSettings::stayOutOfMissingHome()
     if (!WorkingCopy::isInMissingHome(place))
         return;
     static const QTemporaryDir folder;
-    if (folder.isValid())
-        setPath(NativeFormat, UserScope, folder.path());
+    // Where nothing can be written, no settings are kept either.
+    setPath(NativeFormat, UserScope, folder.isValid() ? folder.path() : QDir::tempPath());
 }
 
 QVariant UserSettings::general(const QString &key, const QVariant &defaultValue)
