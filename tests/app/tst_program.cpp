@@ -205,6 +205,20 @@ private slots:
         QVERIFY(result.errors.contains(u"The project contains critical errors."_s));
     }
 
+    void withoutAFolderToWorkInItEnds()
+    {
+        const QString home = file(u"none"_s);
+        m_program->environment.insert(u"HOME"_s, home);
+        m_program->environment.insert(u"TMPDIR"_s, home + u"/tmp"_s);
+        for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            m_program->environment.remove(QLatin1String(name));
+        const ShippedProgram::Run result = m_program->run(words("device.vxmp -hidden -g"));
+        QCOMPARE(result.exitCode, 1);
+        QVERIFY2(result.errors.contains(home), qPrintable(result.errors));
+        QVERIFY(!result.errors.contains(u"QSql"_s));
+        QVERIFY(!QFileInfo::exists(home));
+    }
+
     void importsOrTellsWhy_data()
     {
         // Only what people edit by hand is read unattended.
