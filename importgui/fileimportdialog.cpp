@@ -3,10 +3,10 @@
 #include "canopen/indextext.h"
 #include "canopen/objectranges.h"
 #include "gui/guihelper.h"
-#include "gui/lineicon.h"
-#include "importgui/importobjectmodel.h"
 #include "gui/indexdestinationdialog.h"
+#include "gui/lineicon.h"
 #include "gui/subselectdialog.h"
+#include "importgui/importobjectmodel.h"
 #include "store/usersettings.h"
 #include "ui_fileimportdialog.h"
 

@@ -16,7 +16,7 @@ cd "$root"
 sources() {
   if git -c safe.directory="$root" rev-parse --is-inside-work-tree >/dev/null 2>&1; then
     git -c safe.directory="$root" ls-files -z --cached --others --exclude-standard --deduplicate \
-      -- "$@" ':!tests/golden/*/*' ':!tests/generatedc/golden/' | while IFS= read -r -d '' file; do
+      -- "$@" ':!tests/golden/*/*' ':!tests/generatedc/golden/' ':!tests/gendefine/golden/' | while IFS= read -r -d '' file; do
       # What was deleted and not yet committed is still listed.
       if [[ -f $file ]]; then printf '%s\0' "$file"; fi
     done
@@ -24,7 +24,7 @@ sources() {
     local -a names=(-false)
     local pattern
     for pattern in "$@"; do names+=(-o -path "./$pattern"); done
-    find . \( -path './build*' -o -path './tests/golden/*/*' -o -path ./tests/generatedc/golden -o -path ./out -o -path ./.git \) -prune \
+    find . \( -path './build*' -o -path './tests/golden/*/*' -o -path './tests/g*/golden' -o -path ./out -o -path ./.git \) -prune \
       -o -type f \( "${names[@]}" \) -print0
   fi
 }

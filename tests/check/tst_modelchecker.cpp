@@ -1,8 +1,8 @@
 #include "canopen/cobid.h"
 #include "checkcases.h"
 
-#include "check/checktable.h"
 #include "canopen/valuetext.h"
+#include "check/checktable.h"
 #include "check/warninggroups.h"
 #include "store/usersettings.h"
 
