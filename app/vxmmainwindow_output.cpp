@@ -8,19 +8,13 @@
 #include "session/projectsession.h"
 #include "ui_vxmmainwindow.h"
 
-#include <QStatusBar>
-
-namespace {
-constexpr int noteMilliseconds = 5000;
-}
-
 void VxmMainWindow::connectOutputPage()
 {
     const auto step = [this](bool (GeneratorOutputForm::*goTo)()) {
         return [this, goTo] {
             ui->toolBox->setCurrentWidget(m_outputForm);
             if (!(m_outputForm->*goTo)())
-                statusBar()->showMessage(tr("There are no messages to go to."), noteMilliseconds);
+                showStatus(tr("There are no messages to go to."));
         };
     };
     connect(ui->actionNext_Message, &QAction::triggered, this,

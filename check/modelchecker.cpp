@@ -40,6 +40,15 @@ ModelChecker::ModelChecker(QObject *parent)
 
 ModelChecker::~ModelChecker() = default;
 
+CheckContext ModelChecker::contextOf(ObjectDataBase &database, bool *changed)
+{
+    return {.database = database,
+            .settings = ProjectSettings(database),
+            .sink = m_sink,
+            .projectPath = m_projectPath,
+            .changed = changed};
+}
+
 int ModelChecker::checkProject(ObjectDataBase *database, const QString &projectPath)
 {
     m_projectPath = projectPath;
@@ -47,10 +56,7 @@ int ModelChecker::checkProject(ObjectDataBase *database, const QString &projectP
         return 0;
     loadSuppressedGroups(database);
     const int before = m_sink.errorCount();
-    const CheckContext context{.database = *database,
-                               .settings = ProjectSettings(*database),
-                               .sink = m_sink,
-                               .projectPath = m_projectPath};
+    const CheckContext context = contextOf(*database);
     for (const auto &pass : m_passes)
         pass->checkProject(context);
     return m_sink.errorCount() - before;
@@ -74,11 +80,7 @@ int ModelChecker::runLinePasses(const LineType &type, quint8 line, ObjectDataBas
         return 0;
     loadSuppressedGroups(database);
     const int before = m_sink.errorCount();
-    const CheckContext context{.database = *database,
-                               .settings = ProjectSettings(*database),
-                               .sink = m_sink,
-                               .projectPath = m_projectPath,
-                               .changed = changed};
+    const CheckContext context = contextOf(*database, changed);
     if (type.number == LineType::Unknown)
         m_sink.report(CommonMessage::LineTypeMissing, {QString::number(line)},
                       {.line = line, .field = LineType::settingKey(line)});

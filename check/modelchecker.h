@@ -14,6 +14,7 @@
 #include <vector>
 
 class ObjectDataBase;
+struct CheckContext;
 
 /// The gate in front of every generation run: reports faults of the project, repairs a small
 /// closed set of them in the store, and counts the errors.
@@ -70,6 +71,7 @@ signals:
     void newError(QString errorText);
 
 private:
+    [[nodiscard]] CheckContext contextOf(ObjectDataBase &database, bool *changed = nullptr);
     int runLinePasses(const LineType &type, quint8 line, ObjectDataBase *database, bool *changed);
 
     CheckSink m_sink;
