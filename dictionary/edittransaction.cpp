@@ -41,6 +41,19 @@ struct EditTransaction::Writes
         return removedObjects.size() + renewedObjects.size() + removedEntries.size() +
                objects.size() + entries.size();
     }
+    /// The object that all of them are about; nothing if there are several.
+    [[nodiscard]] std::optional<Key> soleObject() const
+    {
+        std::set<Key> keys(removedObjects.begin(), removedObjects.end());
+        keys.insert(renewedObjects.begin(), renewedObjects.end());
+        for (const auto &[key, subindex] : removedEntries)
+            keys.insert(key);
+        for (const ObjectDataBase::IndexEntry &object : objects)
+            keys.insert({object.line, object.index});
+        for (const ObjectDataBase::SubEntry &entry : entries)
+            keys.insert({entry.line, entry.index});
+        return keys.size() == 1 ? std::optional(*keys.begin()) : std::nullopt;
+    }
     /// Few are written one by one, so that what they tell says what has changed.
     [[nodiscard]] bool isFew() const
     {
@@ -274,7 +287,13 @@ EditResult EditTransaction::commit()
         return EditResult::refused(QCoreApplication::translate(
             "DictionaryEdit", "The project can't be changed while something else works on it."));
     StoreBulkChange bulk(m_store);
-    if (!writes.isFew())
+    const std::optional<Key> object = writes.soleObject();
+    const bool isKept = object && m_changes.at(*object).after;
+    // Told as several unlike changes, one object would have everybody read the whole line.
+    if (isKept && writes.size() > 1)
+        bulk.tellAs(
+            {.kind = ObjectDataBase::IndexAdded, .index = object->second, .line = object->first});
+    else if (!writes.isFew())
         bulk.tellAs({.kind = ObjectDataBase::ProjectReplaced});
     if (write(writes) && bulk.commit())
         return EditResult::done();
